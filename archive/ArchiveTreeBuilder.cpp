@@ -1,0 +1,143 @@
+#include "archive/ArchiveTreeBuilder.h"
+
+#include <algorithm>
+
+#include "archive/ListingLine.h"
+#include "platform/Files.h"
+#include "platform/HeldName.h"
+#include "runtime/ImageKeys.h"
+
+namespace archive {
+namespace {
+
+constexpr std::string_view packageSizeMember = "packageSize";
+
+std::string withoutLineFeeds(std::string text) {
+  text.erase(std::remove(text.begin(), text.end(), '\n'), text.end());
+  return text;
+}
+
+}  // namespace
+
+ArchiveTreeBuilder::ArchiveTreeBuilder(runtime::ArchiveKind kind, std::string listing,
+                                       std::function<std::string()> packageSize)
+    : packageSize_(std::move(packageSize)),
+      lineCount_(static_cast<std::size_t>(std::count(listing.begin(), listing.end(), '\n'))),
+      folderImage_(runtime::ImageIndexForKey("fldr")),
+      shortcutImage_(runtime::ImageIndexForKey("shortcut")) {
+  tree_.verbose_ = kind != runtime::ArchiveKind::Ipk;
+  tree_.listing_ = std::move(listing);
+  tree_.nodes_.reserve(lineCount_ + 1);
+  byText_.reserve(lineCount_);
+  order_.reserve(lineCount_ + 1);
+}
+
+bool ArchiveTreeBuilder::addNextLine() {
+  const std::size_t end = tree_.listing_.find('\n', position_);
+  if (end == std::string::npos) return false;
+  line_ = position_;
+  position_ = end + 1;
+  const std::string_view line = std::string_view(tree_.listing_).substr(line_, end - line_);
+  if (tree_.verbose_)
+    addTarLine(line);
+  else if (!line.empty() && !isRemark(line))
+    addMember(line);
+  return true;
+}
+
+void ArchiveTreeBuilder::addMember(std::string_view line) {
+  const std::size_t made = tree_.nodeCount();
+  if (line.find('/') == line.npos)
+    AddArchiveNode(platform::holdName(line), 0, false, imageOf(line));
+  else
+    place(line, false);
+  if (line == packageSizeMember && tree_.nodeCount() > made && packageSize_)
+    tree_.packageSize_ = {static_cast<NodeId>(tree_.nodeCount()),
+                          "Package Size: " + withoutLineFeeds(packageSize_()) + " bytes"};
+}
+
+void ArchiveTreeBuilder::addTarLine(std::string_view line) {
+  const auto entry = parseListingLine(line);
+  if (!entry || entry->path.empty()) return;
+  const EntryPath path = splitLinkText(*entry);
+  if (entry->path.find('/') != std::string_view::npos) {
+    place(path.name, path.target.has_value());
+    return;
+  }
+  std::string text = heldName(entry->path);
+  const int image = imageOf(text);
+  const NodeId node = AddArchiveNode(std::move(text), 0, false, image);
+  tree_.nodes_[node].nameLength = static_cast<std::uint32_t>(heldName(path.name).size());
+}
+
+/// `path` is as printed; every component gets a node, those that only the way needs too.
+void ArchiveTreeBuilder::place(std::string_view path, bool isLink) {
+  const bool endsInFolder = path.ends_with('/');
+  if (endsInFolder) path.remove_suffix(1);
+  NodeId parent = 0;
+  std::string prefix;
+  for (bool last = false; !last;) {
+    const std::size_t slash = path.find('/');
+    last = slash == path.npos;
+    const std::string_view component = path.substr(0, slash);
+    path.remove_prefix(last ? path.size() : slash + 1);
+    if (component == "." || component == "..") {
+      prefix.append(component).append("/");
+      continue;
+    }
+    std::string text = prefix.empty() ? heldName(component) : prefix + heldName(component);
+    prefix.clear();
+    const auto found = byText_.find(Key{parent, text});
+    if (found != byText_.end()) {
+      parent = *found;
+      continue;
+    }
+    const bool isFolder = !last || endsInFolder;
+    const int image = isFolder ? folderImage_ : isLink ? shortcutImage_ : imageOf(text);
+    parent = AddArchiveNode(std::move(text), parent, isFolder, image);
+  }
+}
+
+NodeId ArchiveTreeBuilder::AddArchiveNode(std::string text, NodeId parent, bool isFolder, int image) {
+  TreeNode made;
+  made.nameLength = static_cast<std::uint32_t>(text.size());
+  made.text = std::move(text);
+  made.line = line_;
+  made.parent = parent;
+  made.image = static_cast<std::uint8_t>(image);
+  const auto node = static_cast<NodeId>(tree_.nodes_.size());
+  tree_.nodes_.push_back(std::move(made));
+  order_.insert(parent, node, isFolder);
+  if (++tree_.nodes_[parent].childCount == 1) order_.gotFirstChild(parent);
+  remember(node);
+  return node;
+}
+
+int ArchiveTreeBuilder::imageOf(std::string_view text) {
+  const std::string extension = platform::extensionOf(text);
+  const auto known = images_.find(extension);
+  if (known != images_.end()) return known->second;
+  return images_.emplace(extension, runtime::ImageIndexForKey(extension)).first->second;
+}
+
+/// A look-up finds the first of siblings that have the same text.
+void ArchiveTreeBuilder::remember(NodeId node) {
+  const auto [first, isNew] = byText_.insert(node);
+  if (isNew || order_.standsBefore(*first, node)) return;
+  byText_.erase(first);
+  byText_.insert(node);
+}
+
+ArchiveTree ArchiveTreeBuilder::finish() {
+  tree_.children_.reserve(tree_.nodeCount());
+  for (NodeId node = 0; node < tree_.nodes_.size(); ++node) {
+    const std::size_t first = tree_.children_.size();
+    tree_.nodes_[node].firstChild = static_cast<std::uint32_t>(first);
+    order_.appendChildren(node, tree_.children_);
+    for (std::size_t i = first; i < tree_.children_.size(); ++i)
+      tree_.nodes_[tree_.children_[i]].row = static_cast<std::uint32_t>(i - first);
+  }
+  return std::move(tree_);
+}
+
+}  // namespace archive

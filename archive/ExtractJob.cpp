@@ -1,0 +1,98 @@
+#include "archive/ExtractJob.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "archive/ExtractCommand.h"
+#include "archive/ListingLine.h"
+#include "archive/Staging.h"
+#include "platform/HeldName.h"
+
+namespace archive {
+namespace {
+
+bool beginsWithDash(const std::string& member) { return member.starts_with('-'); }
+
+/// What tar reads with --null -T: bytes, each name ended by a NUL.
+std::string namesFileText(const std::vector<std::string>& names) {
+  std::string bytes;
+  for (const std::string& name : names) bytes += platform::releaseName(name) + '\0';
+  return bytes;
+}
+
+}  // namespace
+
+std::optional<std::string> excludeOptions(const std::vector<std::string>& excludes) {
+  if (excludes.empty()) return "";
+  std::string text = "--anchored --no-wildcards ";
+  for (const std::string& exclude : excludes) text += "\"--exclude=" + exclude + "\" ";
+  return text.size() <= longestMemberList ? std::optional(text) : std::nullopt;
+}
+
+ExtractJob::ExtractJob(const runtime::Services& services, ExtractPlan plan)
+    : services_(services), plan_(std::move(plan)) {}
+
+int ExtractJob::run() {
+  const int status = plan_.kind == runtime::ArchiveKind::Ipk ? runAr() : runTar();
+  logEnd(status);
+  return status;
+}
+
+int ExtractJob::runTar() {
+  std::optional<ScratchFolder> place;
+  std::string list = excludeOptions(plan_.excludes).value_or("");
+  if (!plan_.withWhatIsBelow) list += "--no-recursion ";
+  std::string names = memberList(plan_.members);
+  if (names.size() > longestMemberList ||
+      std::any_of(plan_.members.begin(), plan_.members.end(), beginsWithDash)) {
+    place.emplace(services_.system.files, services_.log, services_.api.GetTempDir());
+    const std::string file = place->path() + "\\names";
+    if (!*place || !services_.system.files.writeText(file, namesFileText(plan_.members))) {
+      services_.log.append(" Unable to write file: " + services_.api.GetTempDir() + "names");
+      return platform::notStarted;
+    }
+    names = "--null --verbatim-files-from -T " + runtime::ToCygwinPath(file) + ' ';
+  }
+  return services_.api.RunAndWait(
+      tarExtractCommand(plan_.kind, plan_.archivePath, plan_.outFolder, list + names));
+}
+
+/// ar has no folder option and follows links that stand in its way: it unpacks into a folder of its own.
+int ExtractJob::runAr() {
+  const ScratchFolder place(services_.system.files, services_.log, plan_.outFolder);
+  if (!place) {
+    services_.log.append(" Unable to create a folder in: " + plan_.outFolder);
+    return platform::notStarted;
+  }
+  platform::Environment& environment = services_.system.environment;
+  const std::string tools = ";" + services_.cygwin.cygwinBin();
+  if (!environment.get("Path").ends_with(tools)) environment.set("Path", environment.get("Path") + tools);
+  const int status =
+      services_.api.RunAndWait(arExtractCommand(plan_.archivePath, plan_.members), place.path());
+  const bool moved = moveIn(place.path());
+  return status == 0 && !moved ? 1 : status;
+}
+
+/// A rename puts a file in the place of a link, never behind it.
+bool ExtractJob::moveIn(const std::string& from) {
+  const platform::Files& files = services_.system.files;
+  const auto entries = files.entries(from);
+  bool all = entries.has_value();
+  for (const auto& entry : entries.value_or(std::vector<platform::Files::Entry>())) {
+    const std::string target = plan_.outFolder + entry.name;
+    if (files.rename(from + '\\' + entry.name, target)) continue;
+    services_.log.append(" Unable to write file: " + target);
+    all = false;
+  }
+  return all;
+}
+
+void ExtractJob::logEnd(int status) {
+  const std::string& said = services_.api.lastConsoleText();
+  for (const std::string_view line : completeLines(said))
+    if (isRemark(line)) services_.log.append(std::string(line));
+  const std::string code = status == 0 ? "" : " (exit code " + std::to_string(status) + ")";
+  services_.log.append(" Extracted file: " + plan_.archivePath + code);
+}
+
+}  // namespace archive

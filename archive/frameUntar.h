@@ -1,0 +1,94 @@
+#pragma once
+
+#include <QGroupBox>
+#include <ctime>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "archive/ArchiveListing.h"
+#include "archive/ArchiveTreeModel.h"
+#include "platform/desktop/FilePickers.h"
+#include "runtime/MainWindow.h"
+#include "runtime/Services.h"
+
+class QLineEdit;
+class QMenu;
+
+namespace Ui {
+class frameUntar;
+}
+
+namespace archive {
+
+/// The extract frame: an archive's contents as a tree with check boxes, and their extraction. The main window
+/// shows it in place of the browsing area, and places what stands in it.
+class frameUntar : public QGroupBox {
+  Q_OBJECT
+
+ public:
+  frameUntar(runtime::Services services, runtime::MainWindow& mainWindow,
+             platform::desktop::FilePickers& pickers, QWidget* parent = nullptr);
+  ~frameUntar() override;
+
+  /// Puts the initial texts, the hint entry and no archive into the frame; with exactly one archive selected,
+  /// that archive and the output folder proposed for it, and lists it.
+  void open();
+  /// A double click into an archive: fills both boxes and lists it.
+  void open(const std::string& archivePath);
+
+ signals:
+  void shown();   ///< the frame is to be shown in place of the browsing area (before anything is listed)
+  void closed();  ///< the browsing area is to come back
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  class Progress;
+  struct Listed {  // what the tree shows
+    std::string path;
+    std::optional<std::uint64_t> size;
+    std::optional<std::time_t> time;
+    bool operator==(const Listed&) const = default;
+  };
+
+  void wire();
+  void wireTree();
+  void reset();
+  bool ListArchive();
+  bool readArchive(runtime::ArchiveKind kind, const std::string& path);
+  void enableListing(bool enabled);
+  void enableExtraction(bool enabled);
+  void endListing(bool complete);
+  void ExtractArchive(bool all);
+  const ArchiveTree* currentTree();
+  Listed identity(const std::string& path) const;
+  std::string archivePath() const;
+  void focusOn(Focus focus);
+
+  void cmdGetFile_Click();
+  void cmdSelectOut_Click();
+  void cmdRefresh_Click() { ListArchive(); }
+  void cmdUnTar_Click() { ExtractArchive(true); }
+  void cmdUnTarSelected_Click();
+  void cmdCancel_Click();
+  void cmdSelectAllTar_Click() { selectAll(true); }
+  void cmdSelectNoneTar_Click() { selectAll(false); }
+  void selectAll(bool state);
+  void tarTree_MouseUp(const QPoint& position);
+  void mnuTarTreeProperties_Click();
+
+  runtime::Services services_;
+  runtime::MainWindow& mainWindow_;
+  platform::desktop::FilePickers& pickers_;
+  std::unique_ptr<Ui::frameUntar> ui_;
+  ArchiveTreeModel* model_;
+  QMenu* mnuTarTreeRightClick_;
+  std::optional<Listed> listed_;
+  NodeId rightClickedNode_ = 0;
+  bool cancelRequested_ = false;
+  unsigned listingRun_ = 0;  // a newer listing ends an older one that is still on the stack
+};
+
+}  // namespace archive

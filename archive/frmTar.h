@@ -1,0 +1,59 @@
+#pragma once
+
+#include <QDialog>
+#include <memory>
+#include <string>
+
+#include "archive/PackCommand.h"
+#include "archive/PackRunner.h"
+#include "archive/TarSelection.h"
+#include "platform/desktop/FilePickers.h"
+#include "runtime/MainWindow.h"
+#include "runtime/Services.h"
+
+namespace Ui {
+class frmTar;
+}
+
+namespace archive {
+
+/// "Create Tar File". Modal; made for one request and one selection.
+class frmTar : public QDialog {
+  Q_OBJECT
+
+ public:
+  frmTar(const runtime::Services& services, runtime::MainWindow& mainWindow,
+         platform::desktop::FilePickers& pickers, PackSelection selection, QWidget* parent = nullptr);
+  ~frmTar() override;
+
+  void reject() override;  ///< Cancel, Escape and the close box; not while an archive is made
+
+ private:
+  void Form_Load();
+  void showFolderOption();
+  void cmdGetOut_Click();
+  void txtFileOut_Change();
+  void checkOwner_Click();
+  void cmdTar_Click();
+  std::string chooseOutput() const;
+  PackSettings settings() const;
+  void handOver(const std::string& outputPath);
+
+  std::unique_ptr<Ui::frmTar> ui_;
+  runtime::Services services_;
+  runtime::MainWindow& mainWindow_;
+  platform::desktop::FilePickers& pickers_;
+  PackSelection selection_;
+  bool stageUsr8_;  ///< as stored when the dialog was loaded
+  bool busy_ = false;
+};
+
+/// Puts a file on the clipboard, as file managers do. True when it is there.
+bool ClipboardCopyFile(const platform::DriveTable& drives, const std::string& path);
+
+/// The button "Create Tar File": checks the selection, asks before the whole folder is packed, and opens
+/// frmTar modally; with `show` false it ends after the checks, and the caller packs `packSelection` itself.
+TarSelection CheckTarSelection(const runtime::Services& services, runtime::MainWindow& mainWindow,
+                               platform::desktop::FilePickers& pickers, QWidget* parent, bool show);
+
+}  // namespace archive

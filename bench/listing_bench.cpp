@@ -1,0 +1,196 @@
+// What listing a folder into the file pane costs: the whole of it against the same `ls` runs from a bare
+// loop, and how long "Select All" takes. Run it with QT_QPA_PLATFORM=offscreen. Ends with 1 when a bound is
+// missed.
+
+#include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <QApplication>
+#include <QWidget>
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+
+#include "browser/LayoutUi.h"
+#include "browser/ModePass.h"
+#include "browser/frameMain.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+
+class Nobody : public runtime::UserInterface {
+ public:
+  runtime::Answer message(const std::string& text, runtime::Buttons, runtime::Icon, const std::string&,
+                          runtime::Consequence) override {
+    std::fprintf(stderr, "%s\n", text.c_str());
+    std::exit(2);
+  }
+  void showCommand(const std::string&, const std::string&, const std::string&) override {}
+  void letEventsRun() override { QApplication::processEvents(); }
+  bool consoleOutput(std::string_view) override { return true; }
+  bool consoleStep() override { return true; }
+  void consoleOpened(const std::string&) override {}
+  void consoleClosed() override {}
+};
+
+class NoLog : public runtime::Log {
+ public:
+  void append(const std::string&) override {}
+};
+
+class NoPickers : public platform::desktop::FilePickers {
+ public:
+  std::string openFile(const platform::desktop::FileRequest&) override { return {}; }
+  std::string saveFile(const platform::desktop::FileRequest&) override { return {}; }
+  std::string folder(const std::string&, const std::string&) override { return {}; }
+};
+
+/// A folder of plain files with a window that shows it.
+class Bench {
+ public:
+  explicit Bench(int files);
+  ~Bench() { fs::remove_all(root_); }
+  double ratio(int rounds);
+  double selectAll();  ///< processor milliseconds
+
+ private:
+  void list();
+  void listBare() const;
+
+  static std::string newFolder() {
+    std::string name = fs::temp_directory_path() / "pakrune-bench-XXXXXX";
+    return mkdtemp(name.data());
+  }
+  std::string root_ = newFolder();
+  std::vector<std::string> names_;
+  platform::DriveTable drives_{{{'C', root_}, {'Z', "/"}}};
+  platform::Files files_{drives_};
+  platform::Environment environment_{drives_, environ};
+  platform::Registry registry_{root_ + "/user", root_ + "/site"};
+  platform::UserSettings userSettings_{registry_};
+  platform::HostCommandRunner commands_{drives_, environment_, drives_.toWindows(root_ + "/prog/")};
+  platform::System system_{drives_, files_, environment_, registry_, userSettings_, commands_};
+  Nobody user_;
+  NoLog log_;
+  NoPickers pickers_;
+  runtime::Settings settings_{registry_, userSettings_, log_};
+  runtime::modAPI api_{system_, user_};
+  runtime::CygwinEnvironment cygwin_{system_, api_, user_, drives_.toWindows(root_ + "/prog") + "\\"};
+  runtime::Selection selection_;
+  QWidget window_;
+  browser::frameMain* frame_ = nullptr;
+};
+
+Bench::Bench(int files) {
+  fs::create_directories(root_ + "/prog/bin");
+  for (const char* tool : {"tar", "chmod", "ls"})
+    fs::create_symlink(std::string("/usr/bin/") + tool, root_ + "/prog/bin/" + tool + ".exe");
+  fs::create_directory(root_ + "/many");
+  for (int i = 0; i < files; ++i) {
+    names_.push_back("file number " + std::to_string(i) + ".txt");
+    std::ofstream(root_ + "/many/" + names_.back()) << i;
+  }
+  cygwin_.AddDotToPath();
+  cygwin_.FindCygwinRoot();
+  cygwin_.CheckCygwinTools();
+  const double scale = browser::pixelsPerTwip(window_);
+  window_.resize(browser::startSize(scale));
+  frame_ = new browser::frameMain({system_, api_, cygwin_, user_, log_, settings_}, selection_, pickers_,
+                                  &window_);
+  browser::applyLayout(window_, browser::Layout(), scale);
+  window_.show();
+  frame_->openFolder("C:\\many");
+  QApplication::processEvents();
+}
+
+/// The same names in the same runs, read and thrown away.
+void Bench::listBare() const {
+  for (std::size_t first = 0; first < names_.size(); first += browser::modeBatch) {
+    std::vector<std::string> words = {"ls", "-lnd", "--sort=none", "--group-directories-first"};
+    const std::size_t end = std::min(names_.size(), first + browser::modeBatch);
+    words.insert(words.end(), names_.begin() + static_cast<std::ptrdiff_t>(first),
+                 names_.begin() + static_cast<std::ptrdiff_t>(end));
+    std::vector<char*> arguments;
+    for (std::string& word : words) arguments.push_back(word.data());
+    arguments.push_back(nullptr);
+    int ends[2];
+    if (pipe2(ends, O_CLOEXEC) != 0) std::exit(2);
+    posix_spawn_file_actions_t actions;
+    posix_spawn_file_actions_init(&actions);
+    posix_spawn_file_actions_adddup2(&actions, ends[1], STDOUT_FILENO);
+    posix_spawn_file_actions_addchdir_np(&actions, (root_ + "/many").c_str());
+    pid_t child = 0;
+    if (posix_spawn(&child, "/usr/bin/ls", &actions, nullptr, arguments.data(), environ) != 0) std::exit(2);
+    posix_spawn_file_actions_destroy(&actions);
+    close(ends[1]);
+    char buffer[1 << 16];
+    while (read(ends[0], buffer, sizeof buffer) > 0) {
+    }
+    close(ends[0]);
+    waitpid(child, nullptr, 0);
+  }
+}
+
+double seconds(const std::function<void()>& work) {
+  const auto begin = Clock::now();
+  work();
+  return std::chrono::duration<double>(Clock::now() - begin).count();
+}
+
+double median(std::vector<double> values) {
+  std::sort(values.begin(), values.end());
+  return values[values.size() / 2];
+}
+
+void Bench::list() {
+  frame_->fillDirPane();
+  QApplication::processEvents();
+}
+
+double Bench::ratio(int rounds) {
+  std::vector<double> ours;
+  std::vector<double> bare;
+  for (int i = 0; i < rounds; ++i) {
+    bare.push_back(seconds([this] { listBare(); }));
+    ours.push_back(seconds([this] { list(); }));
+  }
+  std::printf("  (medians: %.1f ms, bare %.1f ms)\n", median(ours) * 1e3, median(bare) * 1e3);
+  return median(ours) / median(bare);
+}
+
+double Bench::selectAll() {
+  const std::clock_t begin = std::clock();
+  frame_->checkAll_Click();
+  QApplication::processEvents();
+  const double spent = 1e3 * static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
+  if (selection_.selectedCount != names_.size()) std::exit(2);
+  return spent;
+}
+
+bool report(const char* what, double value, double bound) {
+  std::printf("%-60s %.2f (at most %.2f)%s\n", what, value, bound, value <= bound ? "" : "  MISSED");
+  return value <= bound;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  QApplication application(argc, argv);
+  bool kept = report("2,000 files / bare ls runs", Bench(2000).ratio(20), 2);
+  {
+    Bench bench(20000);
+    kept &= report("20,000 files / bare ls runs", bench.ratio(5), 1.5);
+    kept &= report("Select All on 20,000 rows, ms of processor time", bench.selectAll(), 100);
+  }
+  kept &= report("100,000 files / bare ls runs", Bench(100000).ratio(3), 1.5);
+  return kept ? 0 : 1;
+}

@@ -1,0 +1,153 @@
+#include "browser/DirPaneModel.h"
+
+#include <QGuiApplication>
+#include <QPainter>
+#include <QPalette>
+#include <unordered_map>
+
+#include "platform/desktop/ImageList.h"
+#include "platform/desktop/Text.h"
+
+namespace browser {
+namespace {
+
+constexpr std::array<const char*, 4> captions = {"Filename", "Permissions", "Size", "Modified"};
+constexpr int nameColumn = 0;
+constexpr int modeColumn = 1;
+constexpr int sizeColumn = 2;
+constexpr double dimming = 0.5;
+
+QColor rowColour(const PaneRow& row) {
+  const QPalette palette = QGuiApplication::palette();
+  const bool dark = palette.color(QPalette::Base).lightness() < 128;
+  QColor colour = palette.color(QPalette::Text);
+  if (row.system) colour = dark ? QColor(120, 170, 255) : QColor(0, 0, 255);
+  if (row.hidden) colour.setAlphaF(static_cast<float>(dimming));
+  return colour;
+}
+
+QIcon dimmedIcon(const QIcon& icon) {
+  QIcon dimmed;
+  for (const int side : {16, 24, 32, 48, 64}) {
+    QPixmap picture(side, side);
+    picture.fill(Qt::transparent);
+    QPainter painter(&picture);
+    painter.setOpacity(dimming);
+    icon.paint(&painter, picture.rect());
+    painter.end();
+    dimmed.addPixmap(picture);
+  }
+  return dimmed;
+}
+
+}  // namespace
+
+void DirPaneModel::setRows(std::vector<PaneRow> rows) {
+  beginResetModel();
+  rows_ = std::move(rows);
+  endResetModel();
+}
+
+void DirPaneModel::setModes(std::size_t first, const std::vector<std::string>& modes) {
+  const std::size_t end = std::min(rows_.size(), first + modes.size());
+  if (first >= end) return;
+  for (std::size_t i = first; i < end; ++i) rows_[i].mode = modes[i - first];
+  emit dataChanged(index(static_cast<int>(first), modeColumn), index(static_cast<int>(end - 1), modeColumn),
+                   {Qt::DisplayRole});
+}
+
+void DirPaneModel::sortBy(PaneOrder order) {
+  emit layoutAboutToBeChanged({}, VerticalSortHint);
+  order_ = order;
+  moveRows(sortedOrder(rows_, order));
+  emit layoutChanged({}, VerticalSortHint);
+  emit headerDataChanged(Qt::Horizontal, 0, columnCount() - 1);
+}
+
+void DirPaneModel::moveRows(const std::vector<std::size_t>& from) {
+  std::vector<PaneRow> moved;
+  moved.reserve(rows_.size());
+  std::vector<int> to(rows_.size());
+  for (const std::size_t old : from) {
+    to[old] = static_cast<int>(moved.size());
+    moved.push_back(std::move(rows_[old]));
+  }
+  rows_ = std::move(moved);
+  const QModelIndexList before = persistentIndexList();
+  QModelIndexList after;
+  after.reserve(before.size());
+  for (const QModelIndex& kept : before)
+    after.append(index(to[static_cast<std::size_t>(kept.row())], kept.column()));
+  changePersistentIndexList(before, after);
+}
+
+std::vector<int> DirPaneModel::rowsOf(const std::vector<std::string>& names) const {
+  std::unordered_map<std::string_view, int> places;
+  if (!names.empty()) places.reserve(rows_.size());
+  for (std::size_t i = 0; i < rows_.size() && !names.empty(); ++i)
+    places.try_emplace(rows_[i].name, static_cast<int>(i));
+  std::vector<int> found;
+  for (const std::string& name : names) {
+    const auto place = places.find(name);
+    if (place != places.end()) found.push_back(place->second);
+  }
+  return found;
+}
+
+int DirPaneModel::rowCount(const QModelIndex& parent) const {
+  return parent.isValid() ? 0 : static_cast<int>(rows_.size());
+}
+
+int DirPaneModel::columnCount(const QModelIndex& parent) const {
+  return parent.isValid() ? 0 : static_cast<int>(captions.size());
+}
+
+QString DirPaneModel::text(const PaneRow& row, int column) const {
+  switch (column) {
+    case nameColumn:
+      return platform::desktop::toShown(row.name);
+    case modeColumn:
+      return platform::desktop::toShown(row.mode);
+    case sizeColumn:
+      return QString::fromStdString(sizeText(row));
+    default:
+      return row.modified ? QString::fromStdString(locale_.dateTimeText(*row.modified)) : QString();
+  }
+}
+
+QIcon DirPaneModel::icon(const PaneRow& row) const {
+  const QIcon plain = platform::desktop::imageIcon(row.image);
+  if (!row.hidden) return plain;
+  QIcon& dimmed = dimmed_[static_cast<std::size_t>(row.image)];
+  if (dimmed.isNull()) dimmed = dimmedIcon(plain);
+  return dimmed;
+}
+
+QVariant DirPaneModel::data(const QModelIndex& index, int role) const {
+  if (!checkIndex(index, CheckIndexOption::IndexIsValid)) return {};
+  const PaneRow& row = rows_[static_cast<std::size_t>(index.row())];
+  switch (role) {
+    case Qt::DisplayRole:
+      return text(row, index.column());
+    case Qt::DecorationRole:
+      return index.column() == nameColumn ? QVariant(icon(row)) : QVariant();
+    case Qt::ForegroundRole:
+      return row.system || row.hidden ? QVariant(rowColour(row)) : QVariant();
+    case Qt::TextAlignmentRole:
+      return index.column() == sizeColumn ? QVariant(Qt::AlignRight | Qt::AlignVCenter) : QVariant();
+    default:
+      return {};
+  }
+}
+
+QVariant DirPaneModel::headerData(int section, Qt::Orientation orientation, int role) const {
+  if (orientation != Qt::Horizontal || section < 0 || section >= columnCount()) return {};
+  if (role == Qt::TextAlignmentRole)
+    return QVariant((section == sizeColumn ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
+  if (role != Qt::DisplayRole) return {};
+  const QString caption = QString::fromLatin1(captions[static_cast<std::size_t>(section)]);
+  if (section != order_.sortColumn - 1) return caption;
+  return caption + QLatin1String(order_.ascending ? " >" : " <");
+}
+
+}  // namespace browser

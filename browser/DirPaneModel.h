@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QAbstractTableModel>
+#include <QIcon>
+#include <array>
+#include <string>
+#include <vector>
+
+#include "browser/PaneRow.h"
+#include "browser/PaneSort.h"
+#include "platform/desktop/Locale.h"
+#include "runtime/ImageKeys.h"
+
+namespace browser {
+
+/// The rows of the file pane. Columns: "Filename", "Permissions", "Size", "Modified"; the caption of the
+/// sorted one ends in " >" (ascending) or " <". Texts and pictures are made when a row is shown.
+class DirPaneModel : public QAbstractTableModel {
+  Q_OBJECT
+
+ public:
+  using QAbstractTableModel::QAbstractTableModel;
+
+  void setRows(std::vector<PaneRow> rows);
+  const std::vector<PaneRow>& rows() const { return rows_; }
+  /// Modes of the rows from `first` on.
+  void setModes(std::size_t first, const std::vector<std::string>& modes);
+  void sortBy(PaneOrder order);
+  PaneOrder order() const { return order_; }
+  /// The rows of these exact names (of each the first), in the names' order; names without a row are left
+  /// out. Linear.
+  std::vector<int> rowsOf(const std::vector<std::string>& names) const;
+
+  int rowCount(const QModelIndex& parent = {}) const override;
+  int columnCount(const QModelIndex& parent = {}) const override;
+  QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
+  QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
+
+ private:
+  QString text(const PaneRow& row, int column) const;
+  QIcon icon(const PaneRow& row) const;
+  void moveRows(const std::vector<std::size_t>& from);
+
+  std::vector<PaneRow> rows_;
+  PaneOrder order_;
+  platform::desktop::Locale locale_;
+  mutable std::array<QIcon, runtime::imageCount + 1> dimmed_;  // made when first shown
+};
+
+}  // namespace browser

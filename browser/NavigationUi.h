@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QLineEdit>
+#include <QObject>
+#include <QTimer>
+#include <string>
+
+#include "platform/desktop/DriveList.h"
+#include "platform/desktop/FilePickers.h"
+#include "platform/desktop/FolderList.h"
+#include "runtime/Services.h"
+
+namespace browser {
+
+/// How the current folder (the folder list's path) is chosen: drive list, folder list, folder picker, typed
+/// path, parent. The drive list always shows the current folder's drive.
+class Navigation : public QObject {
+  Q_OBJECT
+
+ public:
+  Navigation(runtime::Services services, platform::desktop::FilePickers& pickers,
+             platform::desktop::DriveList& drives, platform::desktop::FolderList& folders,
+             QLineEdit& location, QObject* parent);
+
+  void openFolder(const std::string& path);     ///< C:\ for a path that is no folder; lists in any case
+  bool openSubfolder(const std::string& path);  ///< false, without a word, when it cannot be opened
+  void openParent();                            ///< nothing at a root
+
+ signals:
+  void folderChanged();  ///< another folder is the current one, or openFolder asked for the same one
+  void relistWanted();   ///< a double click on the folder that is open
+
+ private:
+  class DriveLock;
+  void Drive1_Change();
+  void Dir1_OpenFolderClick();
+  void Dir1_RightClick();
+  void txtLocation_Enter();
+  void Timer1_Timer();
+  bool openChosen(const std::string& path);
+  void showInitialFolder();
+
+  runtime::Services services_;
+  platform::desktop::FilePickers& pickers_;
+  platform::desktop::DriveList& drives_;
+  platform::desktop::FolderList& folders_;
+  QLineEdit& location_;
+  QTimer Timer1_;
+  int clickCount_ = 0;
+  bool drivesLocked_ = false;
+};
+
+}  // namespace browser

@@ -1,0 +1,69 @@
+#include "browser/PaneRows.h"
+
+#include "browser/FoldCase.h"
+#include "platform/DirectorySearch.h"
+#include "runtime/ImageKeys.h"
+
+namespace browser {
+namespace {
+
+bool has(const runtime::InfoClass& info, std::uint32_t attribute) { return (info.FileAttr & attribute) != 0; }
+
+bool visible(const PaneRow& row, const ListingChoice& choice) {
+  return (!row.hidden || choice.showHidden) && (!row.system || choice.showSystem);
+}
+
+bool passesFilter(const PaneRow& row, const ListingChoice& choice) {
+  if (choice.filterIndex <= 0 || runtime::imageTag(row.image) == choice.filterIndex) return true;
+  return choice.filterIndex == choice.filterCount - 1 && matchPattern(choice.customPattern, row.name);
+}
+
+PaneRow rowOf(const runtime::InfoClass& info, int image, bool isFile) {
+  PaneRow row;
+  row.name = info.FileName;
+  row.size = info.FileSize;
+  row.modified = info.ModifyDate;
+  row.image = image;
+  row.isFile = isFile;
+  row.hidden = has(info, platform::attributeHidden);
+  row.system = has(info, platform::attributeSystem);
+  return row;
+}
+
+}  // namespace
+
+bool matchPattern(std::string_view pattern, std::string_view name) {
+  const std::string wanted = foldCase(pattern);
+  const std::string text = foldCase(name);
+  std::size_t star = wanted.find('*');
+  if (!text.starts_with(wanted.substr(0, star))) return false;
+  std::size_t from = star;
+  while (star != wanted.npos) {
+    const std::size_t begin = star + 1;
+    star = wanted.find('*', begin);
+    const std::string piece = wanted.substr(begin, star == wanted.npos ? star : star - begin);
+    if (star == wanted.npos) return text.ends_with(piece);
+    const std::size_t at = text.find(piece, from);
+    if (at == text.npos) return false;
+    from = at + piece.size();
+  }
+  return true;
+}
+
+std::vector<PaneRow> paneRows(const runtime::FileClass& found, const ListingChoice& choice) {
+  std::vector<PaneRow> rows;
+  rows.reserve(found.Folders().size() + found.Files().size());
+  const int folderImage = runtime::getImageIndex("fldr");
+  for (const runtime::InfoClass& info : found.Folders()) {
+    PaneRow row = rowOf(info, folderImage, false);
+    if (visible(row, choice)) rows.push_back(std::move(row));
+  }
+  for (const runtime::InfoClass& info : found.Files()) {
+    PaneRow row = rowOf(info, runtime::getImageIndex(info.FileExt), true);
+    if (visible(row, choice) && passesFilter(row, choice)) rows.push_back(std::move(row));
+  }
+  for (std::size_t i = 0; i < rows.size(); ++i) rows[i].place = i;
+  return rows;
+}
+
+}  // namespace browser

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "browser/PaneRow.h"
+#include "runtime/FileClass.h"
+
+namespace browser {
+
+/// Which of a folder's entries are listed.
+struct ListingChoice {
+  bool showHidden = false;
+  bool showSystem = false;
+  int filterIndex = 0;  ///< 0 or less: every file; otherwise a category of the images
+  int filterCount = 0;  ///< entries of the filter list; the last one is the pattern's
+  std::string customPattern;
+};
+
+/// Whether a name matches a wildcard pattern, without regard to case: "*" stands for any text, and a pattern
+/// without one for every name that begins with it. The pieces behind and before a "*" may overlap: ab*b
+/// matches ab.
+bool matchPattern(std::string_view pattern, std::string_view name);
+
+/// The rows of a folder: its subfolders (never filtered by type), then its files, in the order found. No
+/// modes yet.
+std::vector<PaneRow> paneRows(const runtime::FileClass& found, const ListingChoice& choice);
+
+}  // namespace browser

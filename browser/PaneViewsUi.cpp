@@ -1,0 +1,190 @@
+#include "browser/PaneViewsUi.h"
+
+#include <QApplication>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QScrollBar>
+#include <QShortcut>
+#include <QStyledItemDelegate>
+#include <algorithm>
+#include <utility>
+
+namespace browser {
+namespace {
+
+constexpr int smallIcon = 16;
+constexpr int largeIcon = 32;
+
+bool isPaneKey(int key) { return key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Backspace; }
+
+/// A view that tells the pane of released keys and buttons, after it has handled them itself.
+template <typename View>
+class HeardView : public View {
+ public:
+  explicit HeardView(PaneViews& pane) : View(&pane), pane_(pane) {}
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override {
+    if (!event->isAutoRepeat()) pressedKey_ = event->key();
+    isPaneKey(event->key()) ? event->accept() : View::keyPressEvent(event);
+  }
+  void keyReleaseEvent(QKeyEvent* event) override {
+    View::keyReleaseEvent(event);
+    if (!event->isAutoRepeat() && std::exchange(pressedKey_, 0) == event->key())
+      emit pane_.keyReleased(event->key());
+  }
+  void mousePressEvent(QMouseEvent* event) override {
+    pressedAt_ = event->position().toPoint();
+    View::mousePressEvent(event);
+  }
+  /// A rubber band that ends in empty space keeps what it selected.
+  void mouseReleaseEvent(QMouseEvent* event) override {
+    View::mouseReleaseEvent(event);
+    const QPoint at = event->position().toPoint();
+    const int row = this->indexAt(at).row();
+    if (row >= 0 || (at - pressedAt_).manhattanLength() < QApplication::startDragDistance())
+      emit pane_.mouseReleased(row, event->button());
+  }
+
+ private:
+  PaneViews& pane_;
+  int pressedKey_ = 0;
+  QPoint pressedAt_;
+};
+
+/// Every item fills its cell, so that no text need be measured.
+class CellDelegate : public QStyledItemDelegate {
+ public:
+  explicit CellDelegate(QListView* view) : QStyledItemDelegate(view), view_(view) {}
+  QSize sizeHint(const QStyleOptionViewItem&, const QModelIndex&) const override { return view_->gridSize(); }
+
+ private:
+  QListView* view_;
+};
+
+void prepare(QAbstractItemView& view, const char* name) {
+  view.setObjectName(QLatin1String(name));
+  view.setAccessibleName(QStringLiteral("Files and folders"));
+  view.setSelectionMode(QAbstractItemView::ExtendedSelection);
+  view.setSelectionBehavior(QAbstractItemView::SelectRows);
+  view.setEditTriggers(QAbstractItemView::NoEditTriggers);
+  view.setIconSize(QSize(smallIcon, smallIcon));
+}
+
+}  // namespace
+
+PaneViews::PaneViews(QWidget* parent) : QStackedWidget(parent) {
+  details_ = new HeardView<QTreeView>(*this);
+  icons_ = new HeardView<QListView>(*this);
+  buildDetails();
+  buildIcons();
+  for (QAbstractItemView* view :
+       {static_cast<QAbstractItemView*>(details_), static_cast<QAbstractItemView*>(icons_)}) {
+    addWidget(view);
+    connect(view, &QAbstractItemView::doubleClicked, this,
+            [this](const QModelIndex& index) { emit rowDoubleClicked(index.row()); });
+  }
+}
+
+/// A header takes no keys: Ctrl+1 to Ctrl+4 stand for clicks on it.
+void PaneViews::buildDetails() {
+  prepare(*details_, "DirPane");
+  details_->setRootIsDecorated(false);
+  details_->setItemsExpandable(false);
+  details_->setUniformRowHeights(true);
+  details_->setAllColumnsShowFocus(true);
+  QHeaderView* header = details_->header();
+  header->setSectionsClickable(true);
+  header->setSectionsMovable(false);
+  connect(header, &QHeaderView::sectionClicked, this,
+          [this](int section) { emit columnClicked(section + 1); });
+  for (int column = 1; column <= 4; ++column) {
+    auto* keys = new QShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_0 + column)), this);
+    keys->setContext(Qt::WidgetWithChildrenShortcut);
+    connect(keys, &QShortcut::activated, this, [this, column] { emit columnClicked(column); });
+  }
+}
+
+void PaneViews::buildIcons() {
+  prepare(*icons_, "DirPaneIcons");
+  icons_->setItemDelegate(new CellDelegate(icons_));
+  icons_->setUniformItemSizes(true);
+  icons_->setMovement(QListView::Static);
+  icons_->setResizeMode(QListView::Adjust);
+  icons_->setSelectionRectVisible(true);
+  icons_->setWrapping(true);
+}
+
+void PaneViews::setModel(DirPaneModel& model) {
+  details_->setModel(&model);
+  icons_->setModel(&model);
+  delete icons_->selectionModel();
+  icons_->setSelectionModel(details_->selectionModel());
+  connect(details_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+          &PaneViews::selectionChanged);
+  const int letter = fontMetrics().averageCharWidth();
+  const int widths[] = {36, 15, 12, 22};
+  for (int i = 0; i < 4; ++i) details_->header()->resizeSection(i, widths[i] * letter);
+}
+
+QAbstractItemView& PaneViews::view() const { return *static_cast<QAbstractItemView*>(currentWidget()); }
+
+void PaneViews::setViewMode(int mode) {
+  const bool large = mode == 0;
+  const int letter = fontMetrics().averageCharWidth();
+  if (mode != 3) {
+    icons_->setViewMode(large ? QListView::IconMode : QListView::ListMode);
+    icons_->setMovement(QListView::Static);
+    icons_->setFlow(large ? QListView::LeftToRight : QListView::TopToBottom);
+    icons_->setWrapping(true);
+    icons_->setWordWrap(large);
+    icons_->setIconSize(large ? QSize(largeIcon, largeIcon) : QSize(smallIcon, smallIcon));
+    const int line = fontMetrics().lineSpacing();
+    icons_->setGridSize(large ? QSize(18 * letter, largeIcon + 2 * line + 12)
+                              : QSize(30 * letter, std::max(smallIcon, line) + 6));
+  }
+  const bool focused = view().hasFocus();
+  setCurrentWidget(mode == 3 ? static_cast<QWidget*>(details_) : icons_);
+  setFocusProxy(currentWidget());
+  if (focused) view().setFocus();
+}
+
+int PaneViews::currentRow() const { return view().currentIndex().row(); }
+
+std::vector<int> PaneViews::selectedRows() const {
+  std::vector<int> rows;
+  const QItemSelection selection = view().selectionModel()->selection();
+  for (const QItemSelectionRange& range : selection)
+    for (int row = range.top(); row <= range.bottom(); ++row) rows.push_back(row);
+  std::sort(rows.begin(), rows.end());
+  rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+  return rows;
+}
+
+void PaneViews::selectRows(const std::vector<int>& wanted) {
+  std::vector<int> rows = wanted;
+  std::sort(rows.begin(), rows.end());
+  QItemSelection selection;
+  const QAbstractItemModel& model = *view().model();
+  for (std::size_t first = 0, last = 0; first < rows.size(); first = ++last) {
+    while (last + 1 < rows.size() && rows[last + 1] <= rows[last] + 1) ++last;
+    selection.append(
+        QItemSelectionRange(model.index(rows[first], 0), model.index(rows[last], model.columnCount() - 1)));
+  }
+  view().selectionModel()->select(selection, QItemSelectionModel::Select);
+}
+
+void PaneViews::clearCurrentRow() { view().selectionModel()->clearCurrentIndex(); }
+
+void PaneViews::clearSelected() {
+  clearCurrentRow();
+  view().selectionModel()->clearSelection();
+}
+
+void PaneViews::returnTo(int row, int scrolled) {
+  const QModelIndex index = view().model()->index(row, 0);
+  if (index.isValid()) view().selectionModel()->setCurrentIndex(index, QItemSelectionModel::NoUpdate);
+  view().verticalScrollBar()->setValue(scrolled);
+}
+
+}  // namespace browser

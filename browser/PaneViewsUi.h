@@ -1,0 +1,46 @@
+#pragma once
+
+#include <QListView>
+#include <QStackedWidget>
+#include <QTreeView>
+#include <vector>
+
+#include "browser/DirPaneModel.h"
+
+namespace browser {
+
+/// The file pane's two views, one above the other, over one model and one selection: the details in a tree
+/// view named DirPane, lists and icons in a list view named DirPaneIcons.
+class PaneViews : public QStackedWidget {
+  Q_OBJECT
+
+ public:
+  explicit PaneViews(QWidget* parent = nullptr);
+  void setModel(DirPaneModel& model);  ///< must outlive the views
+
+  void setViewMode(int mode);  ///< 0 icons, 2 list, 3 details
+  QAbstractItemView& view() const;
+  int currentRow() const;                         ///< -1: none
+  std::vector<int> selectedRows() const;          ///< in list order
+  void selectRows(const std::vector<int>& rows);  ///< adds them, as one change
+  void clearCurrentRow();
+  void clearSelected();  ///< no row is selected or the current one
+  /// Makes a row the current one (-1: none) without selecting it, and scrolls to a former place.
+  void returnTo(int row, int scrolled);
+
+ signals:
+  void selectionChanged();  ///< once for a change, whatever made it
+  void rowDoubleClicked(int row);
+  void keyReleased(int key);                            ///< one that was pressed in the pane, too
+  void mouseReleased(int row, Qt::MouseButton button);  ///< -1: empty space, at the end of a click
+  void columnClicked(int column);                       ///< 1 to 4
+
+ private:
+  void buildDetails();
+  void buildIcons();
+
+  QTreeView* details_;
+  QListView* icons_;
+};
+
+}  // namespace browser

@@ -1,0 +1,3 @@
+#!/bin/sh
+# Starts the example on the terminal.
+exec ./kt500hello

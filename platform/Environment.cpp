@@ -1,0 +1,117 @@
+#include "platform/Environment.h"
+
+#include <strings.h>
+
+#include <algorithm>
+#include <array>
+
+namespace platform {
+namespace {
+
+constexpr std::string_view pathName = "PATH";
+
+/// What the tools' output depends on is ours to say.
+constexpr std::array<std::pair<std::string_view, std::string_view>, 3> ours = {{
+    {"LC_ALL", "C.UTF-8"},
+    {"QUOTING_STYLE", "escape"},
+    {"TAR_OPTIONS", "--sort=name --no-unquote"},
+}};
+constexpr std::array<std::string_view, 10> dropped = {
+    "LANGUAGE",        "GZIP",       "PIGZ",         "BZIP", "BZIP2", "LBZIP2", "TIME_STYLE",
+    "POSIXLY_CORRECT", "BLOCK_SIZE", "LS_BLOCK_SIZE"};
+
+bool isPath(std::string_view name) {
+  return name.size() == pathName.size() && strncasecmp(name.data(), pathName.data(), name.size()) == 0;
+}
+
+bool passedOn(std::string_view name) {
+  const bool isOurs =
+      std::any_of(ours.begin(), ours.end(), [name](const auto& o) { return o.first == name; });
+  return !isOurs && std::find(dropped.begin(), dropped.end(), name) == dropped.end();
+}
+
+/// Calls `use` for each entry that is not empty.
+template <typename Use>
+void eachEntry(std::string_view path, char separator, Use use) {
+  while (!path.empty()) {
+    const std::string_view entry = path.substr(0, path.find(separator));
+    path.remove_prefix(std::min(path.size(), entry.size() + 1));
+    if (!entry.empty()) use(entry);
+  }
+}
+
+void appendEntry(std::string& path, char separator, std::string_view entry) {
+  if (!path.empty()) path += separator;
+  path += entry;
+}
+
+/// An entry with a semicolon in it would become two that mean something else, so it is left out.
+std::string toWindowsPath(const DriveTable& drives, std::string_view hostPath) {
+  std::string path;
+  eachEntry(hostPath, ':', [&](std::string_view entry) {
+    if (entry.find(';') != std::string_view::npos) return;
+    appendEntry(path, ';', entry.front() == '/' ? drives.toWindows(entry) : std::string(entry));
+  });
+  return path;
+}
+
+/// Relative entries, "." among them, name nothing; a colon would split an entry.
+std::string toHostPath(const DriveTable& drives, std::string_view windowsPath) {
+  std::string path;
+  eachEntry(windowsPath, ';', [&](std::string_view entry) {
+    const auto folder = drives.toHost(entry);
+    if (folder && folder->find(':') == std::string::npos) appendEntry(path, ':', *folder);
+  });
+  return path;
+}
+
+template <typename Values>
+auto findName(Values& values, std::string_view name) {
+  return std::find_if(values.begin(), values.end(),
+                      [name](const auto& value) { return value.first == name; });
+}
+
+}  // namespace
+
+Environment::Environment(const DriveTable& drives, const char* const* hostEnvironment) : drives_(drives) {
+  for (; *hostEnvironment != nullptr; ++hostEnvironment) {
+    const std::string_view text = *hostEnvironment;
+    const std::string_view name = text.substr(0, text.find('='));
+    if (name.empty() || name.size() == text.size()) continue;
+    // To the host a "Path" is another variable; here it could only hide the real one.
+    if ((isPath(name) && name != pathName) || findName(values_, name) != values_.end()) continue;
+    const std::string_view value = text.substr(name.size() + 1);
+    values_.emplace_back(name, name == pathName ? toWindowsPath(drives, value) : std::string(value));
+  }
+}
+
+std::string Environment::get(std::string_view name) const {
+  const auto found = findName(values_, isPath(name) ? pathName : name);
+  return found == values_.end() ? std::string() : found->second;
+}
+
+void Environment::set(std::string_view name, std::string_view value) {
+  const std::string_view exact = isPath(name) ? pathName : name;
+  const auto found = findName(values_, exact);
+  if (found == values_.end())
+    values_.emplace_back(exact, value);
+  else
+    found->second = value;
+}
+
+std::vector<std::string> Environment::forChild() const {
+  std::vector<std::string> texts;
+  for (const auto& [name, value] : values_) {
+    if (passedOn(name)) texts.push_back(name + '=' + (name == pathName ? toHostPath(drives_, value) : value));
+  }
+  for (const auto& [name, value] : ours) texts.push_back(std::string(name).append("=").append(value));
+  return texts;
+}
+
+std::vector<std::string> Environment::pathEntries() const {
+  std::vector<std::string> entries;
+  eachEntry(get(pathName), ';', [&entries](std::string_view entry) { entries.emplace_back(entry); });
+  return entries;
+}
+
+}  // namespace platform

@@ -1,0 +1,203 @@
+#include "platform/Files.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+
+#include "platform/DeleteTree.h"
+#include "platform/Descriptor.h"
+#include "platform/HeldName.h"
+#include "platform/Replacement.h"
+
+namespace platform {
+namespace {
+
+constexpr std::size_t blockSize = 64 * 1024;
+constexpr mode_t permissionBits = 07777;
+
+using Folder = std::unique_ptr<DIR, int (*)(DIR*)>;
+
+Folder openFolder(const std::string& host) { return Folder(opendir(host.c_str()), closedir); }
+
+std::optional<struct stat> statusOf(const std::string& host, int flags = 0) {
+  struct stat status {};
+  if (fstatat(AT_FDCWD, host.c_str(), &status, flags) != 0) return std::nullopt;
+  return status;
+}
+
+std::optional<struct stat> statusOf(const std::optional<std::string>& host, int flags = 0) {
+  return host ? statusOf(*host, flags) : std::nullopt;
+}
+
+bool copyBytes(RegularFile& from, int to) {
+  std::array<char, blockSize> buffer;
+  while (true) {
+    const std::optional<std::size_t> count = from.read(buffer.data(), buffer.size());
+    if (!count) return false;
+    if (*count == 0) return true;
+    if (!writeAll(to, std::string_view(buffer.data(), *count))) return false;
+  }
+}
+
+bool isFolderEntry(int folder, const dirent& entry) {
+  if (entry.d_type != DT_LNK && entry.d_type != DT_UNKNOWN) return entry.d_type == DT_DIR;
+  struct stat status {};
+  return fstatat(folder, entry.d_name, &status, 0) == 0 && S_ISDIR(status.st_mode);
+}
+
+/// Whether the folder lists exactly this name: a file system may find a name whose case differs.
+bool listsExactly(const std::string& host, std::string_view name) {
+  const Folder folder = openFolder(host);
+  if (!folder) return true;  // a folder that may be entered but not read cannot say
+  while (const dirent* const entry = readdir(folder.get())) {
+    if (name == entry->d_name) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+bool Files::fileExists(std::string_view path) const {
+  const auto status = statusOf(drives_.toHost(path));
+  return status && !S_ISDIR(status->st_mode);
+}
+
+bool Files::folderExists(std::string_view path) const {
+  const auto status = statusOf(drives_.toHost(path));
+  return status && S_ISDIR(status->st_mode);
+}
+
+bool Files::entryExists(std::string_view path) const {
+  return statusOf(drives_.toHost(path), AT_SYMLINK_NOFOLLOW).has_value();
+}
+
+std::optional<std::uint64_t> Files::fileSize(std::string_view path) const {
+  const auto status = statusOf(drives_.toHost(path));
+  if (!status || S_ISDIR(status->st_mode)) return std::nullopt;
+  return static_cast<std::uint64_t>(status->st_size);
+}
+
+std::optional<std::time_t> Files::modifiedTime(std::string_view path) const {
+  const auto status = statusOf(drives_.toHost(path));
+  if (!status) return std::nullopt;
+  return status->st_mtime;
+}
+
+std::string Files::fullName(std::string_view path) const {
+  const std::optional<std::string> host = drives_.toHost(path);
+  if (drives_.isRoot(path) || !statusOf(host, AT_SYMLINK_NOFOLLOW)) return "";
+  const std::size_t slash = host->find_last_of('/');
+  const std::string name = host->substr(slash + 1);
+  if (name.empty() || name == ".." || !listsExactly(host->substr(0, slash + 1), name)) return "";
+  return holdName(name);
+}
+
+bool Files::createFolder(std::string_view path) const {
+  const std::optional<std::string> host = drives_.toHost(path);
+  return host && (mkdir(host->c_str(), 0777) == 0 || folderExists(path));
+}
+
+bool Files::createFolderExclusively(std::string_view path) const {
+  const std::optional<std::string> host = drives_.toHost(path);
+  return host && mkdir(host->c_str(), S_IRWXU) == 0;
+}
+
+bool Files::deleteFile(std::string_view path) const {
+  const std::optional<std::string> host = drives_.toHost(path);
+  return host && unlink(host->c_str()) == 0;
+}
+
+bool Files::rename(std::string_view from, std::string_view to) const {
+  const std::optional<std::string> source = drives_.toHost(from);
+  const std::optional<std::string> target = drives_.toHost(to);
+  return source && target && ::rename(source->c_str(), target->c_str()) == 0;
+}
+
+bool Files::copyFile(std::string_view from, std::string_view to) const {
+  const std::optional<std::string> target = drives_.toHost(to);
+  RegularFile file = openFile(from);
+  if (!target || !file) return false;
+  Replacement copy(*target, S_IRUSR | S_IWUSR);
+  return copy && copyBytes(file, copy.get()) && fchmod(copy.get(), file.mode() & permissionBits) == 0 &&
+         copy.commit();
+}
+
+bool Files::deleteTree(std::string_view path) const {
+  const std::optional<std::string> host = drives_.toHost(path);
+  if (!host) return false;
+  const bool isDrive = std::any_of(drives_.drives().begin(), drives_.drives().end(),
+                                   [&host](const auto& drive) { return drive.hostFolder == *host; });
+  return !isDrive && deleteHostTree(*host);
+}
+
+bool Files::writeText(std::string_view path, std::string_view bytes) const {
+  const std::optional<std::string> host = drives_.toHost(path);
+  if (!host) return false;
+  Replacement file(*host, 0666);
+  if (!file || !writeAll(file.get(), bytes)) return false;
+  const std::optional<struct stat>& old = file.replaced();
+  if (old && S_ISREG(old->st_mode) && fchmod(file.get(), old->st_mode & permissionBits) != 0) return false;
+  return file.commit();
+}
+
+RegularFile Files::openFile(std::string_view path) const {
+  return RegularFile(drives_.toHost(path).value_or(""));
+}
+
+std::optional<std::string> Files::readBytes(std::string_view path, std::size_t most) const {
+  RegularFile file = openFile(path);
+  if (!file) return std::nullopt;
+  std::string bytes;
+  std::array<char, blockSize> buffer;
+  while (bytes.size() < most) {
+    const auto count = file.read(buffer.data(), std::min(buffer.size(), most - bytes.size()));
+    if (!count) return std::nullopt;
+    if (*count == 0) break;
+    bytes.append(buffer.data(), *count);
+  }
+  return bytes;
+}
+
+std::optional<std::vector<Files::Entry>> Files::entries(std::string_view path) const {
+  const std::optional<std::string> host = drives_.toHost(path);
+  if (!host) return std::nullopt;
+  const Folder folder = openFolder(*host);
+  if (!folder) return std::nullopt;
+  std::vector<Entry> found;
+  errno = 0;
+  while (const dirent* const entry = readdir(folder.get())) {
+    const std::string_view name = entry->d_name;
+    if (name != "." && name != "..")
+      found.push_back({holdName(name), isFolderEntry(dirfd(folder.get()), *entry)});
+    errno = 0;
+  }
+  if (errno != 0) return std::nullopt;
+  std::sort(found.begin(), found.end(), [](const Entry& a, const Entry& b) { return a.name < b.name; });
+  return found;
+}
+
+std::string extensionOf(std::string_view name) {
+  const std::size_t dot = name.find_last_of(".\\");
+  return dot == name.npos || name[dot] == '\\' ? "" : std::string(name.substr(dot + 1));
+}
+
+std::string temporaryFolder(const DriveTable& drives) {
+  const char* const named = std::getenv("TMPDIR");
+  std::string folder = drives.toWindows(named != nullptr && *named == '/' ? named : "/tmp");
+  if (folder.back() != '\\') folder += '\\';
+  return folder;
+}
+
+std::string longName(const Files& files, std::string_view path) {
+  return files.entryExists(path) ? std::string(path) : std::string();
+}
+
+}  // namespace platform

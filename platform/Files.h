@@ -1,0 +1,64 @@
+#pragma once
+
+#include <cstdint>
+#include <ctime>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/DriveTable.h"
+#include "platform/RegularFile.h"
+
+namespace platform {
+
+/// Existence, kinds and times of what a Windows path names, asked of the host. Queries follow links
+/// (a link to a folder is a folder); a wrong type is not "a file". A path that names nothing is absent.
+class Files {
+ public:
+  explicit Files(const DriveTable& drives) : drives_(drives) {}
+
+  bool fileExists(std::string_view path) const;  ///< anything but a folder that can be reached
+  bool folderExists(std::string_view path) const;
+  bool entryExists(std::string_view path) const;                       ///< a dangling link exists too (lstat)
+  std::optional<std::uint64_t> fileSize(std::string_view path) const;  ///< bytes
+  std::optional<std::time_t> modifiedTime(std::string_view path) const;
+  std::string fullName(
+      std::string_view path) const;  ///< name on disk exactly as found, or empty (a case-exact Dir())
+
+  bool createFolder(std::string_view path) const;             ///< one level; true when it is there afterwards
+  bool createFolderExclusively(std::string_view path) const;  ///< mode 0700; false when the name is taken
+  bool deleteFile(std::string_view path) const;
+  bool rename(std::string_view from, std::string_view to) const;  ///< replaces; same file system only
+  bool copyFile(std::string_view from,
+                std::string_view to) const;      ///< bytes and mode; false leaves no half copy
+  bool deleteTree(std::string_view path) const;  ///< without following links; also below read-only folders
+  bool writeText(std::string_view path, std::string_view bytes) const;  ///< replaces
+  std::optional<std::string> readBytes(std::string_view path, std::size_t most) const;
+  RegularFile openFile(std::string_view path) const;  ///< for reading piece by piece; false when it cannot be
+
+  /// Names inside a folder in held form, sorted by bytes, without "." and "..". Links are not followed for
+  /// `isFolder` except to tell a link to a folder.
+  struct Entry {
+    std::string name;
+    bool isFolder;
+  };
+  std::optional<std::vector<Entry>> entries(std::string_view folder) const;
+
+  const DriveTable& drives() const { return drives_; }
+
+ private:
+  const DriveTable& drives_;
+};
+
+/// The text after the last "." of a name (of the part behind the last backslash), empty when there is none;
+/// case kept.
+std::string extensionOf(std::string_view name);
+
+/// TMPDIR (or /tmp) in Windows form with a trailing backslash.
+std::string temporaryFolder(const DriveTable& drives);
+
+/// The long form of a path: the path itself where it names something, otherwise empty.
+std::string longName(const Files& files, std::string_view path);
+
+}  // namespace platform

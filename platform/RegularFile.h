@@ -1,0 +1,30 @@
+#pragma once
+
+#include <sys/stat.h>
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+#include "platform/Descriptor.h"
+
+namespace platform {
+
+/// A regular file open for reading, from its start. What is no regular file does not open: it might wait for
+/// ever.
+class RegularFile {
+ public:
+  explicit RegularFile(const std::string& hostPath);
+  explicit operator bool() const { return static_cast<bool>(file_); }
+
+  mode_t mode() const { return status_.st_mode; }  ///< as it was opened
+  std::optional<std::uint64_t> size() const;       ///< bytes, now
+  std::optional<std::size_t> read(char* to,
+                                  std::size_t most);  ///< bytes read, 0 at the end; nullopt: an error
+
+ private:
+  struct stat status_ {};
+  Descriptor file_;
+};
+
+}  // namespace platform

@@ -1,0 +1,54 @@
+#include "platform/Replacement.h"
+
+#include <fcntl.h>
+
+#include <cerrno>
+#include <cstdio>
+
+namespace platform {
+
+std::optional<std::size_t> readSome(int file, char* buffer, std::size_t size) {
+  ssize_t count = 0;
+  do {
+    count = read(file, buffer, size);
+  } while (count < 0 && errno == EINTR);
+  if (count < 0) return std::nullopt;
+  return static_cast<std::size_t>(count);
+}
+
+bool writeAll(int file, std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t count = write(file, bytes.data(), bytes.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) return false;
+    bytes.remove_prefix(static_cast<std::size_t>(count));
+  }
+  return true;
+}
+
+Replacement::Replacement(const std::string& target, mode_t mode) : target_(target) {
+  struct stat status {};
+  if (lstat(target.c_str(), &status) == 0) replaced_ = status;
+  // A folder cannot be replaced, and a device must not be.
+  if (replaced_ && !S_ISREG(replaced_->st_mode) && !S_ISLNK(replaced_->st_mode)) return;
+  const std::string folder = target.substr(0, target.find_last_of('/') + 1);
+  for (int i = 0; !file_; ++i) {
+    name_ = folder + ".pakrune-" + std::to_string(getpid()) + "-" + std::to_string(i);
+    file_ = Descriptor(open(name_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode));
+    if (file_ || errno == EEXIST) continue;
+    name_.clear();
+    return;
+  }
+}
+
+Replacement::~Replacement() {
+  if (!name_.empty()) unlink(name_.c_str());
+}
+
+bool Replacement::commit() {
+  if (!file_.closeNow() || ::rename(name_.c_str(), target_.c_str()) != 0) return false;
+  name_.clear();
+  return true;
+}
+
+}  // namespace platform

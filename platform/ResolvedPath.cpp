@@ -1,0 +1,32 @@
+#include "platform/ResolvedPath.h"
+
+#include <cstdlib>
+#include <memory>
+
+namespace platform {
+namespace {
+
+std::string realFolder(const std::string& host) {
+  const std::unique_ptr<char, decltype(&std::free)> real(realpath(host.c_str(), nullptr), std::free);
+  return real ? real.get() : host;
+}
+
+}  // namespace
+
+std::string resolvedPath(const DriveTable& drives, std::string_view path) {
+  std::optional<std::string> host = drives.toHost(path);
+  if (!host) return "";
+  while (host->size() > 1 && host->back() == '/') host->pop_back();
+  const std::size_t slash = host->rfind('/');
+  const std::string name = host->substr(slash + 1);
+  if (name.empty() || name == "..") return drives.toWindows(realFolder(*host));
+  const std::string folder = realFolder(slash == 0 ? "/" : host->substr(0, slash));
+  return drives.toWindows(folder == "/" ? '/' + name : folder + '/' + name);
+}
+
+std::string resolvedFolder(const DriveTable& drives, std::string_view folder) {
+  const std::optional<std::string> host = drives.toHost(folder);
+  return host ? drives.toWindows(realFolder(*host)) : "";
+}
+
+}  // namespace platform

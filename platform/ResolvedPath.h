@@ -1,0 +1,17 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "platform/DriveTable.h"
+
+namespace platform {
+
+/// The one Windows path of an entry: links and ".." on the way to it are followed, its own name is not.
+/// The path as the table writes it where the way does not exist; empty where it names nothing here.
+std::string resolvedPath(const DriveTable& drives, std::string_view path);
+
+/// The same with a link as the last name followed too: what a folder really is.
+std::string resolvedFolder(const DriveTable& drives, std::string_view folder);
+
+}  // namespace platform

@@ -1,0 +1,11 @@
+#pragma once
+
+class QWidget;
+
+namespace platform::desktop {
+
+/// The window that a box or a picker belongs to: the active one, else the innermost modal one; never a menu
+/// or another pop-up that vanishes under its box. nullptr when no window is open.
+QWidget* activeWindow();
+
+}  // namespace platform::desktop

@@ -1,0 +1,53 @@
+#pragma once
+
+#include <QComboBox>
+#include <string>
+#include <string_view>
+
+#include "platform/DriveTable.h"
+#include "platform/ToolRunning.h"
+
+namespace platform::desktop {
+
+/// The drop-down list of the drives: "C: [user]", the last name of the drive's host folder in brackets. The
+/// table is read again when it drops down. A chosen drive that has gone stays until another is chosen.
+class DriveList : public QComboBox {
+  Q_OBJECT
+
+ public:
+  explicit DriveList(QWidget* parent = nullptr);
+
+  /// Shows these drives; the first is chosen, without a signal. Both must outlive the list. While a tool runs
+  /// the user cannot choose.
+  void setDrives(DriveTable& drives, const ToolRunning& toolRunning);
+
+  std::string drive() const;  ///< "C:", empty before setDrives
+  /// Chooses the drive that the text begins with ("D:", "d:\", "D:\pkg\a"). False for one that is not in the
+  /// table, even after reading it again: the old one stays.
+  bool setDrive(std::string_view text);
+  int driveIndex() const {
+    return currentIndex();
+  }  ///< counts rows; a letter survives a re-read, a row may not
+
+ signals:
+  void driveChanged();  ///< another drive is chosen, by the user or by the program
+
+ public slots:
+  void showPopup() override;
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
+
+ private:
+  void readAgain();
+  void fill();
+  void noteChange();
+  bool busy() const { return toolRunning_ != nullptr && toolRunning_->active(); }
+
+  DriveTable* drives_ = nullptr;
+  const ToolRunning* toolRunning_ = nullptr;
+  QString known_;  // the drive that was last told of
+};
+
+}  // namespace platform::desktop

@@ -1,0 +1,59 @@
+#pragma once
+
+#include <QListView>
+#include <string>
+
+#include "platform/DriveTable.h"
+#include "platform/ToolRunning.h"
+#include "platform/desktop/FolderListModel.h"
+
+namespace platform::desktop {
+
+/// The folder list: the path down to the open folder, root first, each part indented below the one before,
+/// and below them its subfolders. One row is highlighted. A click or Enter opens the highlighted folder,
+/// Backspace its parent, and letters and arrows move the highlight; every other key is the window's.
+class FolderList : public QListView {
+  Q_OBJECT
+
+ public:
+  explicit FolderList(QWidget* parent = nullptr);
+
+  /// Both must outlive the list, which is empty until setPath. While a tool runs the user changes nothing.
+  void setDrives(const DriveTable& drives, const ToolRunning& toolRunning);
+
+  /// The open folder: `C:\`, `C:\pkg`; empty before the first setPath that succeeded.
+  std::string path() const { return model_->path(); }
+  /// Opens a folder and highlights it. False when it is not there or cannot be read: the old path stays.
+  bool setPath(const std::string& path);
+  std::string highlighted() const;  ///< the path of the highlighted row; the open folder's when there is none
+  bool isCurrentFolder(int row) const { return row == model_->openRow(); }
+  void refresh();  ///< reads the subfolders again; path and highlight stay
+
+ signals:
+  void changed();            ///< another folder is open, by any means
+  void openFolderClicked();  ///< the left button was released on the folder that was open already
+  void rightClicked();       ///< the right button was released over the list, or the menu key pressed
+
+ protected:
+  void showEvent(QShowEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void mouseDoubleClickEvent(QMouseEvent* event) override;
+  void contextMenuEvent(QContextMenuEvent* event) override;
+
+ private:
+  void highlight(int row);
+  void showHighlight();
+  void click(int row);
+  void openParent();
+  bool busy() const { return toolRunning_ != nullptr && toolRunning_->active(); }
+
+  FolderListModel* model_;
+  const ToolRunning* toolRunning_ = nullptr;
+  int pressedRow_ = -1;         // where the left button went down
+  bool openedByClick_ = false;  // the last click opened a folder and so moved the rows
+};
+
+}  // namespace platform::desktop

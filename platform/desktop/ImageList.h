@@ -1,0 +1,11 @@
+#pragma once
+
+#include <QIcon>
+
+namespace platform::desktop {
+
+/// The picture of an image index (1 to 21), for 16 and 32 pixels and any scale; legible on light and dark
+/// ground. An empty icon for any other index. Made once and kept.
+QIcon imageIcon(int index);
+
+}  // namespace platform::desktop

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <string_view>
+
+namespace platform::desktop {
+
+enum class BoxIcon { None, Critical, Information, Exclamation };
+enum class BoxButtons { Ok, OkCancel, YesNo };
+enum class BoxAnswer { Ok, Cancel, Yes, No };
+
+/// Shows a box over the active window and waits for its answer. Both texts are plain and inner. Escape and
+/// the close box answer OK where that is the only button, Cancel, or No.
+BoxAnswer messageBox(std::string_view text, std::string_view title, BoxIcon icon, BoxButtons buttons);
+
+}  // namespace platform::desktop

@@ -1,0 +1,61 @@
+#include "shell/BatchUser.h"
+
+#include <unistd.h>
+
+#include <cstdio>
+#include <iostream>
+
+#include "platform/HeldName.h"
+
+namespace shell {
+namespace {
+
+using runtime::Answer;
+using runtime::Buttons;
+using runtime::Consequence;
+
+/// One line: what a box would show on several is joined by blanks.
+std::string oneLine(const std::string& text) {
+  std::string line;
+  for (const char c : text) {
+    const bool end = c == '\r' || c == '\n';
+    if (!end)
+      line += c;
+    else if (!line.empty() && line.back() != ' ')
+      line += ' ';
+  }
+  return platform::shownName(line);
+}
+
+Answer positive(Buttons buttons) { return buttons == Buttons::YesNo ? Answer::Yes : Answer::Ok; }
+Answer negative(Buttons buttons) { return buttons == Buttons::YesNo ? Answer::No : Answer::Cancel; }
+
+bool askedYes() {
+  if (isatty(STDIN_FILENO) == 0 || isatty(STDERR_FILENO) == 0) return false;
+  std::cerr << "  [y/N] ";
+  std::string line;
+  return std::getline(std::cin, line) && (line == "y" || line == "Y" || line == "yes");
+}
+
+}  // namespace
+
+Answer BatchUser::message(const std::string& text, Buttons buttons, runtime::Icon, const std::string& title,
+                          Consequence consequence) {
+  const bool named = !title.empty() && title != runtime::programTitle;
+  std::cerr << "pakrune: " << (named ? title + ": " : std::string()) << oneLine(text) << '\n';
+  if (buttons == Buttons::Ok) return Answer::Ok;
+  if (yes_ || consequence == Consequence::MakesSomethingNew || askedYes()) return positive(buttons);
+  std::cerr << "pakrune: refused (--yes before the switch agrees)\n";
+  return negative(buttons);
+}
+
+void BatchUser::showCommand(const std::string& title, const std::string& prompt, const std::string& text) {
+  std::cerr << title << ": " << oneLine(prompt) << '\n' << platform::shownName(text) << '\n';
+}
+
+bool BatchUser::consoleOutput(std::string_view bytes) {
+  std::fwrite(bytes.data(), 1, bytes.size(), stderr);
+  return true;
+}
+
+}  // namespace shell

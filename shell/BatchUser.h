@@ -1,0 +1,27 @@
+#pragma once
+
+#include "runtime/UserInterface.h"
+
+namespace shell {
+
+/// Whoever runs the program without windows: messages are lines on standard error. A question that only makes
+/// something new is answered with its OK; one that would replace or lose something is refused unless `yes`
+/// stands, and asked on a terminal.
+class BatchUser : public runtime::UserInterface {
+ public:
+  explicit BatchUser(bool yes) : yes_(yes) {}
+
+  runtime::Answer message(const std::string& text, runtime::Buttons buttons, runtime::Icon icon,
+                          const std::string& title, runtime::Consequence consequence) override;
+  void showCommand(const std::string& title, const std::string& prompt, const std::string& text) override;
+  void letEventsRun() override {}
+  bool consoleOutput(std::string_view bytes) override;
+  bool consoleStep() override { return true; }
+  void consoleOpened(const std::string&) override {}
+  void consoleClosed() override {}
+
+ private:
+  bool yes_;
+};
+
+}  // namespace shell

@@ -1,0 +1,164 @@
+#include "shell/CommandLine.h"
+
+#include <array>
+
+namespace shell {
+namespace {
+
+constexpr std::string_view fieldEnd = "\r\n";
+constexpr std::string_view betweenPaths = "\" \"";
+
+struct Switch {
+  std::string_view text;
+  Form form;
+  std::size_t leastFields;
+};
+
+/// In the order in which they are tried: the first that the text begins with wins.
+constexpr std::array<Switch, 6> switches = {{{"-d", Form::Folder, 0},
+                                             {"-open", Form::Open, 3},
+                                             {"-extract", Form::Extract, 4},
+                                             {"-pack", Form::Pack, 3},
+                                             {"-qpack", Form::QuickPack, 3},
+                                             {"-perms", Form::Permissions, 3}}};
+
+const Switch* findSwitch(std::string_view text) {
+  for (const Switch& each : switches) {
+    if (text.starts_with(each.text)) return &each;
+  }
+  return nullptr;
+}
+
+/// At least one piece.
+std::vector<std::string> split(std::string_view text, std::string_view separator) {
+  std::vector<std::string> pieces;
+  while (true) {
+    const std::size_t end = text.find(separator);
+    pieces.emplace_back(text.substr(0, end));
+    if (end == text.npos) return pieces;
+    text.remove_prefix(end + separator.size());
+  }
+}
+
+/// Between the first two double quotes; without any, the second of the words that single spaces part.
+std::optional<std::string> folderOf(std::string_view text) {
+  for (const std::string_view separator : {"\"", " "}) {
+    const std::vector<std::string> pieces = split(text, separator);
+    if (pieces.size() >= 2) return pieces[1];
+  }
+  return std::nullopt;
+}
+
+std::vector<std::string> pathsOf(std::string_view text) {
+  std::vector<std::string> paths = split(text, betweenPaths);
+  for (std::string& path : paths) std::erase(path, '"');
+  return paths;
+}
+
+bool standsInQuotes(std::string_view argument) {
+  return argument.size() >= 2 && argument.starts_with('"') && argument.ends_with('"');
+}
+
+/// Makes the command-line text from what stands behind our own options.
+class TextMaker {
+ public:
+  TextMaker(const TranslatePath& toWindows, const HoldName& hold) : toWindows_(toWindows), hold_(hold) {}
+
+  std::string make(const std::vector<std::string>& arguments) const {
+    if (arguments.empty()) return "";
+    const Switch* const found = findSwitch(arguments.front());
+    if (found == nullptr) return paths(arguments);
+    return found->form == Form::Folder ? folder(arguments) : record(arguments, found->form);
+  }
+
+ private:
+  std::string paths(const std::vector<std::string>& arguments) const;
+  std::string folder(const std::vector<std::string>& arguments) const;
+  std::string record(const std::vector<std::string>& arguments, Form form) const;
+  std::string quoted(const std::string& argument) const {
+    return standsInQuotes(argument) ? argument : '"' + toWindows_(argument) + '"';
+  }
+  std::string uncut(const std::string& path) const;
+
+  const TranslatePath& toWindows_;
+  const HoldName& hold_;
+};
+
+/// A single argument may be a whole list already, in which case it stands in quotes.
+std::string TextMaker::paths(const std::vector<std::string>& arguments) const {
+  if (arguments.size() == 1)
+    return standsInQuotes(arguments.front()) ? arguments.front() : toWindows_(arguments.front());
+  std::string text;
+  for (const std::string& argument : arguments) text.append(text.empty() ? "" : " ").append(quoted(argument));
+  return text;
+}
+
+/// The folder stands in the same argument as the switch, or is the next one. What follows is never read.
+std::string TextMaker::folder(const std::vector<std::string>& arguments) const {
+  const std::string& first = arguments.front();
+  if (const auto inside = folderOf(first)) return "-d \"" + toWindows_(*inside) + '"';
+  return arguments.size() == 1 ? first : first + ' ' + quoted(arguments[1]);
+}
+
+std::string TextMaker::record(const std::vector<std::string>& arguments, Form form) const {
+  std::vector<std::string> fields = split(arguments.front(), fieldEnd);
+  fields.insert(fields.end(), arguments.begin() + 1, arguments.end());
+  std::string text = fields.front();
+  for (std::size_t i = 1; i < fields.size(); ++i) {
+    const bool isFolder = i == 1 || (i == 3 && form == Form::Extract);
+    text.append(fieldEnd).append(isFolder ? uncut(toWindows_(fields[i])) : hold_(fields[i]));
+  }
+  return text;
+}
+
+/// A Windows path stays as it was typed, so it may still hold what would cut the record.
+std::string TextMaker::uncut(const std::string& path) const {
+  std::string out;
+  for (const char c : path) {
+    if (c == '\r' || c == '\n')
+      out += hold_({&c, 1});
+    else
+      out += c;
+  }
+  return out;
+}
+
+/// False for what is no option of ours.
+bool takeOption(std::string_view argument, HostArguments& out) {
+  bool* const option = argument == "--help"      ? &out.help
+                       : argument == "--version" ? &out.version
+                       : argument == "--batch"   ? &out.batch
+                       : argument == "--yes"     ? &out.yes
+                                                 : nullptr;
+  if (option != nullptr) *option = true;
+  return option != nullptr;
+}
+
+}  // namespace
+
+CommandLine parseCommandLine(std::string_view text) {
+  CommandLine line;
+  if (text.empty()) return line;
+  const Switch* const found = findSwitch(text);
+  line.form = found == nullptr ? Form::Paths : found->form;
+  if (line.form == Form::Folder) {
+    line.folder = folderOf(text);
+  } else if (line.form == Form::Paths) {
+    line.fields = pathsOf(text);
+  } else {
+    line.fields = split(text, fieldEnd);
+    line.complete = line.fields.size() >= found->leastFields;
+  }
+  return line;
+}
+
+HostArguments readArguments(const std::vector<std::string>& arguments, const TranslatePath& toWindows,
+                            const HoldName& hold) {
+  HostArguments out;
+  auto first = arguments.begin();
+  while (first != arguments.end() && takeOption(*first, out)) ++first;
+  out.text = TextMaker(toWindows, hold).make({first, arguments.end()});
+  return out;
+}
+
+}  // namespace shell

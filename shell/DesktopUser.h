@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QElapsedTimer>
+#include <QPointer>
+
+#include "platform/desktop/ConsoleWindow.h"
+#include "runtime/UserInterface.h"
+
+namespace shell {
+
+/// Whoever sits in front of the windows.
+class DesktopUser : public runtime::UserInterface {
+ public:
+  ~DesktopUser() override;
+
+  runtime::Answer message(const std::string& text, runtime::Buttons buttons, runtime::Icon icon,
+                          const std::string& title = runtime::programTitle,
+                          runtime::Consequence consequence = runtime::Consequence::Nothing) override;
+  void showCommand(const std::string& title, const std::string& prompt, const std::string& text) override;
+  void letEventsRun() override;
+  void repaint() override;
+  bool consoleOutput(std::string_view bytes) override;
+  bool consoleStep() override;
+  void consoleOpened(const std::string& title) override;
+  void consoleClosed() override;
+
+ private:
+  bool consoleStands() const;
+  QPointer<platform::desktop::ConsoleWindow> console_;  // goes with the window that it was opened over
+  QElapsedTimer sinceRepaint_;
+};
+
+}  // namespace shell

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <functional>
+#include <string>
+
+#include "runtime/UserInterface.h"
+
+namespace shell {
+
+/// The log: one text, lines separated by CR LF, no line end behind the last. The log pane shows it; without a
+/// window each entry goes to `onEntry` (standard error).
+class LogText : public runtime::Log {
+ public:
+  using Clock = std::function<std::string()>;  ///< the time of day, HH:MM:SS
+  explicit LogText(Clock clock = timeOfDay);
+
+  /// "Log start: " and the time; what was reported before stands behind it.
+  void start();
+  void append(const std::string& text) override;
+  const std::string& text() const { return text_; }
+  void setOnEntry(std::function<void(const std::string&)> onEntry) { onEntry_ = std::move(onEntry); }
+
+  static std::string timeOfDay();
+
+ private:
+  Clock clock_;
+  std::string text_;
+  std::function<void(const std::string&)> onEntry_;
+};
+
+}  // namespace shell

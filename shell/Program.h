@@ -1,0 +1,52 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "platform/System.h"
+#include "runtime/CygwinEnvironment.h"
+#include "runtime/Selection.h"
+#include "runtime/Services.h"
+#include "runtime/Settings.h"
+#include "runtime/modAPI.h"
+#include "shell/LogText.h"
+
+namespace shell {
+
+/// The host's side of the program, made first: drives, files, environment, registry, processes.
+struct Host {
+  Host();
+  Host(const Host&) = delete;
+  Host& operator=(const Host&) = delete;
+
+  std::string programFolder;  ///< Windows form, trailing backslash
+  std::string callerFolder;   ///< host path of the folder that the program was started in
+  platform::DriveTable drives;
+  platform::Files files;
+  platform::Environment environment;
+  platform::Registry registry;
+  platform::UserSettings userSettings;
+  platform::HostCommandRunner runner;
+
+  platform::System system() { return {drives, files, environment, registry, userSettings, runner}; }
+};
+
+/// The program-wide values, one object made in main() and handed down by reference.
+struct Program {
+  Program(platform::System host, std::string exePath, runtime::UserInterface& whoever);
+  Program(const Program&) = delete;
+  Program& operator=(const Program&) = delete;
+
+  platform::System system;
+  runtime::UserInterface& user;
+  LogText log;
+  runtime::Settings settings;
+  runtime::modAPI api;
+  runtime::CygwinEnvironment cygwin;
+  bool isAdmin = true;
+  runtime::Selection selection;
+
+  runtime::Services services() { return {system, api, cygwin, user, log, settings}; }
+};
+
+}  // namespace shell

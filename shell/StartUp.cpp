@@ -1,0 +1,216 @@
+#include "shell/StartUp.h"
+
+#include <cstdlib>
+
+#include "archive/frmQuickExtract.h"
+#include "archive/frmTar.h"
+#include "platform/SystemInfo.h"
+#include "runtime/ArchiveKind.h"
+#include "runtime/PermissionTest.h"
+#include "shell/BatchPack.h"
+#include "shell/Dialog.h"
+#include "shell/frmPermsError.h"
+
+namespace shell {
+namespace {
+
+using runtime::Buttons;
+using runtime::Icon;
+
+constexpr const char* directoryUnchanged =
+    "Unable to change current working directory.\rTry running Pakrune directly from the installed '.exe'";
+
+/// The locks of the main window, on for as long as it loads.
+class LoadingScope {
+ public:
+  explicit LoadingScope(browser::frameMain& browsing) : browsing_(browsing) { browsing_.setLoading(true); }
+  ~LoadingScope() { browsing_.setLoading(false); }
+  LoadingScope(const LoadingScope&) = delete;
+  LoadingScope& operator=(const LoadingScope&) = delete;
+
+ private:
+  browser::frameMain& browsing_;
+};
+
+[[noreturn]] void endNow() { std::_Exit(0); }
+
+}  // namespace
+
+bool StartUp::run(const CommandLine& commandLine) {
+  const LoadingScope loading(window_.browsing());
+  enterProgramFolder();
+  checkPrivileges();
+  prepareTools();
+  if (!dispatch(commandLine)) return false;
+  if (!window_.isVisible()) window_.show();
+  return true;
+}
+
+void StartUp::enterProgramFolder() {
+  const std::string& folder = program_.cygwin.GetEXEPath();
+  program_.api.SetCurDir(folder);
+  if (program_.api.currentFolder() != folder)
+    program_.user.message(directoryUnchanged, Buttons::Ok, Icon::Critical);
+}
+
+/// Only one version of the system can be asked.
+void StartUp::checkPrivileges() {
+  if (runtime::GetOSVersion(platform::systemVersion()) != "NT" || platform::isUserAnAdmin()) return;
+  if (program_.settings.firstRun()) Dialog(program_.settings, &window_).exec();
+  program_.isAdmin = false;
+  program_.log.append("You don't have administrative privileges!");
+}
+
+void StartUp::prepareTools() {
+  program_.cygwin.AddDotToPath();
+  program_.cygwin.FindCygwinRoot();
+  program_.cygwin.CheckCygwinTools();
+  const std::string version = runtime::GetOSVersion(platform::systemVersion());
+  program_.api.setOsVersion(version);
+  if (version.starts_with('9'))
+    window_.browsing().enableOwnerButtons(false);
+  else if (program_.isAdmin)
+    runtime::RunPermissionTest(program_.services(),
+                               [this] { frmPermsError(program_.settings, &window_).exec(); });
+}
+
+bool StartUp::dispatch(const CommandLine& commandLine) {
+  if (commandLine.form == Form::Normal)
+    window_.browsing().openFolder(program_.settings.initDir());
+  else if (commandLine.form == Form::Folder) {
+    if (commandLine.folder) window_.browsing().openFolder(*commandLine.folder);
+  } else if (commandLine.complete) {
+    return act(commandLine);
+  }
+  normalTail();
+  return true;
+}
+
+bool StartUp::act(const CommandLine& commandLine) {
+  switch (commandLine.form) {
+    case Form::Open:
+      return openArchiveView(commandLine);
+    case Form::Extract:
+      return quickExtract(commandLine);
+    case Form::Pack:
+      return pack(commandLine);
+    case Form::QuickPack:
+      return quickPackSelection(commandLine);
+    case Form::Permissions:
+      return permissions(commandLine);
+    default:
+      return paths(commandLine);
+  }
+}
+
+void StartUp::showWindow() {
+  window_.show();
+  window_.activateWindow();
+  program_.user.letEventsRun();
+}
+
+void StartUp::normalTail() {
+  showWindow();
+  window_.browsing().fillDirPane();
+  window_.browsing().focusDirPane();
+}
+
+void StartUp::takeSelection() {
+  window_.browsing().setLoading(false);
+  window_.browsing().getDirPaneSelected();
+  window_.browsing().setLoading(true);
+}
+
+void StartUp::selectNamed(const CommandLine& commandLine) {
+  window_.browsing().openFolder(commandLine.fields[1]);
+  program_.user.letEventsRun();
+  window_.browsing().clearCurrentRow();
+  for (std::size_t i = 2; i < commandLine.fields.size(); ++i)
+    window_.browsing().selectRow(commandLine.fields[i]);
+  takeSelection();
+}
+
+bool StartUp::selectArchive(const CommandLine& commandLine) {
+  window_.browsing().openFolder(commandLine.fields[1]);
+  program_.user.letEventsRun();
+  window_.browsing().clearCurrentRow();
+  if (!window_.browsing().selectRow(commandLine.fields[2])) return false;
+  takeSelection();
+  return true;
+}
+
+bool StartUp::openArchiveView(const CommandLine& commandLine) {
+  if (!selectArchive(commandLine)) {
+    normalTail();
+    return true;
+  }
+  showWindow();
+  window_.cmdExtract_Click();
+  return true;
+}
+
+bool StartUp::pack(const CommandLine& commandLine) {
+  selectNamed(commandLine);
+  showWindow();
+  window_.browsing().setLoading(false);
+  window_.cmdTar_Click();
+  return true;
+}
+
+/// The window stays hidden: what is asked and told stands on its own.
+bool StartUp::quickPackSelection(const CommandLine& commandLine) {
+  selectNamed(commandLine);
+  const archive::TarSelection checked =
+      archive::CheckTarSelection(program_.services(), window_, window_.pickers(), nullptr, false);
+  if (checked != archive::TarSelection::Stopped)
+    quickPack(program_, archive::packSelection(window_, checked == archive::TarSelection::WholeFolder));
+  return false;
+}
+
+bool StartUp::quickExtract(const CommandLine& commandLine) {
+  if (!selectArchive(commandLine)) {
+    normalTail();
+    return true;
+  }
+  archive::frmQuickExtract window(program_.services(), endNow);
+  window.setStatus("Preparing to extract tar package, please wait...");
+  window.show();
+  program_.user.letEventsRun();
+  window.QuickExtract(program_.selection.selectedPaths.front(), commandLine.fields[3]);
+  return false;
+}
+
+bool StartUp::permissions(const CommandLine& commandLine) {
+  if (!program_.api.ProbeTool(program_.cygwin.cygwinBin() + "find.exe")) {
+    program_.user.message("Error: Unable to locate 'find.exe'.\r\nTry reinstalling Pakrune or Cygwin",
+                          Buttons::Ok, Icon::Critical, "Unable to Set Permissions");
+    return false;
+  }
+  selectNamed(commandLine);
+  if (program_.selection.selectedCount == 0)
+    program_.user.message("This will change permissions for all files and subdirectories under:\r" +
+                              window_.browsing().dir1Path(),
+                          Buttons::OkCancel, Icon::None, "Warning..");
+  return true;
+}
+
+bool StartUp::paths(const CommandLine& commandLine) {
+  const std::string& first = commandLine.fields.front();
+  const platform::Files& files = program_.system.files;
+  if (!files.fileExists(first) && !files.folderExists(first)) {
+    normalTail();
+    return true;
+  }
+  window_.browsing().openFolder(runtime::getFilePath(first));
+  program_.user.letEventsRun();
+  window_.browsing().openDirPane();
+  for (const std::string& path : commandLine.fields) window_.browsing().selectRow(runtime::GetFileName(path));
+  takeSelection();
+  showWindow();
+  if (program_.selection.selectedCount != 1) return true;
+  const std::string& selected = program_.selection.selectedPaths.front();
+  if (runtime::IsArchiveName(selected) || selected.ends_with(".ipk")) window_.cmdExtract_Click();
+  return true;
+}
+
+}  // namespace shell

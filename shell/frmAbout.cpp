@@ -1,0 +1,30 @@
+#include "shell/frmAbout.h"
+
+#include <QLabel>
+#include <QPushButton>
+
+#include "runtime/UserInterface.h"
+#include "ui_frmAbout.h"
+
+namespace shell {
+
+frmAbout::frmAbout(QWidget* parent) : QDialog(parent), ui_(std::make_unique<Ui::frmAbout>()) {
+  ui_->setupUi(this);
+  const QString title = QString::fromLatin1(runtime::programTitle);
+  setWindowTitle(QStringLiteral("About ") + title);
+  ui_->lblTitle->setText(title);
+  ui_->lblVersion->setText(QStringLiteral("Version " PAKRUNE_VERSION));
+  connect(ui_->cmdOK, &QPushButton::clicked, this, &frmAbout::cmdOK_Click);
+}
+
+frmAbout::~frmAbout() = default;
+
+void frmAbout::cmdOK_Click() {
+  if (QWidget* mainWindow = parentWidget()) {
+    mainWindow->activateWindow();
+    mainWindow->setFocus(Qt::OtherFocusReason);
+  }
+  accept();
+}
+
+}  // namespace shell

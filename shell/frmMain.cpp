@@ -1,0 +1,246 @@
+#include "shell/frmMain.h"
+
+#include <QCloseEvent>
+#include <QPlainTextEdit>
+#include <QShortcut>
+#include <QSocketNotifier>
+
+#include "archive/frmTar.h"
+#include "browser/LayoutUi.h"
+#include "download/frmNetloader.h"
+#include "platform/ShellOpen.h"
+#include "platform/Signals.h"
+#include "platform/SystemInfo.h"
+#include "platform/desktop/Handlers.h"
+#include "platform/desktop/Text.h"
+#include "shell/StartUp.h"
+#include "shell/frmAbout.h"
+#include "ui_frmMain.h"
+
+namespace shell {
+namespace {
+
+using platform::desktop::connectHandler;
+
+constexpr const char* helpFile = "Pakrune.chm";
+
+std::string adminReport() {
+  if (runtime::GetOSVersion(platform::systemVersion()) != "NT")
+    return "Unable to check for administrative priveleges on this version of Windows";
+  return platform::isUserAnAdmin() ? "You have administrative privileges!" : "You are not an administrator";
+}
+
+bool isTextBox(const QWidget* widget) {
+  const auto* line = qobject_cast<const QLineEdit*>(widget);
+  return line != nullptr && !line->isReadOnly();
+}
+
+}  // namespace
+
+frmMain::frmMain(Program& program, platform::desktop::FilePickers& pickers)
+    : ui_(std::make_unique<Ui::frmMain>()), program_(program), pickers_(pickers) {
+  ui_->setupUi(this);
+  ui_->mnuspace6->setSeparator(true);
+  ui_->mnuspace2->setSeparator(true);
+  ui_->mnuFilterRightClick->menuAction()->setVisible(false);
+  ui_->txtLog->hide();
+  frameMain_ = new browser::frameMain(program.services(), program.selection, pickers, ui_->client);
+  frameUntar_ = new archive::frameUntar(program.services(), *this, pickers, ui_->client);
+  frameUntar_->hide();
+  frameUntar_->setEnabled(false);
+  wireMenus();
+  wireKeys();
+  wireFrames();
+  wireEndSignals();
+  resize(browser::startSize(browser::pixelsPerTwip(*this)));
+}
+
+frmMain::~frmMain() { program_.log.setOnEntry({}); }
+
+bool frmMain::Load(const CommandLine& commandLine) {
+  program_.log.start();
+  connectLog();
+  return StartUp(*this).run(commandLine);
+}
+
+void frmMain::connectLog() {
+  QPlainTextEdit* const pane = ui_->txtLog;
+  pane->setPlainText(platform::desktop::toShown(program_.log.text()));
+  pane->moveCursor(QTextCursor::End);
+  program_.log.setOnEntry([pane](const std::string& entry) {
+    pane->appendPlainText(platform::desktop::toShown(entry));
+    pane->moveCursor(QTextCursor::End);
+  });
+}
+
+void frmMain::wireMenus() {
+  const auto& guard = program_.api.toolRunning();
+  const auto wire = [&](QAction* action, auto handler) {
+    connectHandler(action, &QAction::triggered, this, guard, handler);
+  };
+  wire(ui_->mnuExit, &frmMain::close);
+  wire(ui_->mnuAdmin, &frmMain::mnuAdmin_Click);
+  wire(ui_->mnuShowLog, &frmMain::mnuShowLog_Click);
+  wire(ui_->mnuNetwork, &frmMain::mnuNetwork_Click);
+  wire(ui_->mnuContent, &frmMain::mnuContent_Click);
+  wire(ui_->mnuAbout, &frmMain::mnuAbout_Click);
+  ui_->lblHalvoren->installEventFilter(this);
+}
+
+void frmMain::wireKeys() {
+  const auto& guard = program_.api.toolRunning();
+  const auto wire = [&](const QKeySequence& keys, auto handler) {
+    connectHandler(new QShortcut(keys, this), &QShortcut::activated, this, guard, handler);
+  };
+  wire(Qt::Key_F1, &frmMain::mnuContent_Click);
+  wire(Qt::Key_F5, &frmMain::refreshKeepList);
+  wire(Qt::CTRL | Qt::Key_A, &frmMain::checkAllKey);
+  // A box that only shows text would keep Ctrl+A for itself.
+  for (auto* box : findChildren<QWidget*>())
+    if (!isTextBox(box)) box->installEventFilter(this);
+}
+
+void frmMain::wireFrames() {
+  const auto& guard = program_.api.toolRunning();
+  connectHandler(frameMain_, &browser::frameMain::createTar, this, guard, &frmMain::cmdTar_Click);
+  connectHandler(frameMain_, &browser::frameMain::extractTar, this, guard, &frmMain::cmdExtract_Click);
+  connect(frameMain_, &browser::frameMain::archiveOpened, this, &frmMain::openArchive);
+  connect(frameMain_, &browser::frameMain::selectionChanged, this, &frmMain::updateDownloadMenu);
+  connect(frameMain_, &browser::frameMain::dividerDragged, this, &frmMain::divider_MouseMove);
+  connect(frameUntar_, &archive::frameUntar::shown, this, &frmMain::showUntar);
+  connect(frameUntar_, &archive::frameUntar::closed, this, &frmMain::hideUntar);
+}
+
+/// A signal that ends the program closes the window, so that its folder is remembered.
+void frmMain::wireEndSignals() {
+  const int descriptor = platform::endSignalDescriptor();
+  if (descriptor < 0) return;
+  auto* notifier = new QSocketNotifier(descriptor, QSocketNotifier::Read, this);
+  connect(notifier, &QSocketNotifier::activated, this, [this, notifier] {
+    notifier->setEnabled(false);
+    close();
+  });
+}
+
+void frmMain::mnuShowLog_Click() {
+  logShown_ = !logShown_;
+  ui_->txtLog->setVisible(logShown_);
+  ui_->mnuShowLog->setText(logShown_ ? QStringLiteral("Hide Log") : QStringLiteral("Show Log"));
+  layOut();
+}
+
+void frmMain::mnuAdmin_Click() {
+  program_.user.message(adminReport(), runtime::Buttons::Ok, runtime::Icon::None);
+}
+
+void frmMain::mnuContent_Click() {
+  const std::string& folder = program_.cygwin.GetEXEPath();
+  if (!platform::shellOpen(program_.system.drives, program_.system.environment, folder + helpFile, folder))
+    program_.log.append(" Unable to open: " + folder + helpFile);
+}
+
+void frmMain::mnuAbout_Click() {
+  auto* about = new frmAbout(this);
+  about->setAttribute(Qt::WA_DeleteOnClose);
+  about->show();
+}
+
+void frmMain::mnuNetwork_Click() {
+  getDirPaneSelected();
+  if (program_.selection.selectedCount > 0) netSetFile(program_.selection.selectedPaths.front());
+}
+
+void frmMain::netSetFile(const std::string& path) {
+  download::frmNetloader(program_.services(), path, this).exec();
+}
+
+void frmMain::showfrmWDXOptions(const std::string& path) {
+  program_.user.message("The serial download is not available in this version:\r" + path,
+                        runtime::Buttons::Ok, runtime::Icon::Information, "Can't Download");
+}
+
+void frmMain::cmdTar_Click() { archive::CheckTarSelection(program_.services(), *this, pickers_, this, true); }
+
+void frmMain::cmdExtract_Click() { frameUntar_->open(); }
+
+void frmMain::openArchive(const std::string& path) { frameUntar_->open(path); }
+
+void frmMain::showUntar() {
+  ui_->mnuDownload->setEnabled(false);
+  frameMain_->setEnabled(false);
+  frameUntar_->show();
+  frameUntar_->setEnabled(true);
+  frameUntar_->raise();
+}
+
+void frmMain::hideUntar() {
+  frameUntar_->hide();
+  frameUntar_->setEnabled(false);
+  frameMain_->setEnabled(true);
+  getDirPaneSelected();
+}
+
+void frmMain::updateDownloadMenu() {
+  const runtime::Selection& selection = program_.selection;
+  ui_->mnuDownload->setEnabled(frameMain_->isEnabled() && selection.selectedCount == 1 &&
+                               program_.system.files.fileExists(selection.selectedPaths.front()));
+}
+
+void frmMain::checkAllKey() {
+  if (frameMain_->isEnabled()) selectAllRows();
+}
+
+void frmMain::getDirPaneSelected() { frameMain_->getDirPaneSelected(); }
+std::vector<std::string> frmMain::selectedPaths() const { return program_.selection.paths(); }
+std::string frmMain::selectionText() const { return frameMain_->selectionText(); }
+std::vector<std::string> frmMain::paneItems() const { return frameMain_->paneItems(); }
+std::string frmMain::GetDir1Path() const { return frameMain_->GetDir1Path(); }
+void frmMain::selectAllRows() { frameMain_->checkAll_Click(); }
+void frmMain::refreshKeepList() { frameMain_->refreshKeepList(); }
+bool frmMain::setOwnerShown() const { return frameMain_->setOwnerShown(); }
+
+void frmMain::layOut() {
+  const double scale = browser::pixelsPerTwip(*this);
+  browser::resizeLayout(layout_, size(), logShown_, scale);
+  browser::applyLayout(*ui_->client, layout_, scale);
+}
+
+void frmMain::divider_MouseMove(int x) {
+  const double scale = browser::pixelsPerTwip(*this);
+  browser::dragDivider(layout_, x, scale);
+  browser::applyLayout(*ui_->client, layout_, scale);
+}
+
+void frmMain::resizeEvent(QResizeEvent* event) {
+  QMainWindow::resizeEvent(event);
+  layOut();
+}
+
+void frmMain::changeEvent(QEvent* event) {
+  QMainWindow::changeEvent(event);
+  if (event->type() == QEvent::FontChange) layOut();
+}
+
+void frmMain::closeEvent(QCloseEvent* event) {
+  if (program_.api.toolRunning().active()) return event->ignore();
+  program_.settings.setInitDir(frameMain_->dir1Path());
+  event->accept();
+  QApplication::quit();
+}
+
+bool frmMain::eventFilter(QObject* watched, QEvent* event) {
+  if (watched == ui_->lblHalvoren && event->type() == QEvent::MouseButtonRelease &&
+      !program_.api.toolRunning().active()) {
+    mnuAbout_Click();
+    return true;
+  }
+  const bool selectAll = event->type() == QEvent::ShortcutOverride &&
+                         static_cast<QKeyEvent*>(event)->matches(QKeySequence::SelectAll);
+  if (selectAll && !isTextBox(qobject_cast<QWidget*>(watched))) {
+    event->ignore();
+    return true;
+  }
+  return QMainWindow::eventFilter(watched, event);
+}
+
+}  // namespace shell

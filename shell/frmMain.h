@@ -1,0 +1,85 @@
+#pragma once
+
+#include <QMainWindow>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "archive/frameUntar.h"
+#include "browser/Layout.h"
+#include "browser/frameMain.h"
+#include "platform/desktop/FilePickers.h"
+#include "runtime/MainWindow.h"
+#include "shell/CommandLine.h"
+#include "shell/Program.h"
+
+namespace Ui {
+class frmMain;
+}
+
+namespace shell {
+
+/// The main window: menu bar, browsing area or extract frame, and log pane. Unloading it ends the program.
+class frmMain : public QMainWindow, public runtime::MainWindow {
+  Q_OBJECT
+
+ public:
+  /// Both are lent for the window's life.
+  frmMain(Program& program, platform::desktop::FilePickers& pickers);
+  ~frmMain() override;
+
+  /// Runs the whole start-up. False: the program ends without the window having a life of its own.
+  bool Load(const CommandLine& commandLine);
+
+  void getDirPaneSelected() override;
+  std::vector<std::string> selectedPaths() const override;
+  std::string selectionText() const override;
+  std::vector<std::string> paneItems() const override;
+  std::string GetDir1Path() const override;
+  void selectAllRows() override;
+  void refreshKeepList() override;
+  bool setOwnerShown() const override;
+  void netSetFile(const std::string& path) override;
+  void showfrmWDXOptions(const std::string& path) override;
+
+  browser::frameMain& browsing() { return *frameMain_; }
+  void cmdTar_Click();
+  void cmdExtract_Click();
+  Program& program() { return program_; }
+  platform::desktop::FilePickers& pickers() { return pickers_; }
+
+ protected:
+  void resizeEvent(QResizeEvent* event) override;
+  void changeEvent(QEvent* event) override;
+  void closeEvent(QCloseEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  void wireMenus();
+  void wireKeys();
+  void wireFrames();
+  void wireEndSignals();
+  void connectLog();
+  void mnuShowLog_Click();
+  void mnuAdmin_Click();
+  void mnuNetwork_Click();
+  void mnuContent_Click();
+  void mnuAbout_Click();
+  void checkAllKey();
+  void showUntar();
+  void hideUntar();
+  void openArchive(const std::string& path);
+  void updateDownloadMenu();
+  void layOut();
+  void divider_MouseMove(int x);
+
+  std::unique_ptr<Ui::frmMain> ui_;
+  Program& program_;
+  platform::desktop::FilePickers& pickers_;
+  browser::frameMain* frameMain_;
+  archive::frameUntar* frameUntar_;
+  browser::Layout layout_;
+  bool logShown_ = false;
+};
+
+}  // namespace shell

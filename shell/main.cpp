@@ -1,0 +1,98 @@
+#include <QApplication>
+#include <cstdlib>
+#include <iostream>
+
+#include "platform/HeldName.h"
+#include "platform/Signals.h"
+#include "shell/BatchExtract.h"
+#include "shell/BatchPack.h"
+#include "shell/BatchUser.h"
+#include "shell/CallerPaths.h"
+#include "shell/CommandLine.h"
+#include "shell/DesktopUser.h"
+#include "shell/frmMain.h"
+
+namespace {
+
+using shell::CommandLine;
+using shell::Form;
+
+constexpr int failed = 1;
+constexpr int signalled = 128;  // plus the signal's number, as shells report it
+
+constexpr const char* usage =
+    "Usage: pakrune [--batch] [--yes] [SWITCH FOLDER NAME...]\n"
+    "       pakrune [PATH...]\n"
+    "\n"
+    "  -d FOLDER                      open FOLDER\n"
+    "  -open FOLDER ARCHIVE           show what an archive holds\n"
+    "  -pack FOLDER NAME...           select entries and open the archive dialog\n"
+    "  -perms FOLDER NAME...          select entries to set their permissions\n"
+    "  -qpack FOLDER NAME...          pack entries with the default settings, no dialog\n"
+    "  -extract FOLDER ARCHIVE DEST   extract a whole archive into DEST, no dialog\n"
+    "\n"
+    "  --batch    before -qpack or -extract: no windows, messages on standard error (also\n"
+    "             without a display)\n"
+    "  --yes      before the switch: agree to what would replace something\n"
+    "  --help, --version\n"
+    "\n"
+    "Folders and paths may be native or Windows paths. Exit status of -qpack and -extract without windows:\n"
+    "0 done, 1 refused or failed.\n";
+
+bool isSet(const char* name) {
+  const char* const value = std::getenv(name);
+  return value != nullptr && *value != '\0';
+}
+
+bool hasDisplay() { return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM"); }
+
+shell::HostArguments argumentsOf(const shell::Host& host, int argc, char** argv) {
+  const auto toWindows = [&host](std::string_view path) {
+    return shell::toWindowsPath(host.drives, host.callerFolder, path);
+  };
+  return shell::readArguments({argv + 1, argv + argc}, toWindows, platform::holdName);
+}
+
+int runBatch(shell::Host& host, const CommandLine& commandLine, bool yes) {
+  if (commandLine.form != Form::QuickPack && commandLine.form != Form::Extract) {
+    std::cerr << "pakrune: no display; without one only -qpack, -extract, --help and --version work\n";
+    return failed;
+  }
+  shell::BatchUser user(yes);
+  shell::Program program(host.system(), host.programFolder, user);
+  program.log.setOnEntry([](const std::string& entry) { std::cerr << platform::shownName(entry) << '\n'; });
+  return commandLine.form == Form::QuickPack ? shell::batchPack(program, commandLine.fields, yes)
+                                             : shell::batchExtract(program, commandLine.fields, yes);
+}
+
+/// Qt gets the program's name only, so that a file called "-style" is none of its options.
+int runWindows(shell::Host& host, const CommandLine& commandLine, char* name) {
+  int one = 1;
+  char* names[] = {name, nullptr};
+  QApplication application(one, names);
+  QApplication::setApplicationName(QString::fromLatin1(runtime::programTitle));
+  QApplication::setQuitOnLastWindowClosed(false);
+  shell::DesktopUser user;
+  shell::Program program(host.system(), host.programFolder, user);
+  platform::desktop::DesktopFilePickers pickers(host.drives);
+  shell::frmMain window(program, pickers);
+  // A signal that came while the window was loading has closed it already: there is no loop to end then.
+  return window.Load(commandLine) && platform::endSignal() == 0 ? QApplication::exec() : 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  platform::catchEndSignals();
+  shell::Host host;
+  const shell::HostArguments arguments = argumentsOf(host, argc, argv);
+  if (arguments.help || arguments.version) {
+    std::cout << (arguments.help ? usage : "pakrune " PAKRUNE_VERSION "\n");
+    return 0;
+  }
+  const CommandLine commandLine = shell::parseCommandLine(arguments.text);
+  const int status = arguments.batch || !hasDisplay() ? runBatch(host, commandLine, arguments.yes)
+                                                      : runWindows(host, commandLine, argv[0]);
+  const int signal = platform::endSignal();
+  return signal == 0 ? status : signalled + signal;
+}

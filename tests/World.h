@@ -1,0 +1,110 @@
+#pragma once
+
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include "runtime/Services.h"
+
+namespace testworld {
+
+namespace fs = std::filesystem;
+
+/// Answers every question alike and keeps what it was told, as "title|text".
+class Person : public runtime::UserInterface {
+ public:
+  runtime::Answer message(const std::string& text, runtime::Buttons buttons, runtime::Icon,
+                          const std::string& title, runtime::Consequence) override {
+    told.push_back(title + "|" + text);
+    if (buttons == runtime::Buttons::YesNo) return agrees ? runtime::Answer::Yes : runtime::Answer::No;
+    return agrees ? runtime::Answer::Ok : runtime::Answer::Cancel;
+  }
+  void showCommand(const std::string& title, const std::string&, const std::string& text) override {
+    told.push_back(title + "|" + text);
+  }
+  void letEventsRun() override { ++yields; }
+  bool consoleOutput(std::string_view) override { return true; }
+  bool consoleStep() override { return true; }
+  void consoleOpened(const std::string& title) override { consoles.push_back(title); }
+  void consoleClosed() override {}
+
+  bool agrees = true;
+  int yields = 0;
+  std::vector<std::string> told;
+  std::vector<std::string> consoles;
+};
+
+class Lines : public runtime::Log {
+ public:
+  void append(const std::string& text) override { all += text + "\n"; }
+  std::string all;
+};
+
+/// A drive C: ("disk"), a program folder with links to real tools ("prog/bin"), and a temporary folder
+/// ("tmp"), all below a folder of its own.
+class World : public testing::Test {
+ protected:
+  World() {
+    for (const char* folder : {"disk", "prog/bin", "tmp"}) fs::create_directories(root_ + "/" + folder);
+    for (const char* tool : {"tar", "chmod", "ls", "find", "ar"}) link(tool, std::string(tool) + ".exe");
+    for (const char* tool : {"cp", "gzip", "bzip2"}) link(tool, tool);
+    setenv("TMPDIR", (root_ + "/tmp").c_str(), 1);
+  }
+  ~World() override {
+    unsetenv("TMPDIR");
+    fs::remove_all(root_);
+  }
+
+  void findTools() {
+    cygwin_.AddDotToPath();
+    cygwin_.FindCygwinRoot();
+    cygwin_.CheckCygwinTools();
+  }
+  std::string host(const std::string& name) const { return root_ + "/disk/" + name; }
+  void write(const std::string& name, const std::string& text = "text") const {
+    fs::create_directories(fs::path(host(name)).parent_path());
+    std::ofstream(host(name), std::ios::binary) << text;
+  }
+  std::string bytes(const std::string& name) const {
+    std::ifstream file(host(name), std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+  }
+  static std::string output(const std::string& command) {
+    std::string text;
+    FILE* const pipe = popen(command.c_str(), "r");
+    for (int c = 0; (c = fgetc(pipe)) != EOF;) text += static_cast<char>(c);
+    return pclose(pipe) == 0 ? text : "failed: " + text;
+  }
+  runtime::Services services() { return {system_, api_, cygwin_, person_, log_, stored_}; }
+
+  void link(const std::string& tool, const std::string& name) const {
+    fs::create_symlink("/usr/bin/" + tool, root_ + "/prog/bin/" + name);
+  }
+
+  static std::string newFolder() {
+    std::string name = fs::temp_directory_path() / "pakrune-test-XXXXXX";
+    return mkdtemp(name.data());
+  }
+
+  std::string root_ = newFolder();
+  platform::DriveTable drives_{{{'C', root_ + "/disk"}, {'Z', "/"}}};
+  platform::Files files_{drives_};
+  platform::Environment environment_{drives_, environ};
+  platform::Registry registry_{root_ + "/registry.txt", root_ + "/site.txt"};
+  platform::UserSettings userSettings_{registry_};
+  std::string program_ = drives_.toWindows(root_ + "/prog") + "\\";
+  platform::HostCommandRunner commands_{drives_, environment_, program_};
+  platform::System system_{drives_, files_, environment_, registry_, userSettings_, commands_};
+  Person person_;
+  Lines log_;
+  runtime::Settings stored_{registry_, userSettings_, log_};
+  runtime::modAPI api_{system_, person_};
+  runtime::CygwinEnvironment cygwin_{system_, api_, person_, program_};
+};
+
+}  // namespace testworld

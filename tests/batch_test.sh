@@ -1,0 +1,71 @@
+#!/usr/bin/env bash
+# The program without a display, as a build script calls it. Usage: batch_test.sh BUILD-FOLDER
+set -euo pipefail
+pakrune=$1/pakrune
+unset DISPLAY WAYLAND_DISPLAY QT_QPA_PLATFORM
+world=$(mktemp -d)
+trap 'rm -rf "$world"' EXIT
+export HOME=$world/home XDG_CONFIG_HOME=$world/config TMPDIR=$world/tmp
+unset PAKRUNE_DRIVES
+mkdir -p "$HOME/pkg/usr8" "$TMPDIR"
+cd "$HOME"
+echo text >pkg/a.txt
+echo text >"pkg/b c"
+echo text >pkg/-x
+echo text >pkg/.hidden
+echo text >pkg/usr8/set.ini
+
+fail() { echo "batch_test: $*" >&2; cat "$world/err" >&2; exit 1; }
+run() { # EXPECTED-STATUS ARGUMENT...
+  local expected=$1 status=0
+  shift
+  "$pakrune" "$@" >"$world/out" 2>"$world/err" || status=$?
+  [ "$status" = "$expected" ] || fail "status $status, not $expected: $*"
+}
+holds() { # MEMBER...: exactly these, in this order
+  local listing
+  listing=$(tar -tPf "$(cat "$world/out")")
+  [ "$listing" = "$(printf '%s\n' "$@")" ] || fail "members: $listing"
+}
+
+run 0 -qpack pkg a.txt "b c" -x .hidden usr8
+[ "$(cat "$world/out")" = "$HOME/pkg/pkg.tgz" ] || fail "output: $(cat "$world/out")"
+holds ./-x .hidden a.txt "b c" ../usr8/ ../usr8/set.ini
+tar -tvPf pkg/pkg.tgz --numeric-owner | grep -qv ' 500/1 ' && fail "an entry is not owned by 500/1"
+before=$(cksum <pkg/pkg.tgz)
+
+run 1 -qpack pkg a.txt "b c" -x .hidden usr8 # would replace
+grep -q "already exists" "$world/err" || fail "no question"
+[ ! -s "$world/out" ] || fail "a refused run names an archive"
+run 0 --yes -qpack pkg a.txt "b c" -x .hidden usr8
+[ "$(cksum <pkg/pkg.tgz)" = "$before" ] || fail "packing twice gave other bytes"
+
+run 1 -qpack pkg mistyped
+[ "$(cksum <pkg/pkg.tgz)" = "$before" ] || fail "a mistyped name changed the archive"
+run 1 --yes -qpack pkg a.txt usr8 mistyped # what matches is still packed
+holds a.txt ../usr8/ ../usr8/set.ini
+run 1 -qpack nowhere a.txt
+run 1 -qpack pkg
+run 1 -qpack
+run 0 --yes -qpack pkg # everything, hidden entries too, never the old archive
+holds ./-x .hidden a.txt "b c" ../usr8/ ../usr8/set.ini
+run 0 --yes $'-qpack\r\nC:\\pkg\r\na.txt\r\nb c' # one argument with all fields
+holds a.txt "b c"
+run 0 --batch --yes -qpack "$HOME/pkg" "b c"
+[ "$(cat "$world/out")" = "$HOME/pkg/b c.tgz" ] || fail "output: $(cat "$world/out")"
+
+chmod 000 pkg/a.txt
+mkdir -p full && cp pkg/-x full/y
+if [ "$(id -u)" != 0 ]; then run 1 --yes -qpack pkg a.txt "b c"; fi
+ls "$TMPDIR" "$HOME/pkg" | grep -q _PK && fail "a scratch folder was left"
+
+for arguments in "" "-d pkg" "-pack pkg a.txt" pkg; do
+  # shellcheck disable=SC2086
+  run 1 $arguments
+  [ "$(wc -l <"$world/err")" = 1 ] || fail "not one line: '$arguments'"
+done
+run 0 --help
+grep -q -- -qpack "$world/out" || fail "--help says nothing of -qpack"
+run 0 --version
+grep -q '^pakrune 1' "$world/out" || fail "--version"
+echo "batch_test: passed"

@@ -1,0 +1,128 @@
+#include "shell/CommandLine.h"
+
+#include <gtest/gtest.h>
+
+#include "platform/HeldName.h"
+#include "shell/CallerPaths.h"
+
+using shell::CommandLine;
+using shell::Form;
+using shell::HostArguments;
+using Texts = std::vector<std::string>;
+
+namespace {
+
+const platform::DriveTable drives({{'C', "/home/u"}, {'D', "/mnt/d"}});
+
+std::string toWindows(std::string_view text) { return shell::toWindowsPath(drives, "/home/u/here", text); }
+
+HostArguments read(const Texts& arguments) {
+  return shell::readArguments(arguments, toWindows, platform::holdName);
+}
+
+CommandLine parsed(const Texts& arguments) { return shell::parseCommandLine(read(arguments).text); }
+
+}  // namespace
+
+TEST(CommandLine, SwitchesAreLeadingCharactersInTheirOrder) {
+  const std::vector<std::pair<const char*, Form>> forms = {
+      {"", Form::Normal},          {"-d", Form::Folder},          {"-dopen", Form::Folder},
+      {"-open", Form::Open},       {"-extracted", Form::Extract}, {"-pack", Form::Pack},
+      {"-qpack", Form::QuickPack}, {"-perms", Form::Permissions}, {"-D", Form::Paths},
+      {"-PACK", Form::Paths},      {" -pack", Form::Paths},       {"-q", Form::Paths}};
+  for (const auto& [text, form] : forms) EXPECT_EQ(shell::parseCommandLine(text).form, form) << text;
+}
+
+TEST(CommandLine, TheFolderIsQuotedOrTheSecondWord) {
+  using Folder = std::optional<std::string>;
+  const std::vector<std::pair<const char*, Folder>> texts = {{"-d", std::nullopt},
+                                                             {"-dfoo", std::nullopt},
+                                                             {"-d C:\\a b", "C:\\a"},
+                                                             {"-d  C:\\a", ""},
+                                                             {"-d \"C:\\a b\" c", "C:\\a b"},
+                                                             {"-d\"C:\\a\"", "C:\\a"},
+                                                             {"-d \"C:\\open", "C:\\open"},
+                                                             {"-d \"\"", ""}};
+  for (const auto& [text, folder] : texts) EXPECT_EQ(shell::parseCommandLine(text).folder, folder) << text;
+}
+
+TEST(CommandLine, RecordsAreCutAtCrLfOnly) {
+  const CommandLine line = shell::parseCommandLine("-pack\r\nC:\\p\r\n\"a b\"\r\nc\nd\re\r\n");
+  EXPECT_EQ(line.fields, (Texts{"-pack", "C:\\p", "\"a b\"", "c\nd\re", ""}));
+  EXPECT_TRUE(line.complete);
+  for (const char* form : {"-open", "-pack", "-qpack", "-perms"}) {
+    EXPECT_FALSE(shell::parseCommandLine(form + std::string("\r\nC:\\p")).complete) << form;
+    EXPECT_TRUE(shell::parseCommandLine(form + std::string("\r\nC:\\p\r\na")).complete) << form;
+  }
+  EXPECT_FALSE(shell::parseCommandLine("-extract\r\nC:\\p\r\na.tgz").complete);
+  EXPECT_TRUE(shell::parseCommandLine("-extract\r\nC:\\p\r\na.tgz\r\nC:\\o").complete);
+}
+
+TEST(CommandLine, PathListsAreCutBetweenQuotes) {
+  EXPECT_EQ(shell::parseCommandLine("\"C:\\a b\" \"C:\\c\"").fields, (Texts{"C:\\a b", "C:\\c"}));
+  EXPECT_EQ(shell::parseCommandLine("C:\\a b").fields, Texts{"C:\\a b"});
+  EXPECT_EQ(shell::parseCommandLine("\"C:\\a\"  \"C:\\c\"").fields, Texts{"C:\\a  C:\\c"});
+}
+
+TEST(CallerPaths, TranslatesWhatIsNoWindowsPath) {
+  for (const char* path : {"C:\\p", "q:/p", "\\\\server\\share", ""}) EXPECT_EQ(toWindows(path), path);
+  EXPECT_EQ(toWindows("/cygdrive/d/x"), "D:\\x");
+  EXPECT_EQ(toWindows("/cygdrive/q/x"), "Z:\\cygdrive\\q\\x");
+  EXPECT_EQ(toWindows("/etc"), "Z:\\etc");
+  EXPECT_EQ(toWindows("."), "C:\\here");
+  EXPECT_EQ(toWindows("../a b"), "C:\\here\\..\\a b");
+  EXPECT_EQ(toWindows("C:p\\\xFF"), "C:\\here\\" + platform::holdName("C:p\\\xFF"));
+}
+
+TEST(Arguments, OurOptionsStandBeforeTheSwitchOnly) {
+  const HostArguments some = read({"--yes", "--batch", "-qpack", "/home/u/p", "--help"});
+  EXPECT_TRUE(some.yes && some.batch);
+  EXPECT_FALSE(some.help || some.version);
+  EXPECT_EQ(some.text, "-qpack\r\nC:\\p\r\n--help");
+  EXPECT_TRUE(read({"--version"}).version);
+  EXPECT_TRUE(read({"--help", "x"}).help);
+  EXPECT_EQ(read({}).text, "");
+  EXPECT_EQ(read({""}).text, "");
+}
+
+TEST(Arguments, OneArgumentAFieldAndOneForAllGiveTheSameRecord) {
+  const Texts fields = {"-extract", "C:\\here\\p", "b c.tgz", "D:\\out dir"};
+  EXPECT_EQ(parsed({"-extract", "p", "b c.tgz", "/mnt/d/out dir"}).fields, fields);
+  EXPECT_EQ(parsed({"-extract\r\np\r\nb c.tgz\r\n/mnt/d/out dir"}).fields, fields);
+  // Only -extract has a second folder; elsewhere the third field is a name.
+  EXPECT_EQ(parsed({"-open", ".", "/mnt/d/x"}).fields, (Texts{"-open", "C:\\here", "/mnt/d/x"}));
+  EXPECT_EQ(parsed({"-perms", ".", "a", "b"}).fields, (Texts{"-perms", "C:\\here", "a", "b"}));
+  EXPECT_EQ(parsed({"-pack", "", "a"}).fields, (Texts{"-pack", "", "a"}));
+}
+
+TEST(Arguments, NoNameOrFolderCutsARecord) {
+  const std::string name = "a\r\n\"b\":c";
+  const CommandLine line = parsed({"-pack", "./x\r\ny", name, "C:\\p", "d\xFF"});
+  EXPECT_EQ(line.fields,
+            (Texts{"-pack", "C:\\here\\" + platform::holdName("x\r\ny"), platform::holdName(name),
+                   platform::holdName("C:\\p"), platform::holdName("d\xFF")}));
+  EXPECT_EQ(parsed({"-pack", "C:\\x\r\ny", "a"}).fields[1], "C:\\x" + platform::holdName("\r\n") + "y");
+}
+
+TEST(Arguments, AFolderMayHoldBlanksAndQuotes) {
+  for (const Texts& arguments :
+       {Texts{"-d", "my pkg"}, Texts{"-d \"my pkg\""}, Texts{"-dx", "/home/u/here/my pkg", "more"}})
+    EXPECT_EQ(parsed(arguments).folder, "C:\\here\\my pkg") << arguments.front();
+  EXPECT_EQ(parsed({"-d", "\"C:\\my pkg\""}).folder, "C:\\my pkg");
+  EXPECT_EQ(parsed({"-d", "\"/as/it/stands\""}).folder, "/as/it/stands");
+  EXPECT_EQ(parsed({"-d", "say \"hi\""}).folder, "C:\\here\\" + platform::holdName("say \"hi\""));
+  EXPECT_EQ(parsed({"-d"}).folder, std::nullopt);
+  EXPECT_EQ(parsed({"-d C:\\my pkg"}).folder, "C:\\my");
+  EXPECT_EQ(parsed({"-d", ""}).folder, "");
+}
+
+TEST(Arguments, PathListsAreQuotedWhereThereAreSeveral) {
+  EXPECT_EQ(read({"a b", "/mnt/d/c", "\"C:\\as is\""}).text, "\"C:\\here\\a b\" \"D:\\c\" \"C:\\as is\"");
+  EXPECT_EQ(read({"a b"}).text, "C:\\here\\a b");
+  EXPECT_EQ(read({"\"C:\\a\" \"C:\\b\""}).text, "\"C:\\a\" \"C:\\b\"");
+  EXPECT_EQ(parsed({"", "x"}).fields, (Texts{"", "C:\\here\\x"}));
+  EXPECT_EQ(parsed({"a\" \"b", "c"}).fields,
+            (Texts{"C:\\here\\" + platform::holdName("a\" \"b"), "C:\\here\\c"}));
+  EXPECT_EQ(parsed({"-D"}).form, Form::Paths);
+  EXPECT_EQ(parsed({"-style"}).fields, Texts{"C:\\here\\-style"});
+}

@@ -1,0 +1,409 @@
+#include <sys/stat.h>
+
+#include <algorithm>
+#include <array>
+
+#include "archive/ArchiveTreeBuilder.h"
+#include "archive/Extractor.h"
+#include "platform/HeldName.h"
+#include "shell/BatchExtract.h"
+#include "tests/World.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using archive::ExtractResult;
+using archive::Focus;
+using archive::OverwriteAnswer;
+
+struct Member {
+  std::string name;
+  char type = '0';  // as in a tar header: '0' file, '1' hard link, '2' symbolic link, '5' folder
+  std::string link = {};
+};
+
+/// A tar by hand, with members that no tool would write. A file holds its own name.
+std::string tarOf(const std::vector<Member>& members) {
+  std::string bytes;
+  for (const Member& member : members) {
+    std::string header(512, '\0');
+    const std::string content = member.type == '0' ? member.name : "";
+    std::array<char, 13> size{};
+    std::snprintf(size.data(), size.size(), "%011zo", content.size());
+    header.replace(0, member.name.size(), member.name);
+    header.replace(100, 7, member.type == '5' ? "0000755" : "0000644");
+    header.replace(108, 7, "0000000").replace(116, 7, "0000000");
+    header.replace(124, 11, size.data(), 11).replace(136, 11, "10000000000");
+    header[156] = member.type;
+    header.replace(157, member.link.size(), member.link).replace(257, 8, std::string("ustar\00000", 8));
+    header.replace(148, 8, 8, ' ');
+    unsigned sum = 0;
+    for (const char c : header) sum += static_cast<unsigned char>(c);
+    std::snprintf(size.data(), size.size(), "%06o", sum);
+    header.replace(148, 6, size.data(), 6)[154] = '\0';
+    bytes += header + content + std::string((512 - content.size() % 512) % 512, '\0');
+  }
+  return bytes + std::string(1024, '\0');
+}
+
+/// Gives its answers in order, the last one again and again.
+class Script : public archive::OverwriteAsker {
+ public:
+  OverwriteAnswer ask(const archive::OverwriteQuestion& question) override {
+    asked.push_back(question.path + (question.isFolder ? "|folder|" : "|file|") + question.member);
+    const OverwriteAnswer answer = answers.front();
+    if (answers.size() > 1) answers.erase(answers.begin());
+    return answer;
+  }
+  std::vector<OverwriteAnswer> answers = {OverwriteAnswer::Cancel};
+  std::vector<std::string> asked;
+};
+
+class Unwatched : public archive::ListingProgress {
+ public:
+  void showPercent(float value) override { percent = value; }
+  bool cancelled() const override { return false; }
+  float percent = -1;
+};
+
+class ExtractTest : public testworld::World {
+ protected:
+  ExtractTest() {
+    findTools();
+    fs::create_directory(host("outside"));
+    write("outside/kept", "old");
+  }
+
+  ExtractResult quick(const std::string& archive, const std::string& out = "C:\\out") {
+    return archive::Extractor(services(), script_).QuickExtract("C:\\" + archive, out, progress_);
+  }
+  /// Extracts from a listing, as the frame does; `unchecked` are members that were unchecked.
+  ExtractResult fromTree(const std::string& archive, bool all,
+                         const std::vector<std::string>& unchecked = {}) {
+    const std::string path = "C:\\" + archive;
+    const auto kind = runtime::archiveKind(path);
+    const auto list = [&]() -> const archive::ArchiveTree* {
+      const auto listing = archive::readListing(services(), *kind, path);
+      if (!listing) return nullptr;
+      tree_ = archive::fillTree(services(), *kind, path, *listing, progress_);
+      for (archive::NodeId node = 1; node <= tree_.nodeCount(); ++node)
+        if (std::count(unchecked.begin(), unchecked.end(), tree_.memberPath(node)) > 0)
+          tree_.setChecked(node, false);
+      return &tree_;
+    };
+    return archive::Extractor(services(), script_).ExtractArchive(path, "C:\\out", all, list);
+  }
+  /// What stands in the output folder, sorted, "/" behind a folder.
+  std::string contents(const std::string& folder = "out") const {
+    std::vector<std::string> names;
+    for (const auto& entry : fs::recursive_directory_iterator(host(folder)))
+      names.push_back(entry.path().lexically_relative(host(folder)).string() +
+                      (entry.is_directory() && !entry.is_symlink() ? "/" : ""));
+    std::sort(names.begin(), names.end());
+    std::string text;
+    for (const std::string& name : names) text += name + ' ';
+    return text;
+  }
+  bool logged(const std::string& text) const { return log_.all.find(text) != std::string::npos; }
+  bool told(const std::string& text) const {
+    return std::count(person_.told.begin(), person_.told.end(), text) == 1;
+  }
+  void expectNothingOutside() const {
+    EXPECT_EQ(contents("outside"), "kept ");
+    EXPECT_EQ(bytes("outside/kept"), "old");
+    EXPECT_FALSE(fs::exists(host("up")) || fs::exists("/pakrune-absolute"));
+  }
+
+  Script script_;
+  Unwatched progress_;
+  archive::ArchiveTree tree_;
+};
+
+TEST_F(ExtractTest, AllAndSelectedMembersWithTheirModes) {
+  write("in/usr/bin/app", "app");
+  write("in/usr/bin/-x", "dash");
+  write("in/usr/line\nfeed\\n\xFF", "odd");
+  write("in/-top");
+  chmod(host("in/usr/bin/app").c_str(), 0751);
+  output("cd " + host("in") + " && tar -czf ../a.tgz -- usr ./-top");
+  EXPECT_TRUE(fromTree("a.tgz", false, {"usr/bin/-x", "./-top"}).complete) << log_.all;
+  EXPECT_EQ(contents(), "usr/ usr/bin/ usr/bin/app usr/line\nfeed\\n\xFF ");
+  EXPECT_EQ(fs::status(host("out/usr/bin/app")).permissions(), fs::perms(0751));
+  EXPECT_TRUE(logged(" Extracted file: C:\\a.tgz\n"));
+  EXPECT_TRUE(told("Create folder?|C:\\out does not exist, create it?"));
+  script_.answers = {OverwriteAnswer::YesToAll};
+  EXPECT_TRUE(fromTree("a.tgz", true, {"usr"}).complete);
+  EXPECT_EQ(bytes("out/usr/bin/-x") + bytes("out/-top"), "dashtext");
+  write("b.tar", tarOf({{"-x"}, {"./-x2"}, {"--help"}}));
+  fs::remove_all(host("out"));
+  EXPECT_TRUE(fromTree("b.tar", true).complete) << log_.all;
+  EXPECT_EQ(contents(), "--help -x -x2 ");
+}
+
+TEST_F(ExtractTest, RefusalsHaveTheirTextsAndFocus) {
+  archive::Extractor extractor(services(), script_);
+  const auto tryIt = [&](const std::string& path, const std::string& out) {
+    const ExtractResult result = extractor.ExtractArchive(path, out, true, [] { return nullptr; });
+    EXPECT_FALSE(result.started);
+    return std::pair(result.focus, person_.told.empty() ? "" : person_.told.back());
+  };
+  write("a.TGZ");
+  write("a.tgz");
+  using Refusal = std::pair<Focus, std::string>;
+  EXPECT_EQ(tryIt(archive::noArchiveChosen, "C:\\out"),
+            Refusal(Focus::ArchivePath, "Input not selected..|Please select a Tar file to extract"));
+  EXPECT_EQ(tryIt("C:\\no.tgz", "C:\\out"), Refusal(Focus::None, "Error|Invalid tar file C:\\no.tgz"));
+  EXPECT_EQ(tryIt("C:\\a.TGZ", "C:\\out"),
+            Refusal(Focus::ArchivePath, "Input file error..|Unrecognized Tar file extension"));
+  EXPECT_EQ(tryIt("C:\\a.tgz", archive::noFolderChosen),
+            Refusal(Focus::OutputFolder, "Ouput not selected..|Please choose an output location"));
+  person_.agrees = false;
+  EXPECT_EQ(tryIt("C:\\a.tgz", "C:\\x\\y"),
+            Refusal(Focus::OutputFolder, "Create folder?|C:\\x\\y does not exist, create it?"));
+  EXPECT_FALSE(fs::exists(host("x")));
+  person_.agrees = true;
+  EXPECT_EQ(tryIt("C:\\a.tgz", "nowhere").first, Focus::OutputFolder);
+  EXPECT_EQ(tryIt("C:\\a.tgz", "C:\\x\\y\\").first, Focus::None);
+  EXPECT_TRUE(fs::is_directory(host("x/y")));
+  write("b.tar", tarOf({{"f"}}));
+  EXPECT_FALSE(fromTree("b.tar", false, {"f"}).started);
+  EXPECT_TRUE(told("Unable To Extract|Error extracting package:\r\nC:\\b.tar\r\n\r\nNo files to extract"));
+  fs::remove(root_ + "/prog/bin/tar.exe");
+  EXPECT_FALSE(quick("b.tar").started);
+  EXPECT_TRUE(
+      told("Unable to Untar|Error: Unable to locate 'tar.exe'.\r\nTry reinstalling Pakrune or Cygwin"));
+}
+
+TEST_F(ExtractTest, OverwriteAnswersOfTheTree) {
+  write("a.tar", tarOf({{"d/", '5'}, {"d/x"}, {"e"}, {"f"}}));
+  const auto prepare = [this] {
+    for (const char* name : {"out/d/x", "out/e", "out/f"}) write(name, "old");
+    script_.asked.clear();
+  };
+  prepare();
+  script_.answers = {OverwriteAnswer::Yes, OverwriteAnswer::No, OverwriteAnswer::Yes};
+  EXPECT_TRUE(fromTree("a.tar", true).complete);
+  EXPECT_EQ(bytes("out/d/x") + bytes("out/e") + bytes("out/f"), "d/xoldf");
+  EXPECT_EQ(script_.asked[0], "C:\\out\\d|folder|0 bytes, 2004-01-10 13:37");
+  EXPECT_EQ(script_.asked[1], "C:\\out\\e|file|1 bytes, 2004-01-10 13:37");
+  prepare();
+  script_.answers = {OverwriteAnswer::YesToAll};
+  EXPECT_TRUE(fromTree("a.tar", true).complete);
+  EXPECT_EQ(script_.asked.size(), 1U);
+  EXPECT_EQ(bytes("out/f"), "f");
+  prepare();
+  script_.answers = {OverwriteAnswer::Yes, OverwriteAnswer::Cancel};
+  EXPECT_EQ(fromTree("a.tar", true).focus, Focus::OutputFolder);
+  EXPECT_EQ(bytes("out/d/x"), "old");
+  script_.answers = {OverwriteAnswer::No};
+  EXPECT_FALSE(fromTree("a.tar", true).started);
+}
+
+TEST_F(ExtractTest, QuickExtractionKeepsWhatWasAnsweredNo) {
+  write("a.tar", tarOf({{"./", '5'}, {"./d/", '5'}, {"./d/x"}, {"./d/y"}, {"./-z"}}));
+  EXPECT_TRUE(quick("a.tar").complete) << log_.all;
+  EXPECT_EQ(contents(), "-z d/ d/x d/y ");
+  for (const char* name : {"out/d/x", "out/d/y"}) write(name, "old");
+  fs::remove(host("out/-z"));
+  script_.answers = {OverwriteAnswer::Yes, OverwriteAnswer::No, OverwriteAnswer::Yes};
+  EXPECT_TRUE(quick("a.tar").complete) << log_.all;
+  EXPECT_EQ(script_.asked.front(), "C:\\out\\.\\d|folder|?");
+  EXPECT_EQ(bytes("out/d/x") + bytes("out/d/y") + bytes("out/-z"), "old./d/y./-z");
+  EXPECT_EQ(progress_.percent, 100);
+  script_.answers = {OverwriteAnswer::Cancel};
+  EXPECT_FALSE(quick("a.tar").started);
+}
+
+TEST_F(ExtractTest, HostileMembersStayOutOfTheWorld) {
+  const std::string out = host("outside");
+  const std::vector<Member> hostile = {{"good"},
+                                       {"../up"},
+                                       {"d/", '5'},
+                                       {"d/../../up"},
+                                       {"/pakrune-absolute"},
+                                       {"link", '2', out},
+                                       {"link/new"},
+                                       {"link/kept"},
+                                       {"hard", '1', "../outside/kept"},
+                                       {"stands/new"},
+                                       {"via", '2', "stands"},
+                                       {"via/new"},
+                                       {"to", '1', "stands/kept"}};
+  write("h.tar", tarOf(hostile));
+  for (const bool tree : {true, false}) {
+    fs::remove_all(host("out"));
+    fs::create_directory(host("out"));
+    fs::create_directory_symlink(out, host("out/stands"));
+    log_.all.clear();
+    const ExtractResult result = tree ? fromTree("h.tar", true) : quick("h.tar");
+    EXPECT_TRUE(result.started && !result.complete);
+    expectNothingOutside();
+    EXPECT_EQ(contents(), "d/ good link stands via ") << log_.all;
+    for (const char* line :
+         {" Not extracted, its name leads out of the output folder: ../up\n",
+          " Not extracted, its name leads out of the output folder: d/../../up\n",
+          " Not extracted, its name leads out of the output folder: /pakrune-absolute\n",
+          " Not extracted, it lies below a link: link/new\n",
+          " Not extracted, it lies below a link: stands/new\n",
+          " Not extracted, it lies below a link: via/new\n",
+          " Not extracted, it is a hard link to something outside the output folder: hard\n",
+          " Not extracted, it is a hard link to something outside the output folder: to\n"})
+      EXPECT_TRUE(logged(line)) << line << log_.all;
+    EXPECT_TRUE(logged(" Extracted file: C:\\h.tar\n")) << log_.all;
+    script_.answers = {OverwriteAnswer::YesToAll};
+    tree ? fromTree("h.tar", true) : quick("h.tar");  // the link of the first run stands now
+    expectNothingOutside();
+  }
+}
+
+TEST_F(ExtractTest, NewFolderIsSafeToo) {
+  write("h.tar", tarOf({{"link", '2', host("outside")},
+                        {"link/new"},
+                        {"link/kept"},
+                        {"../usr8/", '5'},
+                        {"../usr8/set.ini"},
+                        {"../usr8/other"},
+                        {"hard", '1', host("outside/kept")},
+                        {"a"}}));
+  EXPECT_FALSE(quick("h.tar").complete);
+  expectNothingOutside();
+  EXPECT_TRUE(fs::is_symlink(host("out/link")) && fs::exists(host("out/a")));
+  EXPECT_FALSE(fs::exists(host("usr8")));
+  const std::string line = " Not extracted, it belongs to another home on the terminal: ../usr8\n";
+  ASSERT_TRUE(logged(line)) << log_.all;
+  EXPECT_EQ(log_.all.find(line, log_.all.find(line) + 1), std::string::npos);
+  EXPECT_TRUE(logged("tar: link/new: Cannot open: Not a directory"));
+  EXPECT_TRUE(logged(" Extracted file: C:\\h.tar (exit code 2)\n"));
+}
+
+TEST_F(ExtractTest, LinksThatStayInsideAreOrdinary) {
+  write("a.tar", tarOf({{"in/new"}, {"abs", '2', "/usr/lib"}}));
+  write("out/real/old");
+  fs::create_directory_symlink("real", host("out/in"));
+  script_.answers = {OverwriteAnswer::Yes};
+  EXPECT_TRUE(fromTree("a.tar", true).started);
+  EXPECT_EQ(bytes("out/real/new"), "in/new");
+  EXPECT_EQ(fs::read_symlink(host("out/abs")), "/usr/lib");
+}
+
+TEST_F(ExtractTest, PackagesAreMovedInWithoutFollowingLinks) {
+  for (const char* name : {"packageSize", "data", "-x"}) write(std::string("in/") + name, name);
+  output("cd " + host("in") + " && ar -q ../p.ipk packageSize data ./-x 2>/dev/null");
+  fs::create_directory(host("out"));
+  fs::create_symlink(host("outside/kept"), host("out/data"));
+  script_.answers = {OverwriteAnswer::YesToAll};
+  EXPECT_TRUE(fromTree("p.ipk", true).complete) << log_.all;
+  expectNothingOutside();
+  EXPECT_EQ(contents(), "-x data packageSize ");
+  EXPECT_EQ(tree_.tag(1), "Package Size: packageSize bytes");
+  EXPECT_EQ(bytes("out/data"), "data");
+  EXPECT_TRUE(std::any_of(person_.consoles.begin(), person_.consoles.end(),
+                          [](const std::string& title) { return title == "ar.exe"; }));
+  fs::remove_all(host("out"));
+  EXPECT_TRUE(quick("p.ipk").complete) << log_.all;
+  EXPECT_EQ(contents(), "-x data packageSize ");
+  fs::remove(host("out/data"));
+  write("out/data/in the way");
+  EXPECT_FALSE(quick("p.ipk").complete);
+  EXPECT_TRUE(logged(" Unable to write file: C:\\out\\data\n"));
+}
+
+TEST_F(ExtractTest, BadArchivesHaveTheirMessages) {
+  output("cd " + host("") +
+         " && head -c 300000 /dev/urandom >big && tar -czf t.tgz outside big && head -c 200000 t.tgz "
+         ">cut.tgz && "
+         "cp cut.tgz cut.tar && yes garbage | head -c 512 >g.tgz && cp g.tgz g.tar && cp g.tgz g.tbz2 && "
+         "cp g.tgz g.ipk && : >e.tgz && head -c 10240 /dev/zero >e.tar && tar -cf m.tgz big");
+  const std::string tar =
+      "Error Opening Package|An error occurred when attempting to open tar package:\r\nC:\\";
+  const std::string package =
+      "Error Opening Package|An error occurred when attempting to open package:\r\nC:\\";
+  const struct {
+    std::string name, message;
+  } cases[] = {
+      {"cut.tgz", tar + "cut.tgz\r\n\r\nUnexpected end of file"},
+      {"cut.tar", tar + "cut.tar\r\n\r\nUnexpected end of file"},
+      {"e.tgz", tar + "e.tgz\r\n\r\nUnexpected end of file"},
+      {"e.tar", package + "e.tar\r\n\r\nNo files to extract"},
+      {"g.tgz", tar + "g.tgz\r\n\r\n\ngzip: stdin: not in gzip format\ntar: Child returned status 1\n"
+                      "tar: Error is not recoverable: exiting now\n"},
+      {"m.tgz", tar + "m.tgz\r\n\r\n\ngzip: stdin: not in gzip format\ntar: Child returned status 1\n"
+                      "tar: Error is not recoverable: exiting now\n"},
+      {"g.tar", tar + "g.tar\r\n\r\ntar: This does not look like a tar archive\n"
+                      "tar: Skipping to next header\n"
+                      "tar: Exiting with failure status due to previous errors\n"},
+      {"g.tbz2", tar + "g.tbz2\r\n\r\ntar: Child returned status 2\n"
+                       "tar: Error is not recoverable: exiting now\n"},
+      {"g.ipk", package + "g.ipk\r\n\r\nfile format not recognized\n"}};
+  for (const auto& c : cases) {
+    person_.told.clear();
+    EXPECT_FALSE(fromTree(c.name, true).started);
+    EXPECT_EQ(person_.told.back(), c.message);
+    person_.told.clear();
+    if (c.name.starts_with("cut")) continue;
+    EXPECT_FALSE(quick(c.name, "C:\\other").started) << c.name;
+    EXPECT_EQ(person_.told.back(), "Pakrune|Nothing to extract") << c.name;
+  }
+  EXPECT_FALSE(quick("cut.tgz", "C:\\cut").complete);
+  EXPECT_TRUE(logged(" Extracted file: C:\\cut.tgz (exit code 2)\n")) << log_.all;
+  EXPECT_TRUE(logged("gzip: stdin: unexpected end of file\n"));
+}
+
+TEST_F(ExtractTest, ArchivesOfOtherToolsListAsTarListsThem) {
+  write("in/a b/caf\xC3\xA9.txt");
+  write("in/" + std::string(120, 'l') + "/deep");
+  fs::create_symlink("a b", host("in/ln"));
+  const std::string there = "cd " + host("") + " && ";
+  const std::string python =
+      "python3 -c \"import tarfile;t=tarfile.open('p.tgz','w:gz',format=tarfile.PAX_FORMAT);"
+      "t.add('in');t.close()\"";
+  for (const auto& [name, command] : {std::pair<std::string, std::string>("t.tbz2", "tar -cjf t.tbz2 in"),
+                                      {"b.tgz", "bsdtar -czf b.tgz in"},
+                                      {"p.tgz", python}}) {
+    if (output(there + "LC_ALL=C.UTF-8 " + command + " 2>/dev/null").starts_with("failed")) {
+      GTEST_LOG_(INFO) << "skipped, its tool is not installed: " << command;
+      continue;
+    }
+    fs::remove_all(host("out"));
+    EXPECT_TRUE(fromTree(name, true).complete) << name << log_.all;
+    EXPECT_EQ(output("diff -r --no-dereference " + host("in") + ' ' + host("out/in")), "") << name;
+    EXPECT_EQ(tree_.nodeCount(), 6U) << name;
+  }
+}
+
+TEST_F(ExtractTest, ManyNamesGoThroughAFileOrNeedNone) {
+  std::vector<Member> members;
+  for (int i = 10000; i < 13000; ++i) members.push_back({std::string(60, 'n') + std::to_string(i)});
+  write("m.tar", tarOf(members));
+  EXPECT_TRUE(fromTree("m.tar", false, {members[7].name}).complete) << log_.all;
+  EXPECT_EQ(std::distance(fs::directory_iterator(host("out")), fs::directory_iterator()), 2999);
+  script_.answers = {OverwriteAnswer::YesToAll};
+  EXPECT_TRUE(quick("m.tar").complete) << log_.all;
+  EXPECT_TRUE(fs::exists(host("out/" + members[7].name)));
+  EXPECT_TRUE(fs::is_empty(root_ + "/tmp"));
+}
+
+TEST_F(ExtractTest, BatchFormAnswersByItsExitStatus) {
+  shell::Program program(system_, program_, person_);
+  write("in/a.tar", tarOf({{"f"}}));
+  const auto batch = [&](std::vector<std::string> fields, bool yes = false) {
+    fields.insert(fields.begin(), "-extract");
+    testing::internal::CaptureStdout();
+    testing::internal::CaptureStderr();
+    const int status = shell::batchExtract(program, fields, yes);
+    testing::internal::GetCapturedStderr();
+    return std::to_string(status) + testing::internal::GetCapturedStdout();
+  };
+  EXPECT_EQ(batch({"C:\\in", "a.tar", "C:\\out"}), "0" + host("out") + "\n");
+  write("out/f", "old");
+  EXPECT_EQ(batch({"C:\\in", "a.tar", "C:\\out"}), "1");
+  EXPECT_EQ(bytes("out/f"), "old");
+  EXPECT_EQ(batch({"C:\\in", "a.tar", "C:\\out"}, true), "0" + host("out") + "\n");
+  EXPECT_EQ(bytes("out/f"), "f");
+  EXPECT_EQ(batch({"C:\\in", "mistyped.tar", "C:\\out"}), "1");
+  EXPECT_EQ(batch({"C:\\nowhere", "a.tar", "C:\\out"}), "1");
+  EXPECT_EQ(batch({"C:\\in", "a.tar"}), "1");
+}
+
+}  // namespace

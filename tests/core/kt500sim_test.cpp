@@ -1,0 +1,207 @@
+#include <arpa/inet.h>
+#include <gtest/gtest.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
+
+#include <chrono>
+#include <fstream>
+#include <iterator>
+#include <random>
+
+#include "platform/Descriptor.h"
+#include "tests/SimProcess.h"
+
+namespace fs = std::filesystem;
+using namespace std::string_literals;
+
+namespace {
+
+const std::string goodTail =
+    "\0"s
+    "5\0"s
+    "640\0usr2\0users\0"s;
+
+platform::Descriptor connectTo(const SimProcess& sim) {
+  platform::Descriptor client(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
+  sockaddr_in address{};
+  address.sin_family = AF_INET;
+  address.sin_port = htons(sim.port());
+  address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
+  EXPECT_EQ(connect(client.get(), reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+  return client;
+}
+
+void tell(const platform::Descriptor& client, const std::string& bytes) {
+  send(client.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL);
+}
+
+/// What comes until `most` bytes are there or the other side is done.
+std::string hear(const platform::Descriptor& client, std::size_t most = 1000) {
+  std::string text;
+  char c = 0;
+  while (text.size() < most && recv(client.get(), &c, 1, 0) == 1) text += c;
+  return text;
+}
+
+std::string answerTo(const SimProcess& sim, const std::string& request) {
+  const auto client = connectTo(sim);
+  tell(client, request);
+  shutdown(client.get(), SHUT_WR);
+  return hear(client);
+}
+
+std::string contents(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
+
+std::vector<std::string> names(const std::string& folder) {
+  std::vector<std::string> found;
+  for (const auto& entry : fs::directory_iterator(folder)) found.push_back(entry.path().filename());
+  return found;
+}
+
+/// Sends an archive that shell commands make in a folder of their own, as out.tgz; the simulator's events.
+std::string sendArchive(SimProcess& sim, const std::string& commands) {
+  const std::string folder = sim.folder() + "/src";
+  fs::create_directories(folder + "/pkg");
+  EXPECT_EQ(std::system(("cd '" + folder + "/pkg' && " + commands).c_str()), 0);
+  const std::string archive = contents(folder + "/out.tgz");
+  const auto client = connectTo(sim);
+  tell(client, "DLD:out.tgz\0"s + std::to_string(archive.size()) +
+                   "\0"s
+                   "400\0usr1\0users\0"s);
+  EXPECT_EQ(hear(client, 2), "OK");
+  tell(client, archive);
+  return sim.rest();
+}
+
+}  // namespace
+
+TEST(Kt500sim, StoresExactlyTheAnnouncedBytesWithTheirMode) {
+  SimProcess sim;
+  fs::create_symlink(sim.folder() + "/victim", sim.root() + "/a\nb");
+  const auto client = connectTo(sim);
+  tell(client, "DL");
+  tell(client, "D:a\nb" + goodTail);
+  EXPECT_EQ(hear(client, 2), "OK");
+  tell(client, "12345");
+  EXPECT_EQ(hear(client), "");
+  const std::string events = sim.rest();
+  EXPECT_NE(events.find("request a\\x0Ab size 5 mode 640 owner usr2 group users\nreply OK\n"
+                        "received 5 bytes\nstored a\\x0Ab owner 501/1\nclosed\n"),
+            std::string::npos)
+      << events;
+  EXPECT_EQ(contents(sim.root() + "/a\nb"), "12345");
+  struct stat status {};
+  ASSERT_EQ(lstat((sim.root() + "/a\nb").c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode, static_cast<mode_t>(S_IFREG | 0640));
+  EXPECT_FALSE(fs::exists(sim.folder() + "/victim"));
+}
+
+TEST(Kt500sim, HostileRequestsAreRefusedAndLeaveNothing) {
+  const std::string requests[] = {"dld:a" + goodTail,
+                                  "DLD:" + goodTail,
+                                  "DLD:.." + goodTail,
+                                  "DLD:../x" + goodTail,
+                                  "DLD:" + std::string(256, 'n') + goodTail,
+                                  "DLD:" + std::string(100000, 'n'),
+                                  "DLD:a\0"s
+                                  "05\0"s
+                                  "640\0usr2\0users\0"s,
+                                  "DLD:a\0-5\0"s
+                                  "640\0usr2\0users\0"s,
+                                  "DLD:a\0"s
+                                  "99999999999999999999\0"s
+                                  "640\0usr2\0users\0"s,
+                                  "DLD:a\0"s
+                                  "5\0"s
+                                  "680\0usr2\0users\0"s,
+                                  "DLD:a\0"s
+                                  "5\0"s
+                                  "4755\0usr2\0users\0"s,
+                                  "DLD:a\0"s
+                                  "5\0"s
+                                  "640\0../../etc\0users\0"s,
+                                  "DLD:a\0"s
+                                  "5\0"s
+                                  "640\0usr2\0\0"s,
+                                  "DLD:a" + goodTail + "early",
+                                  "\0\0\0\0\0\0"s};
+  SimProcess sim("--count " + std::to_string(std::size(requests)));
+  for (const std::string& request : requests) EXPECT_EQ(answerTo(sim, request), "BADARGS") << request;
+  EXPECT_NE(sim.rest().find("refused: not a file name"), std::string::npos);
+  EXPECT_TRUE(names(sim.root()).empty());
+  EXPECT_EQ(names(sim.folder()).size(), 1U);
+}
+
+TEST(Kt500sim, SurvivesRandomRequests) {
+  SimProcess sim("--timeout 100");
+  std::mt19937 random(4711);
+  const std::string likely =
+      "DLD:a\0"s
+      "5640\0usr1\0users\0/.."s;
+  for (int round = 0; round < 200; ++round) {
+    std::string request = "DLD:a" + goodTail;
+    for (auto changes = random() % 4; changes > 0; --changes)
+      request.replace(random() % request.size(), random() % 3, 1, likely[random() % likely.size()]);
+    const std::string answer = answerTo(sim, request);
+    EXPECT_TRUE(answer.empty() || answer == "BADARGS" || answer == "OK") << answer;
+  }
+  EXPECT_TRUE(names(sim.root()).empty());
+}
+
+TEST(Kt500sim, NoSpaceBrokenOffAndStalled) {
+  SimProcess sim("--count 3 --free 5 --timeout 200");
+  EXPECT_EQ(answerTo(sim,
+                     "DLD:a\0"s
+                     "6\0"s
+                     "640\0usr2\0users\0"s),
+            "NOSPACE");
+  EXPECT_EQ(answerTo(sim, "DLD:a" + goodTail), "OK");  // and no data
+  const auto stalled = connectTo(sim);
+  tell(stalled, "DLD:a");
+  EXPECT_EQ(hear(stalled), "");  // closed by the other side
+  const std::string events = sim.rest();
+  EXPECT_NE(events.find("broken off after 0 bytes"), std::string::npos) << events;
+  EXPECT_NE(events.find("no request"), std::string::npos) << events;
+  EXPECT_TRUE(names(sim.root()).empty());
+}
+
+TEST(Kt500sim, InstallsAsATerminalDoes) {
+  SimProcess sim("--once --install");
+  const std::string events =
+      sendArchive(sim,
+                  "mkdir -p d ../usr8 && echo 1 > 'd/a b' && echo 2 > ../usr8/s && ln -s 'd/a b' link && "
+                  "chmod 4755 'd/a b' && chmod 700 d && chmod 640 ../usr8/s && "
+                  "tar -zcPf ../out.tgz --owner=500 --group=1 --numeric-owner d link ../usr8");
+  EXPECT_NE(events.find("installed out.tgz in home/usr1\nmember drwx------ 500/1 0 home/usr1/d/\n"
+                        "member -rwsr-xr-x 500/1 2 home/usr1/d/a b\n"
+                        "member lrwxrwxrwx 500/1 0 home/usr1/link -> d/a b\n"),
+            std::string::npos)
+      << events;
+  EXPECT_NE(events.find("member -rw-r----- 500/1 2 home/usr8/s\nclosed\n"), std::string::npos) << events;
+  EXPECT_EQ(contents(sim.root() + "/home/usr1/link"), "1\n");
+  EXPECT_EQ(contents(sim.root() + "/home/usr8/s"), "2\n");
+  EXPECT_EQ(fs::status(sim.root() + "/home/usr1/d/a b").permissions(), fs::perms(0755));
+}
+
+TEST(Kt500sim, ArchivesThatLeadElsewhereAreNotInstalled) {
+  const char* const makers[] = {
+      "echo x > ../x && tar -zcPf ../out.tgz ../x",
+      "echo x > x && tar -zcPf ../out.tgz --transform 's,^,/tmp/kt500sim-escape/,' x",
+      "echo x > x && tar -zcPf ../out.tgz --transform 's,^,../usr8/../../../,' x",
+      "ln -s /etc out && tar -zcf ../out.tgz out",
+      "mkdir d && ln -s .. d/up && tar -zcf ../out.tgz d",
+      "ln -s / 'a -> b' && tar -zcf ../out.tgz 'a -> b'",
+      "mkfifo f && tar -zcf ../out.tgz f",
+      "echo no archive > ../out.tgz"};
+  for (const char* maker : makers) {
+    SimProcess sim("--once --install");
+    const std::string events = sendArchive(sim, maker);
+    EXPECT_NE(events.find("not installed: out.tgz\n"), std::string::npos) << maker << "\n" << events;
+    EXPECT_TRUE(fs::is_empty(sim.root() + "/home/usr1")) << maker;
+    EXPECT_TRUE(fs::is_empty(sim.root() + "/home/usr8")) << maker;
+  }
+  EXPECT_FALSE(fs::exists("/tmp/kt500sim-escape"));
+}

@@ -1,0 +1,246 @@
+#include <gtest/gtest.h>
+
+#include <list>
+#include <random>
+
+#include "archive/ArchiveTreeBuilder.h"
+#include "archive/ExtractCommand.h"
+#include "archive/ListingLine.h"
+#include "archive/ListingOutput.h"
+#include "archive/SiblingOrder.h"
+#include "platform/HeldName.h"
+
+namespace {
+
+using namespace archive;
+using runtime::ArchiveKind;
+
+ArchiveTree treeOf(const std::string& listing, ArchiveKind kind = ArchiveKind::Gzip) {
+  ArchiveTreeBuilder builder(kind, listing, [] { return std::string("12\n34\n"); });
+  while (builder.addNextLine()) {
+  }
+  return builder.finish();
+}
+
+/// A listing line of a regular file, or of a folder for a path that ends in "/".
+std::string line(const std::string& path, char kind = 0) {
+  if (kind == 0) kind = path.ends_with('/') ? 'd' : '-';
+  return std::string(1, kind) + "rwxr-xr-x 507/1              12 2006-05-04 13:22 " + path + "\n";
+}
+
+/// Each node on a line of its own, indented, in sibling order.
+std::string outline(const ArchiveTree& tree, NodeId parent = 0, int depth = 0) {
+  std::string text;
+  for (std::size_t i = 0; i < tree.childCount(parent); ++i) {
+    const NodeId node = tree.child(parent, i);
+    EXPECT_EQ(tree.row(node), i);
+    EXPECT_EQ(tree.parent(node), parent);
+    text += std::string(static_cast<std::size_t>(depth), ' ') + tree.text(node) + '\n';
+    text += outline(tree, node, depth + 1);
+  }
+  return text;
+}
+
+TEST(ListingLine, FieldsAreFoundFromDateAndTime) {
+  const auto entry =
+      parseListingLine("drwxr-xr-x Domain Users/my group     0 2006-05-04 13:22  lead 2001-01-01 00:00 x/");
+  ASSERT_TRUE(entry);
+  EXPECT_EQ(entry->mode, "drwxr-xr-x");
+  EXPECT_EQ(entry->owner, "Domain Users/my group");
+  EXPECT_EQ(entry->size, "0");
+  EXPECT_EQ(entry->dateTime, "2006-05-04 13:22");
+  EXPECT_EQ(entry->path, " lead 2001-01-01 00:00 x/");
+  const auto device =
+      parseListingLine("crw-rw-rw- root/root       1,3 292277-12-04 15:30:08.123456789 dev/null");
+  EXPECT_EQ(device->size, "1,3");
+  EXPECT_EQ(device->dateTime, "292277-12-04 15:30:08.123456789");
+  const auto other = parseListingLine("-rw-r--r-- a/b   7  May 4   name x");
+  EXPECT_EQ(other->owner, "a/b");
+  EXPECT_EQ(other->dateTime, "May 4");
+  EXPECT_EQ(other->path, "name x");
+  for (const char* bad : {"", "tar: Ignoring unknown extended header keyword 'A.b'", "-rw-r--r--",
+                          "V--------- 0/0 0 1970-01-01 00:00 label--Volume Header--"})
+    EXPECT_FALSE(parseListingLine(bad)) << bad;
+}
+
+TEST(ListingLine, LinkTextIsCutForLinksOnly) {
+  const auto split = [](const std::string& text) {
+    static std::string kept;
+    kept = text;
+    return splitLinkText(*parseListingLine(kept.substr(0, kept.size() - 1)));
+  };
+  EXPECT_EQ(split(line("lib/a.so -> b -> c", 'l')).name, "lib/a.so");
+  EXPECT_EQ(split(line("lib/a.so -> b -> c", 'l')).target, "b -> c");
+  EXPECT_EQ(split(line("lib/a link to lib/b", 'h')).target, "lib/b");
+  EXPECT_EQ(split(line("lib/a -> b")).name, "lib/a -> b");
+  EXPECT_FALSE(split(line("lib/a link to b")).target);
+}
+
+TEST(ListingLine, EscapesAreTurnedBack) {
+  EXPECT_EQ(unescaped("a\\nb\\\\c\\td\\377\\001\\q\\"), "a\nb\\c\td\377\001\\q\\");
+  EXPECT_EQ(platform::releaseName(heldName("caf\\303\\251:\\b")), "caf\303\251:\b");
+}
+
+TEST(ListingOutput, MessagesNameTheReason) {
+  const std::string tar = "An error occurred when attempting to open tar package:\r\nC:\\x\r\n\r\n";
+  const std::string package = "An error occurred when attempting to open package:\r\nC:\\x\r\n\r\n";
+  const struct {
+    std::string output;
+    std::string message;
+  } cases[] = {{"ar: /d/x.ipk: file format not recognized\n", package + "file format not recognized\n"},
+               {"\ngzip: stdin: not in gzip format\ntar: Child returned status 1\n",
+                tar + "\ngzip: stdin: not in gzip format\ntar: Child returned status 1\n"},
+               {line("a") + "\ngzip: stdin: unexpected end of file\ntar: Unexpected EOF in archive\n",
+                tar + "Unexpected end of file"},
+               {"bzip2: (stdin) is not a bzip2 file.\ntar: Child returned status 2\n",
+                tar + "tar: Child returned status 2\n"},
+               {"", package + "No files to extract"}};
+  for (const auto& c : cases) EXPECT_EQ(listingProblem(c.output, "C:\\x"), c.message) << c.output;
+  std::string flood;
+  while (flood.size() < 10000) flood += line("member");
+  EXPECT_EQ(listingProblem(flood + "gzip: stdin: crc error\n", "C:\\x"), tar + "gzip: stdin: crc error\n");
+  EXPECT_FALSE(listingProblem(line("tar: gzip: ar: x"), "C:\\x"));
+  EXPECT_FALSE(
+      listingProblem("tar: Ignoring unknown extended header keyword 'SCHILY.dev'\n" + line("a"), "C:\\x"));
+}
+
+TEST(ArchiveTree, ComponentsBecomeNodes) {
+  EXPECT_EQ(outline(treeOf(line("./") + line("./usr/") + line("./usr/bin/") + line("./usr/bin/app"))),
+            "./usr\n bin\n  app\n");
+  EXPECT_EQ(outline(treeOf(line("usr/bin/app"))), "usr\n bin\n  app\n");
+  EXPECT_EQ(outline(treeOf(line("../../a/./b//c"))), "../../a\n ./b\n  \n   c\n");
+  EXPECT_EQ(outline(treeOf(line("/etc/x"))), "\n etc\n  x\n");
+  EXPECT_EQ(outline(treeOf(line("b.txt") + line("Beta/x") + line("alpha/x") + line("A"))),
+            "alpha\n x\nBeta\n x\nA\nb.txt\n");
+  EXPECT_EQ(treeOf("no line end").nodeCount(), 0U);
+}
+
+TEST(ArchiveTree, NodesKeepWhatTheLineSays) {
+  const ArchiveTree tree = treeOf(line("lib/a.so -> b.so", 'l') + line("top -> b", 'l') +
+                                  "tar: Removing leading `/'\n" + line("x.tgz") + line("h -> in text/y"));
+  const NodeId lib = 1;
+  const NodeId so = 2;
+  const std::string properties =
+      "Size:                 12 bytes\rModified:          2006-05-04 13:22\r"
+      "Permissions:     lrwxr-xr-x\rOwner/Group:  507/1";
+  EXPECT_EQ(tree.tag(so), properties + "\rShortcut:          b.so");
+  EXPECT_EQ(tree.tag(lib), tree.tag(so));
+  EXPECT_EQ(tree.image(lib), 1);
+  EXPECT_EQ(tree.image(so), 21);
+  EXPECT_EQ(tree.memberPath(so), "lib/a.so");
+  EXPECT_EQ(platform::releaseName(tree.text(3)), "top -> b");
+  EXPECT_EQ(tree.memberPath(3), "top");
+  EXPECT_EQ(tree.tag(3), properties);
+  EXPECT_EQ(tree.image(4), 5);
+  EXPECT_EQ(platform::releaseName(tree.text(5)), "h -> in text");
+  const ArchiveTree ipk = treeOf("debian-binary\npackageSize\n", ArchiveKind::Ipk);
+  EXPECT_EQ(ipk.tag(1), "");
+  EXPECT_EQ(ipk.tag(2), "Package Size: 1234 bytes");
+}
+
+/// The order by the plain walk over the siblings.
+class PlainWalk {
+ public:
+  void add(const std::string& path) {
+    if (path.find('/') == path.npos) {
+      insert(root_, path, false);
+      return;
+    }
+    Node* parent = &root_;
+    const std::size_t end = path.ends_with('/') ? path.size() - 1 : path.size();
+    for (std::size_t begin = 0; begin <= end;) {
+      const std::size_t slash = std::min(path.find('/', begin), end);
+      const std::string text = path.substr(begin, slash - begin);
+      const auto found = std::find_if(parent->children.begin(), parent->children.end(),
+                                      [&](const Node& node) { return node.text == text; });
+      const bool isFolder = slash < end || end < path.size();
+      parent = found != parent->children.end() ? &*found : insert(*parent, text, isFolder);
+      begin = slash + 1;
+    }
+  }
+  std::string outline() const { return outline(root_, 0); }
+
+ private:
+  struct Node {
+    std::string text;
+    std::list<Node> children;
+  };
+  static Node* insert(Node& parent, const std::string& text, bool isFolder) {
+    auto at = parent.children.begin();
+    for (; at != parent.children.end(); ++at) {
+      const bool leaf = at->children.empty();
+      const bool less = sortsBefore(text, at->text);
+      if (isFolder ? leaf || less : leaf && less) break;
+    }
+    return &*parent.children.insert(at, {text, {}});
+  }
+  static std::string outline(const Node& node, int depth) {
+    std::string text;
+    for (const Node& child : node.children)
+      text +=
+          std::string(static_cast<std::size_t>(depth), ' ') + child.text + '\n' + outline(child, depth + 1);
+    return text;
+  }
+  Node root_;
+};
+
+TEST(ArchiveTree, OrderIsThatOfThePlainWalk) {
+  std::mt19937 random(7);
+  const std::vector<std::string> names = {"a",  "B", "b",  "C", "dd",       "D",        "e1",
+                                          "E2", "f", "Gg", "h", "\xC3\x84", "\xC3\xA4x"};
+  const auto pick = [&](std::size_t count) { return random() % count; };
+  for (int round = 0; round < 60; ++round) {
+    PlainWalk walk;
+    std::string listing;
+    const std::size_t known = 2 + pick(names.size() - 1);
+    for (std::size_t i = 0; i < 150; ++i) {
+      std::string path = names[pick(known)] + std::to_string(pick(8));
+      for (std::size_t depth = pick(4); depth > 0; --depth) path += '/' + names[pick(known)];
+      if (pick(3) == 0) path += '/';
+      walk.add(path);
+      listing += line(path);
+    }
+    ASSERT_EQ(outline(treeOf(listing)), walk.outline()) << "round " << round;
+  }
+}
+
+TEST(ArchiveTree, ChecksFollowFoldersAndMarkTheOnesAbove) {
+  ArchiveTree tree = treeOf(line("./usr/bin/app") + line("./usr/bin/tool") + line("./usr/lib") + line("top"));
+  enum : NodeId { usr = 1, bin, app, tool, lib, top };
+  const auto members = [&](bool all) {
+    std::string text;
+    for (const Contribution& one : contributions(tree, all)) text += memberList(one.members);
+    return text;
+  };
+  EXPECT_EQ(members(false), "\"./usr\" \"top\" ");
+  tree.setChecked(tool, false);
+  EXPECT_FALSE(tree.checked(bin) || tree.checked(usr));
+  EXPECT_TRUE(tree.partlySelected(bin) && tree.partlySelected(usr));
+  EXPECT_EQ(members(false), "\"./usr/bin/app\" \"./usr/lib\" \"top\" ");
+  EXPECT_EQ(members(true), "\"./usr\" \"top\" ");
+  tree.setChecked(usr, true);
+  EXPECT_FALSE(tree.partlySelected(usr) || tree.partlySelected(bin));
+  EXPECT_TRUE(tree.checked(tool));
+  tree.setAllChecked(false);
+  EXPECT_EQ(members(false), "");
+  tree.setChecked(app, true);
+  EXPECT_TRUE(tree.partlySelected(bin) && !tree.checked(bin));  // a folder is never checked by what it holds
+  EXPECT_EQ(members(false), "\"./usr/bin/app\" ");
+  tree.setAllChecked(true);
+  EXPECT_FALSE(tree.partlySelected(usr));
+  EXPECT_EQ(memberList(contributions(treeOf(line("/etc/x") + line("/usr")), true).front().members),
+            "\"/etc\" \"/usr\" ");
+}
+
+TEST(ExtractCommand, TextsAsTheToolsGetThem) {
+  EXPECT_EQ(listCommand(ArchiveKind::Gzip, "C:\\a b.tgz"), "tar.exe -i -Ptzvf \"/cygdrive/C/a b.tgz\"");
+  EXPECT_EQ(listCommand(ArchiveKind::Tar, "C:\\a.tar"), "tar.exe -i -Ptvf \"/cygdrive/C/a.tar\"");
+  EXPECT_EQ(namesCommand(ArchiveKind::Bzip2, "C:\\a.tbz"), "tar.exe -i -tjf \"/cygdrive/C/a.tbz\"");
+  EXPECT_EQ(namesCommand(ArchiveKind::Ipk, "C:\\a.ipk"), "ar -t \"/cygdrive/C/a.ipk\"");
+  EXPECT_EQ(tarExtractCommand(ArchiveKind::Gzip, "C:\\a.tgz", "C:\\a\\", "\"x\" "),
+            "tar.exe -i -C \"/cygdrive/C/a/\" -zxv --preserve-permissions -f \"/cygdrive/C/a.tgz\" \"x\" ");
+  EXPECT_EQ(arExtractCommand("C:\\a.ipk", {"x"}), "ar.exe -x \"/cygdrive/C/a.ipk\" \"x\" ");
+  EXPECT_EQ(proposedOutFolder("C:\\pkg\\app.tgz"), "C:\\pkg\\app\\");
+}
+
+}  // namespace

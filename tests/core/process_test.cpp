@@ -1,0 +1,307 @@
+#include "platform/Process.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <poll.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+#include "platform/HeldName.h"
+#include "platform/ShellOpen.h"
+#include "platform/Signals.h"
+#include "platform/SystemInfo.h"
+
+namespace fs = std::filesystem;
+using namespace std::chrono_literals;
+using platform::notStarted;
+using platform::RunResult;
+using Words = std::vector<std::string>;
+using Clock = std::chrono::steady_clock;
+
+namespace {
+
+/// C: is disk/, where the user's files are and the tools run; the program folder's name has a blank.
+class ProcessTest : public testing::Test {
+ protected:
+  ProcessTest() {
+    for (const char* folder : {"disk", "program files", "tools", "path"}) fs::create_directory(host(folder));
+    environment_.set("path",
+                     "Q:\\gone;.;" + drives_.toWindows(host("path")) + ";" + environment_.get("Path"));
+  }
+  ~ProcessTest() override { fs::remove_all(root_); }
+
+  std::string host(const std::string& name) const { return root_ + "/" + name; }
+  void script(const std::string& name, const std::string& text, mode_t mode = 0755) const {
+    std::ofstream(host(name)) << "#!/bin/sh\n" << text << "\n";
+    chmod(host(name).c_str(), mode);
+  }
+  platform::StartRequest request(const std::string& commandLine) const {
+    return {commandLine, "C:\\", drives_.toWindows(host("tools"))};
+  }
+  RunResult capture(const std::string& commandLine, const platform::WaitStep& step = {}) {
+    return runner_.capture(request(commandLine), step);
+  }
+  RunResult visible(const std::string& commandLine, const platform::OutputSink& sink) {
+    return runner_.runVisible(request(commandLine), sink, [] { return true; });
+  }
+  static std::ptrdiff_t openDescriptors() {
+    return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
+  }
+  bool appears(const std::string& name) const {
+    for (int i = 0; i < 1000 && !fs::exists(host(name)); ++i) std::this_thread::sleep_for(10ms);
+    return fs::exists(host(name));
+  }
+
+  std::string root_ = [] {
+    std::string name = fs::temp_directory_path() / "process-test-XXXXXX";
+    return std::string(mkdtemp(name.data()));
+  }();
+  platform::DriveTable drives_{{{'C', root_ + "/disk"}, {'Z', "/"}}};
+  platform::Environment environment_{drives_, environ};
+  platform::HostCommandRunner runner_{drives_, environment_, drives_.toWindows(host("program files")) + "\\"};
+};
+
+}  // namespace
+
+TEST(SplitTest, BlanksSeparateAndQuotesGroup) {
+  EXPECT_EQ(platform::splitCommandLine("tar.exe  -C \"/cygdrive/C/a b\" x\t\"\" 'y *' a\"b c\"d \\\"e f"),
+            (Words{"tar.exe", "-C", "/cygdrive/C/a b", "x", "", "'y", "*'", "ab cd", "\\e f"}));
+  EXPECT_TRUE(platform::splitCommandLine(" \t").empty());
+}
+
+TEST_F(ProcessTest, BothStreamsArriveInOrderWithTheStatus) {
+  script("tools/t", "echo one; echo two >&2; echo three; exit 3");
+  RunResult result = capture("t");
+  EXPECT_EQ(result.text, "one\ntwo\nthree\n");
+  EXPECT_EQ(result.status, 3);
+  result = capture("true");
+  EXPECT_EQ(result.text, "");
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(capture("sh -c \"kill -9 $$\"").status, 128 + SIGKILL);
+  EXPECT_EQ(capture("cat").text, "");  // stdin is empty
+}
+
+TEST_F(ProcessTest, BytesStayAsTheyAre) {
+  script("tools/t", "printf 'a\\000b\\377\\r\\n'");
+  EXPECT_EQ(capture("t").text, std::string("a\0b\xFF\r\n", 6));
+  const RunResult result = capture("head -c 100000000 /dev/zero");
+  EXPECT_EQ(result.text.size(), 100'000'000U);
+  EXPECT_EQ(result.text.find_first_not_of('\0'), std::string::npos);
+}
+
+TEST_F(ProcessTest, WhatCannotStartSaysWhy) {
+  script("tools/closed.exe", "", 0644);
+  std::ofstream(host("tools/noformat")) << "text";
+  chmod(host("tools/noformat").c_str(), 0755);
+  fs::create_directory(host("tools/folder"));
+  const std::string held = platform::holdName(std::string(1, '\0'));
+  const std::vector<std::pair<std::string, int>> cases = {{"no-such-program", ENOENT},
+                                                          {"", ENOENT},
+                                                          {"folder", ENOENT},
+                                                          {"..", ENOENT},
+                                                          {"closed", EACCES},
+                                                          {"noformat", ENOEXEC},
+                                                          {"true " + std::string(200'000, 'x'), E2BIG},
+                                                          {"true a" + held, EINVAL}};
+  const auto before = openDescriptors();
+  for (const auto& [commandLine, error] : cases) {
+    const RunResult result = capture(commandLine);
+    EXPECT_EQ(result.status, notStarted) << commandLine.substr(0, 20);
+    EXPECT_EQ(result.systemError, error) << commandLine.substr(0, 20);
+    EXPECT_FALSE(result.pipeFailed);
+  }
+  EXPECT_EQ(runner_.capture({"true", "C:\\gone", ""}).status, notStarted);
+  EXPECT_EQ(runner_.capture({"true", "\\\\server\\share", ""}).status, notStarted);
+  for (int i = 0; i < 50; ++i) capture("true");
+  EXPECT_EQ(openDescriptors(), before);
+}
+
+TEST_F(ProcessTest, NoPipeIsToldApart) {
+  rlimit old{};
+  getrlimit(RLIMIT_NOFILE, &old);
+  const rlimit few = {0, old.rlim_max};
+  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &few), 0);
+  const RunResult result = capture("true");
+  setrlimit(RLIMIT_NOFILE, &old);
+  EXPECT_TRUE(result.pipeFailed);
+  EXPECT_EQ(result.systemError, EMFILE);
+}
+
+TEST_F(ProcessTest, LookUpFollowsItsOrderAndNeverTheUsersFolders) {
+  const auto text = [this](const std::string& word) { return capture(word).text; };
+  script("disk/mine", "echo user");
+  const fs::path caller = fs::current_path();
+  fs::current_path(host("disk"));
+  EXPECT_EQ(capture("mine").status, notStarted);
+  script("path/mine", "echo path");
+  EXPECT_EQ(text("mine"), "path\n");
+  fs::current_path(caller);
+  script("path/mine.exe", "echo path exe");
+  EXPECT_EQ(text("mine"), "path\n");
+  script("tools/mine", "", 0644);
+  EXPECT_EQ(text("mine"), "path\n");
+  script("tools/mine.exe", "echo tools exe");
+  EXPECT_EQ(text("mine"), "tools exe\n");
+  script("program files/mine.exe", "echo program");
+  EXPECT_EQ(text("mine"), "program\n");
+  EXPECT_EQ(text("C:\\mine"), "user\n");
+  EXPECT_EQ(text("\"/cygdrive/z" + host("program files/mine.exe") + "\""), "program\n");
+}
+
+TEST_F(ProcessTest, ArgumentsBecomeHostPathsAndRealNames) {
+  const std::string held = platform::holdName("a:\"b\xFF");
+  const std::string there = host("disk");
+  script("tools/t", "printf '%s\\n' \"$@\"");
+  EXPECT_EQ(capture("t /cygdrive/C/x --f=/cygdrive/c/y/ a=/cygdrive/c/y -C/cygdrive/c C:\\x").text,
+            there + "/x\n--f=" + there + "/y/\na=/cygdrive/c/y\n-C/cygdrive/c\nC:\\x\n");
+  EXPECT_EQ(capture("t /cygdrive/q/x \"/cygdrive/C/a  b/\" " + held + " --n=" + held).text,
+            "/cygdrive/q/x\n" + there + "/a  b/\na:\"b\xFF\n--n=a:\"b\xFF\n");
+}
+
+TEST_F(ProcessTest, AChildHasACleanWorld) {
+  fs::create_symlink("/usr/bin/ls", host("tools/ls.exe"));
+  EXPECT_EQ(capture("ls.exe nothing").text, "ls: cannot access 'nothing': No such file or directory\n");
+  EXPECT_EQ(capture("pwd").text, fs::canonical(host("disk")).string() + "\n");
+  const int leaking = open("/dev/null", O_RDONLY);
+  EXPECT_EQ(capture("ls.exe /proc/self/fd").text, "0\n1\n2\n3\n");
+  close(leaking);
+  sigset_t old;
+  sigset_t blocked;
+  sigemptyset(&blocked);
+  sigaddset(&blocked, SIGUSR1);
+  pthread_sigmask(SIG_BLOCK, &blocked, &old);
+  const auto handler = signal(SIGPIPE, SIG_IGN);
+  const std::string signals = capture("grep -E ^Sig(Blk|Ign) /proc/self/status").text;
+  signal(SIGPIPE, handler);
+  pthread_sigmask(SIG_SETMASK, &old, nullptr);
+  EXPECT_TRUE(signals.starts_with("SigBlk:\t0000000000000000\n")) << signals;
+  EXPECT_TRUE(signals.ends_with("0000000\n")) << signals;  // above are the C library's own
+}
+
+TEST_F(ProcessTest, TheEnvironmentIsOursToSay) {
+  const std::string hostPath = "PATH=:/usr/bin:.:" + host("disk") + "/x:rel:/a;b:/usr/bin/";
+  const char* const start[] = {hostPath.c_str(), "Path=other",  "LC_ALL=de_DE",    "POSIXLY_CORRECT=1",
+                               "GZIP=-1",        "KEPT=a=b",    "KEPT=second",     "noEquals",
+                               "TAR_OPTIONS=-h", "=nameless=x", "LS_BLOCK_SIZE=1", nullptr};
+  platform::Environment environment(drives_, start);
+  EXPECT_EQ(environment.get("pAtH"), "Z:\\usr\\bin;.;C:\\x;rel;Z:\\usr\\bin");
+  EXPECT_EQ(environment.get("kept"), "");
+  environment.set("Path",
+                  ".;C:\\t\\;;" + environment.get("PATH") + ";Q:\\gone;\\\\s\\x;C:\\a\xEF\x80\xBA;.;");
+  environment.set("CYGWIN", "ntsec");
+  Words child = environment.forChild();
+  std::sort(child.begin(), child.end());
+  EXPECT_EQ(child, (Words{"CYGWIN=ntsec", "KEPT=a=b", "LC_ALL=C.UTF-8",
+                          "PATH=" + host("disk") + "/t:/usr/bin:" + host("disk") + "/x:/usr/bin",
+                          "QUOTING_STYLE=escape", "TAR_OPTIONS=--sort=name --no-unquote"}));
+  EXPECT_EQ(environment.pathEntries()[1], "C:\\t\\");
+  EXPECT_EQ(environment.pathEntries().size(), 11U);
+}
+
+TEST_F(ProcessTest, ACaptureWaitsForABackgroundChildAVisibleRunDoesNot) {
+  script("tools/t", "(sleep 0.5; echo late) & echo early");
+  EXPECT_EQ(capture("t").text, "early\nlate\n");
+  std::string text;
+  script("tools/t", "sleep 20 & head -c 300000 /dev/zero; echo early");
+  const auto begin = Clock::now();
+  const RunResult result = visible("t", [&text](std::string_view bytes) {
+    text += bytes;
+    return true;
+  });
+  EXPECT_LT(Clock::now() - begin, 10s);
+  EXPECT_EQ(result.status, 0);
+  EXPECT_EQ(text.size(), 300006U);
+  EXPECT_TRUE(text.ends_with("early\n"));
+}
+
+TEST_F(ProcessTest, StepsComeEvery20MillisecondsWhileOutputFlowsToo) {
+  const auto steps = [this](const std::string& commandLine, int status) {
+    int count = 0;
+    const auto begin = Clock::now();
+    EXPECT_EQ(capture(commandLine, [&count] { return ++count > 0; }).status, status) << commandLine;
+    EXPECT_LE(count, (Clock::now() - begin) / 20ms) << commandLine;
+    return count;
+  };
+  EXPECT_GE(steps("sleep 0.3", 0), 3);
+  EXPECT_GE(steps("timeout 0.3 yes", 124), 3);
+  script("tools/t", "exec >&- 2>&-; sleep 0.3; exit 7");  // the end of output is not the end of the tool
+  EXPECT_GE(steps("t", 7), 3);
+}
+
+TEST_F(ProcessTest, ARunThatIsEndedTakesItsGroupAlongAndHasFailed) {
+  script("tools/t", "trap 'exit 0' TERM; sleep 30 & sleep 0.3; echo go; wait");
+  const auto begin = Clock::now();
+  EXPECT_EQ(visible("t", [](std::string_view) { return false; }).status, notStarted);
+  EXPECT_EQ(capture("t", [n = 0]() mutable { return ++n < 20; }).status, notStarted);
+  EXPECT_LT(Clock::now() - begin, 1900ms);
+  script("tools/t", "trap '' TERM; echo $$; sleep 30");
+  std::string pid;
+  const RunResult result = visible("t", [&pid](std::string_view bytes) {
+    pid = bytes;
+    return false;
+  });
+  EXPECT_EQ(result.status, notStarted);
+  EXPECT_LT(Clock::now() - begin, 10s);
+  EXPECT_EQ(kill(std::stoi(pid), 0), -1);
+}
+
+TEST_F(ProcessTest, EndSignalsReachTheToolAndIgnoredOnesStayIgnored) {
+  script("tools/t", "touch '" + host("started") + "'; exec sleep 30");
+  const pid_t child = fork();
+  if (child == 0) {
+    signal(SIGHUP, SIG_IGN);
+    platform::catchEndSignals();
+    raise(SIGHUP);
+    if (platform::endSignal() != 0) _exit(1);
+    if (capture("t").status != 128 + SIGTERM || platform::endSignal() != SIGTERM) _exit(2);
+    pollfd wake = {platform::endSignalDescriptor(), POLLIN, 0};
+    _exit(poll(&wake, 1, 0) == 1 ? 0 : 3);
+  }
+  EXPECT_TRUE(appears("started"));
+  kill(child, SIGTERM);
+  int status = -1;
+  waitpid(child, &status, 0);
+  EXPECT_EQ(status, 0);
+}
+
+TEST_F(ProcessTest, ShellOpenStartsTheHandlerAndLeavesNothingBehind) {
+  script("path/xdg-open", "printf '%s %s' \"$PWD\" \"$1\" >'" + host("new") + "'; mv '" + host("new") +
+                              "' '" + host("opened") + "'");
+  std::ofstream(host("disk/a b")) << "";
+  EXPECT_FALSE(platform::shellOpen(drives_, environment_, "C:\\gone", ""));
+  EXPECT_TRUE(platform::shellOpen(drives_, environment_, "C:\\a b", "C:\\"));
+  ASSERT_TRUE(appears("opened"));
+  std::string text;
+  std::getline(std::ifstream(host("opened")), text);
+  EXPECT_EQ(text, host("disk") + " " + host("disk/a b"));
+  EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
+}
+
+TEST(SystemInfoTest, VariablesSpeakForTheSystem) {
+  const auto version = [](const char* text) {
+    setenv("PAKRUNE_WINVER", text, 1);
+    const auto found = platform::systemVersion();
+    return found ? Words{std::to_string(found->platformId), std::to_string(found->major),
+                         std::to_string(found->minor)}
+                 : Words{};
+  };
+  EXPECT_EQ(version(""), (Words{"2", "10", "0"}));
+  EXPECT_EQ(version("1.4.90"), (Words{"1", "4", "90"}));
+  for (const char* text : {"2.10", "2.10.0.1", "x", "2..0", "2.-1.0", "2.10.0 "})
+    EXPECT_EQ(version(text), Words{}) << text;
+  unsetenv("PAKRUNE_WINVER");
+  setenv("PAKRUNE_ADMIN", "0", 1);
+  EXPECT_FALSE(platform::isUserAnAdmin());
+  setenv("PAKRUNE_ADMIN", "", 1);
+  EXPECT_EQ(platform::isUserAnAdmin(), geteuid() == 0);
+  unsetenv("PAKRUNE_ADMIN");
+}

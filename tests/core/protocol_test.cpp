@@ -1,0 +1,106 @@
+#include "download/Protocol.h"
+
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "runtime/IsExecutable.h"
+
+using namespace download;
+using runtime::PermissionMode;
+
+TEST(PermissionMode, TextFieldAndFolderVariant) {
+  const auto field = [](const char* line) { return PermissionMode::fromModeField(line).text(); };
+  EXPECT_EQ(field("-rwxr-xr-x 1 0 0 12 Jan  1 00:00 a"), "755");
+  EXPECT_EQ(field("drwsr-Srwt+"), "646");  // "s" and "t" are no execute
+  EXPECT_EQ(field("-rw"), "600");
+  EXPECT_EQ(field(""), "000");
+  EXPECT_EQ(field("ls: cannot access '/x': No such file"), "000");
+  EXPECT_EQ(runtime::plainFileMode.directoryVariant(), runtime::executableMode);
+  EXPECT_EQ((PermissionMode{6, 0, 0}).directoryVariant().text(), "711");
+  EXPECT_EQ(runtime::executableMode.directoryVariant().text(), "755");
+}
+
+TEST(IsExecutable, ByNameOrFirstBytes) {
+  for (const char* name : {"x.sh", "SETUP.EXE", "archive.tar.sh", ".exe", "C:\\a.b\\c.Ktl"})
+    EXPECT_TRUE(runtime::IsExecutableName(name)) << name;
+  for (const char* name : {".sh", "", "sh", "C:\\my.dir\\run", "a.sh.txt", "x.sh "})
+    EXPECT_FALSE(runtime::IsExecutableName(name)) << name;
+
+  std::string root = std::filesystem::temp_directory_path() / "isexecutable-XXXXXX";
+  const platform::DriveTable drives({{'C', mkdtemp(root.data())}});
+  const platform::Files files(drives);
+  const auto holds = [&files](std::string_view bytes) {
+    return files.writeText("C:\\run", bytes) && runtime::IsExecutable(files, "C:\\run");
+  };
+  EXPECT_TRUE(holds("#!/bin/sh\n"));
+  EXPECT_TRUE(
+      holds("\x7F"
+            "ELF"));
+  for (const char* bytes : {"#!/bin/bash\n", " #!/bin/sh", "#!/bin/s", "ELF", "",
+                            "\x7F"
+                            "EL"})
+    EXPECT_FALSE(holds(bytes)) << bytes;
+  EXPECT_FALSE(runtime::IsExecutable(files, "C:\\"));
+  EXPECT_FALSE(runtime::IsExecutable(files, "C:\\gone"));
+  std::filesystem::remove_all(root);
+}
+
+TEST(Protocol, RequestOfAPlainFileAndOfAnArchive) {
+  using namespace std::string_literals;
+  EXPECT_EQ(requestBytes({getRemoteName("C:\\pkg\\run.sh"), 1234, {7, 5, 5}, "usr3"}),
+            "DLD:run.sh\0"s
+            "1234\0"s
+            "755\0usr3\0users\0"s);
+  EXPECT_EQ(requestBytes({"app_pack.tgz", 5'000'000'000, {4, 0, 0}, "usr1"}),
+            "DLD:app_pack.tgz\0"s
+            "5000000000\0"s
+            "400\0usr1\0users\0"s);
+  EXPECT_EQ(requestBytes({getRemoteName("C:\\a\xEF\x80\xBA\xEF\x83\xBF"), 0, {}, "usr1"}).substr(0, 8),
+            "DLD:a:\xFF\0"s);  // the name's own bytes
+}
+
+TEST(Protocol, RemoteName) {
+  EXPECT_EQ(getRemoteName("C:\\out\\my app.tgz"), "my_app.tgz");
+  EXPECT_EQ(getRemoteName("C:\\out\\my app.TGZ"), "my app.TGZ");
+  EXPECT_EQ(getRemoteName("C:\\o p\\a b c.tar.gz"), "a_b_c.tar.gz");
+  EXPECT_EQ(getRemoteName("a.tgz"), "");
+  EXPECT_FALSE(isArchive("C:\\a.zip"));
+  EXPECT_TRUE(isArchive("C:\\a.ipk"));
+}
+
+TEST(ReplyCollector, DecidesAsSoonAsItCanAndOnce) {
+  const auto lastOf = [](std::initializer_list<std::string_view> pieces) {
+    ReplyCollector collector;
+    Reply reply = Reply::Undecided;
+    for (const std::string_view piece : pieces) reply = collector.add(piece);
+    return reply;
+  };
+  EXPECT_EQ(lastOf({"", "O"}), Reply::Undecided);
+  EXPECT_EQ(lastOf({"O", "K"}), Reply::Ok);
+  EXPECT_EQ(lastOf({"NOSPAC"}), Reply::Undecided);
+  EXPECT_EQ(lastOf({"NOS", "PACE\r\n and more"}), Reply::NoSpace);
+  EXPECT_EQ(lastOf({"BADARGS"}), Reply::BadArgs);
+  EXPECT_EQ(lastOf({"ok"}), Reply::Unknown);
+  EXPECT_EQ(lastOf({"NOSX"}), Reply::Unknown);
+  EXPECT_EQ(lastOf({"OX", "OK"}), Reply::Unknown);
+  EXPECT_EQ(lastOf({std::string(1 << 20, 'x')}), Reply::Unknown);
+}
+
+TEST(Protocol, ProgressAndTimeLeft) {
+  EXPECT_EQ(percentOf(0, 0), 100);
+  EXPECT_EQ(percentOf(999, 1000), 99);
+  EXPECT_EQ(percentOf(1ULL << 62, 1ULL << 63), 50);
+  EXPECT_EQ(secondsLeft(5'000'000'000, 1'000'000, 0), 4999U);
+  EXPECT_EQ(secondsLeft(10, 9, 1), 0U);
+  EXPECT_EQ(secondsLeft(10, 5, 5), std::nullopt);
+}
+
+TEST(Protocol, Addresses) {
+  EXPECT_EQ(splitAddress("192.168"), (Address{"192", "168", "", ""}));
+  EXPECT_EQ(splitAddress(".1..2.3"), (Address{"", "1", "", "2"}));
+  EXPECT_EQ(wholeAddress(" 192.168.1.7\n"), (Address{"192", "168", "1", "7"}));
+  for (const char* text :
+       {"", "192", "192.168.1", "1.2.3.4.5", "1.2.3.", "1.2.3.x", "1.2.3.1000", "1 .2.3.4"})
+    EXPECT_EQ(wholeAddress(text), std::nullopt) << text;
+}

@@ -1,0 +1,294 @@
+#include "platform/Registry.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/file.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+#include <csignal>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <thread>
+
+#include "runtime/Settings.h"
+#include "tests/OrdinaryUser.h"
+
+namespace fs = std::filesystem;
+using platform::Hive;
+using platform::Registry;
+using platform::ValueType;
+using tests::asOrdinaryUser;
+
+namespace {
+
+constexpr const char* key = "SOFTWARE\\Halvoren Inc\\Pakrune";
+constexpr const char* heading = "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Halvoren Inc\\Pakrune]\n";
+
+class RecordedLog : public runtime::Log {
+ public:
+  void append(const std::string& text) override { entries.push_back(text); }
+  std::vector<std::string> entries;
+};
+
+class RegistryTest : public testing::Test {
+ protected:
+  RegistryTest() {
+    registry_.setReport([this](const std::string& line) {
+      reports_.push_back(line);
+      get("listeners read too");
+    });
+  }
+  ~RegistryTest() override { fs::remove_all(root_); }
+
+  void put(const std::string& bytes) {
+    fs::create_directories(root_ + "/config");
+    std::ofstream(file_, std::ios::binary) << bytes;
+  }
+  static std::string bytesOf(const std::string& path) {
+    std::ifstream in(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(in), {}};
+  }
+  std::string get(const std::string& name) const {
+    const auto value = registry_.read(Hive::LocalMachine, key, name);
+    return value && value->type == ValueType::Text ? value->text : "(none)";
+  }
+  bool set(const std::string& name, const std::string& text) {
+    return registry_.write(Hive::LocalMachine, key, name, {ValueType::Text, text});
+  }
+  static mode_t modeOf(const std::string& path) {
+    struct stat status {};
+    return lstat(path.c_str(), &status) == 0 ? status.st_mode & 07777 : 0;
+  }
+
+  std::string root_ = [] {
+    std::string name = fs::temp_directory_path() / "registry-test-XXXXXX";
+    return std::string(mkdtemp(name.data()));
+  }();
+  std::string file_ = root_ + "/config/registry.txt";
+  std::string site_ = root_ + "/site.txt";
+  Registry registry_{file_, site_};
+  std::vector<std::string> reports_;
+};
+
+}  // namespace
+
+TEST_F(RegistryTest, OddTextsComeBackExactly) {
+  const std::string all = [] {
+    std::string bytes;
+    for (int i = 0; i < 128; ++i) bytes += static_cast<char>(i);
+    return bytes + "caf\xC3\xA9 \xEF\x80\xA2 \\x41 \\";
+  }();
+  EXPECT_TRUE(set(all, all));
+  EXPECT_EQ(get(all), all);
+  EXPECT_TRUE(set("empty", ""));
+  EXPECT_EQ(get("empty"), "");
+  EXPECT_FALSE(registry_.write(Hive::LocalMachine, "a\nb", "x", {ValueType::Text, "1"}));
+  EXPECT_FALSE(registry_.write(Hive::LocalMachine, key, "n", {ValueType::Number, "many"}));
+  EXPECT_TRUE(registry_.write(Hive::LocalMachine, key, "n", {ValueType::Number, "4294967295"}));
+  EXPECT_EQ(registry_.read(Hive::LocalMachine, key, "N")->text, "4294967295");
+  EXPECT_TRUE(reports_.empty());
+}
+
+TEST_F(RegistryTest, ReadsWhatAPersonWrote) {
+  put("\xEF\xBB\xBF; mine\r\n\r\n [hkey_local_machine\\Software\\HALVOREN INC\\pakrune] \r\n"
+      "\t\"USR8\" = \"0\" \r\n\"n\"=DWORD:5\r\n\"twice\"=\"a\"\r\n\"Twice\"=\"b\"\r\n"
+      "[HKEY_LOCAL_MACHINE\\software\\Cygnus Solutions\\Cygwin\\mounts v2\\/]\r\n\"native\"=\"C:\\\\cyg\"");
+  EXPECT_EQ(get("usr8"), "0");
+  EXPECT_EQ(get("twice"), "b");
+  EXPECT_EQ(registry_.read(Hive::LocalMachine, key, "n")->type, ValueType::Number);
+  EXPECT_EQ(registry_.read(Hive::CurrentUser, key, "usr8"), std::nullopt);
+  EXPECT_EQ(
+      registry_.read(Hive::LocalMachine, "SOFTWARE\\Cygnus Solutions\\Cygwin\\mounts v2\\/", "native")->text,
+      "C:\\cyg");
+}
+
+TEST_F(RegistryTest, AWriteChangesOneLine) {
+  const std::string begin = "# note\r\n[HKEY_LOCAL_MACHINE\\Software\\Halvoren Inc\\pakrune]\r\n";
+  const std::string end = "\r\n; last\r\n[HKEY_CURRENT_USER\\x]\r\n\"a\"=\"2\"";
+  put(begin + "\"a\"=\"1\"\r\n" + end);
+  ASSERT_TRUE(set("B", "new"));
+  EXPECT_EQ(bytesOf(file_), begin + "\"a\"=\"1\"\r\n\"B\"=\"new\"\r\n" + end);
+  ASSERT_TRUE(set("A", "3"));
+  ASSERT_TRUE(registry_.write(Hive::CurrentUser, "y", "c", {ValueType::Number, "7"}));
+  EXPECT_EQ(bytesOf(file_), begin + "\"A\"=\"3\"\r\n\"B\"=\"new\"\r\n" + end +
+                                "\r\n\r\n[HKEY_CURRENT_USER\\y]\r\n\"c\"=dword:7\r\n");
+}
+
+TEST_F(RegistryTest, LinksModesAndFoldersStay) {
+  ASSERT_TRUE(set("a", "1"));
+  EXPECT_EQ(modeOf(root_ + "/config"), 0700U);
+  EXPECT_EQ(modeOf(file_), 0600U);
+  fs::create_directory(root_ + "/dot");
+  fs::rename(file_, root_ + "/dot/real");
+  fs::create_symlink("../dot/real", file_);
+  chmod((root_ + "/dot/real").c_str(), 0640);
+  ASSERT_TRUE(set("a", "2"));
+  EXPECT_TRUE(fs::is_symlink(file_));
+  EXPECT_EQ(modeOf(root_ + "/dot/real"), 0640U);
+  fs::remove(root_ + "/dot/real");
+  ASSERT_TRUE(set("a", "3"));  // a link that leads nowhere yet
+  EXPECT_TRUE(fs::is_symlink(file_));
+  EXPECT_EQ(get("a"), "3");
+}
+
+TEST_F(RegistryTest, DamagedFilesAreSetAsideAndReported) {
+  const std::string good = std::string(heading) + "\"a\"=\"1\"\n";
+  const std::string damages[] = {good + "rubbish\n",           good + "\"b\"=\"open\n",
+                                 good + "\"b\"=\"C:\\cyg\"\n", good + "\"b\"=dword:4294967296\n",
+                                 good + "[HKEY_NOWHERE\\x]\n", good + std::string("; \0\n", 4),
+                                 "\"a\"=\"no heading\"\n",     good + ';' + std::string(1024 * 1024, 'x')};
+  int number = 0;
+  for (const std::string& damage : damages) {
+    put(damage);
+    ++number;
+    if (number % 2 == 0)
+      EXPECT_TRUE(set("c", "2"));  // writing finds damage as reading does
+    else
+      EXPECT_EQ(get("a"), "(none)");
+    const std::string aside = file_ + ".damaged" + (number == 1 ? "" : "-" + std::to_string(number));
+    EXPECT_EQ(bytesOf(aside), damage);
+    ASSERT_EQ(reports_.size(), static_cast<std::size_t>(number));
+    EXPECT_NE(reports_.back().find(aside), std::string::npos) << reports_.back();
+  }
+  EXPECT_NE(reports_.front().find("(line 3)"), std::string::npos) << reports_.front();
+}
+
+TEST_F(RegistryTest, AFolderInItsPlaceIsSetAsideAndALinkNotFollowed) {
+  fs::create_directories(file_ + "/inside");
+  EXPECT_TRUE(set("a", "1"));
+  EXPECT_TRUE(fs::is_directory(file_ + ".damaged/inside"));
+  fs::remove(file_);
+  fs::create_directory(root_ + "/precious");
+  fs::create_symlink(root_ + "/precious", file_);
+  EXPECT_EQ(get("a"), "(none)");
+  EXPECT_TRUE(fs::is_symlink(file_ + ".damaged-2"));
+  EXPECT_TRUE(fs::is_directory(root_ + "/precious"));
+}
+
+TEST_F(RegistryTest, SiteDefaultsAreReadAndNeverTouched) {
+  std::ofstream(site_) << heading << "\"a\"=\"site\"\n\"b\"=\"site\"\n";
+  ASSERT_TRUE(set("b", "mine"));
+  EXPECT_EQ(get("a"), "site");
+  EXPECT_EQ(get("b"), "mine");
+  std::ofstream(site_) << "rubbish";
+  for (int i = 0; i < 3; ++i) EXPECT_EQ(get("a"), "(none)");
+  EXPECT_EQ(reports_.size(), 1U);
+  EXPECT_EQ(bytesOf(site_), "rubbish");
+}
+
+TEST_F(RegistryTest, OfAFullDiskTheOldValueIsLeft) {
+  ASSERT_TRUE(set("a", std::string(50000, 'x')));
+  const std::string before = bytesOf(file_);
+  const auto oldHandler = signal(SIGXFSZ, SIG_IGN);
+  rlimit old{};
+  getrlimit(RLIMIT_FSIZE, &old);
+  rlimit small = old;
+  small.rlim_cur = 1000;
+  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+  const bool written = set("a", "short") && set("b", std::string(5000, 'y'));
+  setrlimit(RLIMIT_FSIZE, &old);
+  signal(SIGXFSZ, oldHandler);
+  EXPECT_FALSE(written);
+  EXPECT_EQ(get("a"), "short");
+  EXPECT_FALSE(set("huge", std::string(1024 * 1024, 'z')));  // would not be read again
+  EXPECT_EQ(get("a"), "short");
+  EXPECT_EQ(std::distance(fs::directory_iterator(root_ + "/config"), {}), 2);  // the file and its lock
+}
+
+TEST_F(RegistryTest, WhatMayNotBeChangedStays) {
+  ASSERT_TRUE(set("a", "1"));
+  const std::string folder = root_ + "/config";
+  for (const std::string& path : {root_, folder, file_}) {
+    if (geteuid() == 0) {
+      ASSERT_EQ(chown(path.c_str(), 65534, 65534), 0);
+    }
+  }
+  const auto modes = [&](mode_t ofFolder, mode_t ofFile) {
+    chmod(file_.c_str(), ofFile);
+    chmod(folder.c_str(), ofFolder);
+  };
+  modes(0700, 0);
+  EXPECT_TRUE(asOrdinaryUser(
+      [this] { return get("a") == "(none)" && !set("a", "2") && !set("a", "2") && reports_.size() == 1; }));
+  modes(0700, 0400);
+  EXPECT_TRUE(asOrdinaryUser([this] { return !set("a", "2") && get("a") == "1"; }));
+  modes(0500, 0600);
+  EXPECT_TRUE(asOrdinaryUser([this] { return !set("a", "2") && get("a") == "1"; }));
+  std::ofstream(file_) << "rubbish";
+  EXPECT_TRUE(asOrdinaryUser([this] {
+    return get("a") == "(none)" && get("a") == "(none)" && !set("a", "2") && reports_.size() == 1;
+  }));
+  EXPECT_EQ(bytesOf(file_), "rubbish");
+  modes(0700, 0600);
+}
+
+TEST_F(RegistryTest, RootLeavesTheFileToItsUser) {
+  if (geteuid() != 0) GTEST_SKIP() << "needs root";
+  ASSERT_TRUE(set("a", "1"));
+  for (const std::string& path : {root_, root_ + "/config", file_})
+    ASSERT_EQ(chown(path.c_str(), 65534, 65534), 0);
+  ASSERT_TRUE(set("a", "2"));
+  EXPECT_TRUE(asOrdinaryUser([this] { return get("a") == "2" && set("a", "3"); }));
+}
+
+TEST_F(RegistryTest, SecondInstancesWaitForEachOther) {
+  std::vector<std::thread> writers;
+  for (int w = 0; w < 4; ++w)
+    writers.emplace_back([this, w] {
+      Registry own(file_, site_);
+      for (int i = 0; i < 10; ++i)
+        own.write(Hive::LocalMachine, key, std::to_string(w) + '-' + std::to_string(i),
+                  {ValueType::Text, "x"});
+    });
+  for (std::thread& writer : writers) writer.join();
+  for (int w = 0; w < 4; ++w)
+    for (int i = 0; i < 10; ++i) EXPECT_EQ(get(std::to_string(w) + '-' + std::to_string(i)), "x");
+  const int holder = open((file_ + ".lock").c_str(), O_RDONLY | O_CLOEXEC);
+  ASSERT_EQ(flock(holder, LOCK_EX), 0);
+  EXPECT_FALSE(set("a", "1"));
+  close(holder);
+  EXPECT_TRUE(set("a", "1"));
+}
+
+TEST_F(RegistryTest, SettingsReadTextsUpToANulAndLogFailedWrites) {
+  RecordedLog log;
+  platform::UserSettings user(registry_);
+  runtime::Settings settings(registry_, user, log);
+  EXPECT_FALSE(settings.firstRun());
+  EXPECT_EQ(settings.initDir(), "");
+  for (const auto& [text, first] : {std::pair(std::string("1\0", 2), true), {"1", true}, {"1 ", false}}) {
+    settings.RegWriteString(Hive::LocalMachine, key, "FirstRun", text);
+    EXPECT_EQ(settings.firstRun(), first);
+  }
+  settings.dontShowAgain();
+  EXPECT_EQ(get("firstrun"), "0");
+  ASSERT_TRUE(registry_.write(Hive::LocalMachine, key, "usr8", {ValueType::Number, "1"}));
+  EXPECT_EQ(settings.RegReadString(Hive::LocalMachine, key, "usr8", "default"), "default");
+  settings.setInitDir("C:\\my \"pkg\"");
+  EXPECT_EQ(user.read("halvoren", "pakrune", "INITDIR"), "C:\\my \"pkg\"");
+  EXPECT_TRUE(log.entries.empty());
+  fs::remove_all(root_ + "/config");
+  std::ofstream(root_ + "/config") << "in the way";
+  settings.setLastIP("10.0.0.1");
+  settings.setUsr8("0");
+  EXPECT_EQ(log.entries, std::vector<std::string>(2, "ERROR: Unable to write to registry"));
+}
+
+TEST(RegistryPlace, FollowsTheConfigurationFolder) {
+  std::string root = fs::temp_directory_path() / "registry-home-XXXXXX";
+  ASSERT_NE(mkdtemp(root.data()), nullptr);
+  chmod(root.c_str(), 0777);
+  const auto writes = [&root](const std::string& config, const std::string& file) {
+    return asOrdinaryUser([&] {  // in a process of its own: the environment of this one stays
+      setenv("HOME", root.c_str(), 1);
+      setenv("XDG_CONFIG_HOME", config.c_str(), 1);
+      return Registry::forUser().write(Hive::CurrentUser, "k", "n", {ValueType::Text, "x"}) &&
+             fs::exists(root + file);
+    });
+  };
+  EXPECT_TRUE(writes(root + "/cfg", "/cfg/pakrune/registry.txt"));
+  EXPECT_TRUE(writes("relative", "/.config/pakrune/registry.txt"));
+  fs::remove_all(root);
+}

@@ -1,0 +1,227 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include "runtime/DirExists.h"
+#include "runtime/PermissionTest.h"
+#include "tests/World.h"
+
+using runtime::ToCygwinPath;
+
+namespace fs = std::filesystem;
+
+namespace {
+
+/// Starts nothing; keeps what it was asked and answers as told.
+class RecordingRunner : public platform::CommandRunner {
+ public:
+  platform::RunResult capture(const platform::StartRequest& request, const platform::WaitStep&) override {
+    requests.push_back(request);
+    return answer;
+  }
+  platform::RunResult runVisible(const platform::StartRequest& request, const platform::OutputSink& sink,
+                                 const platform::WaitStep&) override {
+    requests.push_back(request);
+    platform::RunResult result = answer;
+    if (!sink(answer.text)) result.status = platform::notStarted;
+    return result;
+  }
+  std::vector<platform::StartRequest> requests;
+  platform::RunResult answer{"said", 0, 0, false};
+};
+
+class RuntimeTest : public testworld::World {
+ protected:
+  std::string path() const { return environment_.get("Path"); }
+  std::string bin() const { return program_ + "bin\\"; }
+  void removeTool(const std::string& name) const { fs::remove(root_ + "/prog/bin/" + name); }
+  runtime::modAPI recorded() { return runtime::modAPI(recordedSystem_, person_); }
+
+  RecordingRunner runner_;
+  platform::System recordedSystem_{drives_, files_, environment_, registry_, userSettings_, runner_};
+};
+
+TEST(ModAPI, CygwinPaths) {
+  EXPECT_EQ(ToCygwinPath(""), "");
+  EXPECT_EQ(ToCygwinPath("C:\\Data\\my files"), "\"/cygdrive/C/Data/my files\"");
+  EXPECT_EQ(ToCygwinPath("d:\\"), "\"/cygdrive/d/\"");
+  EXPECT_EQ(ToCygwinPath("\\\\server\\share\\x"), "\"//server/share/x\"");
+  EXPECT_EQ(ToCygwinPath("sub\\a:b.txt"), "\"sub/ab.txt\"");
+  EXPECT_EQ(ToCygwinPath("C:\\a\" -x \"b"),
+            "\"/cygdrive/C/a\xEF\x80\xA2 -x \xEF\x80\xA2"
+            "b\"");
+}
+
+TEST(ModAPI, PixelsAndNames) {
+  EXPECT_EQ(runtime::PixelsToTwips(1, 96), 15);
+  EXPECT_EQ(runtime::PixelsToTwips(1, 576), 2);  // 2.5, halves to even
+  EXPECT_EQ(runtime::PixelsToTwips(3, 576), 8);  // 7.5
+  EXPECT_EQ(runtime::PixelsToTwips(1, 0), 0);
+  EXPECT_EQ(runtime::GetFileName("C:\\a\\b"), "b");
+  EXPECT_EQ(runtime::GetFileName("b"), "b");
+  EXPECT_EQ(runtime::getFilePath("C:\\a\\b"), "C:\\a\\");
+  EXPECT_EQ(runtime::getFilePath("b"), "");
+}
+
+TEST(GetOSVersion, NamesTheSystemsOfTheTable) {
+  const auto named = [](int platform, int major, int minor) {
+    return runtime::GetOSVersion(platform::SystemVersion{platform, major, minor});
+  };
+  EXPECT_EQ(named(1, 4, 0), "95");
+  EXPECT_EQ(named(1, 4, 10), "98");
+  EXPECT_EQ(named(1, 4, 90), "");
+  EXPECT_EQ(named(2, 3, 51), "3.51");
+  EXPECT_EQ(named(2, 4, 0), "4.0");
+  EXPECT_EQ(named(2, 5, 0), "2000");
+  EXPECT_EQ(named(2, 5, 1), "NT");
+  EXPECT_EQ(named(2, 5, 2), "");
+  EXPECT_EQ(named(2, 10, 0), "");
+  EXPECT_EQ(named(3, 1, 0), "Failed");
+  EXPECT_EQ(runtime::GetOSVersion(std::nullopt), "");
+}
+
+TEST_F(RuntimeTest, CaptureRunsInTheToolFolderUnlessToldOtherwise) {
+  runtime::modAPI api = recorded();
+  EXPECT_EQ(api.RunCapture(bin(), "ls.exe -l"), "said");
+  EXPECT_EQ(api.RunCapture(bin(), "ls.exe -l", "C:\\"), "said");
+  ASSERT_EQ(runner_.requests.size(), 2U);
+  EXPECT_EQ(runner_.requests[0].workingFolder, bin());
+  EXPECT_EQ(runner_.requests[1].workingFolder, "C:\\");
+  EXPECT_EQ(runner_.requests[1].toolFolder, bin());
+  EXPECT_EQ(api.currentFolder(), bin());
+  EXPECT_EQ(person_.yields, 2);
+  runner_.answer = {"", platform::notStarted, 2, false};
+  EXPECT_EQ(api.RunCapture(bin(), "gone"), runtime::startFailure);
+  EXPECT_TRUE(person_.told.empty());
+  runner_.answer.pipeFailed = true;
+  EXPECT_EQ(api.RunCapture(bin(), "ls.exe"), "");
+  EXPECT_EQ(person_.told, std::vector<std::string>{"Pakrune|CreatePipe failed. Error: 2"});
+}
+
+TEST_F(RuntimeTest, OlderSystemsStartNoTools) {
+  runtime::modAPI api = recorded();
+  for (const char* version : {"95", "98", "3.51", "4.0", "Failed"}) {
+    api.setOsVersion(version);
+    EXPECT_EQ(api.RunCapture(bin(), "ls.exe"), runtime::startFailure);
+  }
+  EXPECT_TRUE(runner_.requests.empty());
+  api.setOsVersion("NT");
+  EXPECT_EQ(api.RunCapture(bin(), "ls.exe"), "said");
+}
+
+TEST_F(RuntimeTest, VisibleRunsKeepTheirTextAndStatus) {
+  runtime::modAPI api = recorded();
+  api.SetCurDir("C:\\");
+  api.SetCurDir("C:\\nowhere");
+  runner_.answer.status = 2;
+  EXPECT_EQ(api.RunAndWait("tar.exe -cf x"), 2);
+  EXPECT_EQ(api.lastConsoleText(), "said");
+  EXPECT_EQ(runner_.requests[0].workingFolder, "C:\\");
+  EXPECT_EQ(runner_.requests[0].toolFolder, "");  // the current folder may be the user's
+  EXPECT_EQ(person_.consoles, std::vector<std::string>{"tar.exe"});
+  EXPECT_FALSE(api.toolRunning().active());
+}
+
+TEST_F(RuntimeTest, ProbeAsksOnlyWhetherTheFileIsThere) {
+  write("tool.exe");
+  EXPECT_TRUE(api_.ProbeTool("C:\\tool.exe"));
+  EXPECT_FALSE(api_.ProbeTool("C:\\nowhere\\tool.exe"));
+  EXPECT_EQ(api_.GetTempDir(), drives_.toWindows(root_ + "/tmp") + "\\");
+}
+
+TEST_F(RuntimeTest, FindsTheMountedRootBeforeTheProgramsOwn) {
+  cygwin_.FindCygwinRoot();
+  EXPECT_EQ(cygwin_.cygwinRoot(), program_);
+  const auto mount = [this](const char* key, const char* folder) {
+    registry_.write(platform::Hive::LocalMachine, key, "native", {platform::ValueType::Text, folder});
+    cygwin_.FindCygwinRoot();
+  };
+  mount("software\\Wow6432Node\\Cygnus Solutions\\Cygwin\\mounts v2\\/", "C:\\cyg64");
+  EXPECT_EQ(cygwin_.cygwinRoot(), "C:\\cyg64\\");
+  mount("software\\Cygnus Solutions\\Cygwin\\mounts v2\\/", "C:\\cyg\\");
+  EXPECT_EQ(cygwin_.cygwinRoot(), "C:\\cyg\\");
+  cygwin_.CheckCygwinTools();  // nothing there: the program's own folder serves
+  EXPECT_EQ(cygwin_.cygwinRoot(), program_);
+  EXPECT_EQ(cygwin_.cygwinBin(), bin());
+  EXPECT_TRUE(person_.told.empty());
+}
+
+TEST_F(RuntimeTest, SearchPathGetsTheToolsInFront) {
+  environment_.set("PATH", "C:\\x");
+  cygwin_.AddDotToPath();
+  EXPECT_EQ(path(), "C:\\x;.;");
+  cygwin_.AddDotToPath();
+  EXPECT_EQ(path(), "C:\\x;.;");
+  cygwin_.FindCygwinRoot();
+  cygwin_.CheckCygwinTools();
+  EXPECT_EQ(path(), bin() + ";C:\\x;.;");
+  EXPECT_EQ(environment_.get("CYGWIN"), "ntsec smbntsec");
+  environment_.set("Path", "C:\\x");
+  cygwin_.SetCygwinEnvironment();
+  EXPECT_EQ(path(), ".;" + bin() + ";C:\\x");
+  environment_.set("Path", ";" + bin() + ";.;");
+  cygwin_.SetCygwinEnvironment();
+  EXPECT_EQ(path(), ";" + bin() + ";.;");
+}
+
+TEST_F(RuntimeTest, MissingToolsAreReportedOnce) {
+  const auto report = [](const std::string& tool) {
+    return std::vector<std::string>{"Error|Please make sure Cygwin binaries (" + tool +
+                                    ") are properly installed\r\nTry reinstalling Pakrune or Cygwin"};
+  };
+  removeTool("ls.exe");
+  findTools();
+  EXPECT_EQ(person_.told, report("ls.exe"));
+  for (const char* tool : {"chmod.exe", "tar.exe"}) {
+    person_.told.clear();
+    removeTool(tool);
+    runtime::CygwinEnvironment fresh(system_, api_, person_, program_);
+    fresh.FindCygwinRoot();
+    fresh.CheckCygwinTools();
+    EXPECT_EQ(person_.told, report("tar.exe")) << tool;
+    EXPECT_EQ(fresh.cygwinBin(), "");
+  }
+}
+
+TEST_F(RuntimeTest, AToolInUpperCaseCountsAsMissing) {
+  fs::rename(root_ + "/prog/bin/tar.exe", root_ + "/prog/bin/TAR.EXE");
+  findTools();
+  EXPECT_EQ(person_.told.size(), 1U);
+}
+
+TEST_F(RuntimeTest, DirExistsMakesEveryLevel) {
+  std::string path = "C:\\a b\\c\\d\\";
+  runtime::DirExists(files_, path);
+  EXPECT_EQ(path, "C:\\a b\\c\\d");
+  EXPECT_TRUE(fs::is_directory(host("a b/c/d")));
+  for (std::string odd : {"", "\\", "Q:\\x\\y", "\\\\server\\share"}) runtime::DirExists(files_, odd);
+}
+
+TEST_F(RuntimeTest, PermissionTestTellsWhatFailed) {
+  findTools();
+  int notices = 0;
+  const auto test = [&] {
+    log_.all.clear();
+    runtime::RunPermissionTest(services(), [&notices] { ++notices; });
+    EXPECT_FALSE(fs::exists(root_ + "/prog/test123456789"));
+    return log_.all;
+  };
+  EXPECT_EQ(test(), "");
+  removeTool("chmod.exe");
+  link("true", "chmod.exe");  // silent, and without effect
+  EXPECT_EQ(test(), "ERROR: Permission test failed (chmod.exe)\n");
+  EXPECT_EQ(notices, 0);
+  stored_.RegWriteString(platform::Hive::LocalMachine, "SOFTWARE\\Halvoren Inc\\Pakrune", "FirstRun", "1");
+  test();
+  EXPECT_EQ(notices, 1);
+  removeTool("chmod.exe");
+  link("echo", "chmod.exe");
+  EXPECT_TRUE(test().starts_with("ERROR: Unable to Set Permissions (chmod.exe)\r\n777 "));
+  removeTool("chmod.exe");
+  EXPECT_EQ(test(), "ERROR: Unable to Set Permissions (chmod.exe)\n");
+  fs::create_directory(root_ + "/prog/test123456789");
+  log_.all.clear();
+  runtime::RunPermissionTest(services(), [] {});
+  EXPECT_TRUE(log_.all.starts_with("Permission test not run: ")) << log_.all;
+}
+
+}  // namespace

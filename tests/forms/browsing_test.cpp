@@ -1,0 +1,482 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+
+#include <QAbstractItemModelTester>
+#include <QAccessible>
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QListView>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+#include <QTimer>
+#include <QToolButton>
+#include <QTreeView>
+#include <functional>
+
+#include "browser/LayoutUi.h"
+#include "browser/frameMain.h"
+#include "browser/frmPattern.h"
+#include "platform/HeldName.h"
+#include "platform/desktop/DriveList.h"
+#include "platform/desktop/FileList.h"
+#include "platform/desktop/FolderList.h"
+#include "tests/World.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using Names = std::vector<std::string>;
+
+/// A user whose events run when the program lets them, and who may do something just then.
+class Visitor : public testworld::Person {
+ public:
+  void letEventsRun() override {
+    QApplication::processEvents();
+    if (whenEventsRun) whenEventsRun();
+  }
+  std::function<void()> whenEventsRun;
+};
+
+class Pickers : public platform::desktop::FilePickers {
+ public:
+  std::string openFile(const platform::desktop::FileRequest&) override { return {}; }
+  std::string saveFile(const platform::desktop::FileRequest&) override { return {}; }
+  std::string folder(const std::string& title, const std::string& start) override {
+    asked = title + "|" + start;
+    return answer;
+  }
+  std::string asked;
+  std::string answer;
+};
+
+class Browser : public testworld::World {
+ protected:
+  Browser() {
+    findTools();
+    fs::create_directories(host("sub/inner"));
+    fs::create_directories(host("zeta"));
+    for (const char* name : {"b.txt", "a.tgz", "C.c", ".hidden", "sub/one"}) write(name, "12345");
+    window_.resize(browser::startSize(scale_));
+    area_.setGeometry(window_.rect());
+    frame_ = new browser::frameMain({system_, busy_, cygwin_, visitor_, log_, stored_}, selection_, pickers_,
+                                    &area_);
+    browser::applyLayout(area_, layout_, scale_);
+    new QAbstractItemModelTester(tree()->model(), QAbstractItemModelTester::FailureReportingMode::Fatal,
+                                 &window_);
+    window_.show();
+    frame_->openFolder("C:\\");
+    QApplication::setActiveWindow(&window_);
+    QApplication::processEvents();
+  }
+
+  template <typename Control>
+  Control* child(const char* name) const {
+    return frame_->findChild<Control*>(name);
+  }
+  QTreeView* tree() const { return child<QTreeView>("DirPane"); }
+  platform::desktop::FolderList* folders() const { return child<platform::desktop::FolderList>("Dir1"); }
+  std::string summary() const { return child<QLineEdit>("txtSelect")->text().toStdString(); }
+  Names shown(int column = 0) const {
+    Names texts;
+    for (int row = 0; row < tree()->model()->rowCount(); ++row)
+      texts.push_back(tree()->model()->index(row, column).data().toString().toStdString());
+    return texts;
+  }
+  QPoint place(const std::string& name) const {
+    for (int row = 0; row < tree()->model()->rowCount(); ++row) {
+      const QModelIndex index = tree()->model()->index(row, 0);
+      if (index.data().toString().toStdString() == name) return tree()->visualRect(index).center();
+    }
+    ADD_FAILURE() << "no row " << name;
+    return {};
+  }
+  QPoint emptyPlace() const { return {20, tree()->viewport()->height() - 5}; }
+  void click(const std::string& name, Qt::KeyboardModifiers keys = Qt::NoModifier) const {
+    QTest::mouseClick(tree()->viewport(), Qt::LeftButton, keys, place(name));
+  }
+  void doubleClick(const std::string& name) const {
+    const QPoint at = place(name);
+    QTest::mouseClick(tree()->viewport(), Qt::LeftButton, {}, at);
+    QTest::mouseDClick(tree()->viewport(), Qt::LeftButton, {}, at);
+  }
+  void press(const char* button) const {
+    QTest::mouseClick(child<QAbstractButton>(button), Qt::LeftButton, {}, QPoint(12, 12));
+  }
+  void clickColumn(int column) const {
+    const QHeaderView* header = tree()->header();
+    QTest::mouseClick(header->viewport(), Qt::LeftButton, {},
+                      QPoint(header->sectionViewportPosition(column - 1) + 20, header->height() / 2));
+  }
+  std::string caption(int column) const {
+    return tree()->model()->headerData(column - 1, Qt::Horizontal).toString().toStdString();
+  }
+  void chooseFilter(int index) const {
+    auto* filter = child<QComboBox>("Filter");
+    filter->setCurrentIndex(index);
+    emit filter->activated(index);
+  }
+
+  Visitor visitor_;
+  runtime::modAPI busy_{system_, visitor_};
+  Pickers pickers_;
+  runtime::Selection selection_;
+  browser::Layout layout_;
+  QWidget window_;
+  QWidget area_{&window_};
+  double scale_ = browser::pixelsPerTwip(window_);
+  browser::frameMain* frame_ = nullptr;
+};
+
+TEST_F(Browser, ListsWithModesSizesAndFoldersFirst) {
+  EXPECT_EQ(shown(), (Names{"sub", "zeta", "a.tgz", "b.txt", "C.c"}));
+  EXPECT_EQ(shown(1), (Names{"drwxr-xr-x", "drwxr-xr-x", "-rw-r--r--", "-rw-r--r--", "-rw-r--r--"}));
+  EXPECT_EQ(shown(2), (Names{"", "", "1 KB ", "1 KB ", "1 KB "}));
+  EXPECT_FALSE(shown(3).front().empty());
+  EXPECT_EQ(summary(), "C:\\*");
+  EXPECT_FALSE(child<QWidget>("cmdDirPaneUp")->isEnabled());
+  EXPECT_FALSE(child<QWidget>("cmdDos2Unix")->isEnabled());
+  EXPECT_EQ(child<QLineEdit>("txtLocation")->text(), QString("C:\\"));
+}
+
+TEST_F(Browser, SelectionFollowsMouseAndKeys) {
+  QSignalSpy changes(frame_, &browser::frameMain::selectionChanged);
+  click("a.tgz");
+  EXPECT_EQ(changes.count(), 1);
+  EXPECT_EQ(summary(), "1 items (1 files, 0 folders)");
+  EXPECT_TRUE(child<QWidget>("cmdDos2Unix")->isEnabled());
+  QTest::keyClick(tree(), Qt::Key_Down, Qt::ShiftModifier);
+  EXPECT_EQ(selection_.paths(), (Names{"C:\\a.tgz", "C:\\b.txt"}));
+  click("sub", Qt::ControlModifier);
+  EXPECT_EQ(summary(), "3 items (2 files, 1 folders)");
+  EXPECT_EQ(selection_.paths(), (Names{"C:\\sub", "C:\\a.tgz", "C:\\b.txt"}));
+  EXPECT_FALSE(child<QWidget>("cmdDos2Unix")->isEnabled());
+  EXPECT_TRUE(child<QLineEdit>("txtSelect")->toolTip().contains("3 items"));
+  QTest::mouseClick(tree()->viewport(), Qt::LeftButton, {}, emptyPlace());
+  EXPECT_EQ(summary(), "0 items (0 files, 0 folders)");
+  EXPECT_FALSE(tree()->currentIndex().isValid());
+  changes.clear();
+  press("checkAll");
+  EXPECT_EQ(changes.count(), 1);
+  EXPECT_EQ(selection_.selectedCount, 5U);
+  EXPECT_TRUE(tree()->hasFocus());
+}
+
+TEST_F(Browser, DoubleClickOpensFoldersAndArchives) {
+  QSignalSpy archives(frame_, &browser::frameMain::archiveOpened);
+  doubleClick("sub");
+  EXPECT_EQ(frame_->dir1Path(), "C:\\sub");
+  EXPECT_EQ(shown(), (Names{"inner", "one"}));
+  EXPECT_EQ(summary(), "C:\\sub\\*");
+  EXPECT_EQ(selection_.selectedCount, 0U);
+  EXPECT_TRUE(tree()->hasFocus());
+  press("cmdDirPaneUp");
+  EXPECT_EQ(frame_->dir1Path(), "C:\\");
+  write("B.TGZ");
+  fs::rename(host("b.txt"), host("x.ipk"));
+  press("cmdRefreshFiles");
+  doubleClick("B.TGZ");
+  doubleClick("C.c");
+  EXPECT_EQ(archives.count(), 0);
+  doubleClick("a.tgz");
+  doubleClick("x.ipk");
+  ASSERT_EQ(archives.count(), 2);
+  EXPECT_EQ(archives[0][0].value<std::string>(), "C:\\a.tgz");
+  EXPECT_EQ(archives[1][0].value<std::string>(), "C:\\x.ipk");
+  EXPECT_TRUE(tree()->isEnabled());
+}
+
+TEST_F(Browser, KeysOpenAndLeave) {
+  QSignalSpy extracts(frame_, &browser::frameMain::extractTar);
+  click("sub");
+  QTest::keyClick(tree(), Qt::Key_Return);
+  EXPECT_EQ(frame_->dir1Path(), "C:\\sub");
+  QTest::keyRelease(tree(), Qt::Key_Backspace);  // pressed elsewhere
+  EXPECT_EQ(frame_->dir1Path(), "C:\\sub");
+  QTest::keyClick(tree(), Qt::Key_Backspace);
+  EXPECT_EQ(frame_->dir1Path(), "C:\\");
+  QTest::keyClick(tree(), Qt::Key_Backspace);
+  EXPECT_EQ(frame_->dir1Path(), "C:\\");
+  click("b.txt");
+  QTest::keyClick(tree(), Qt::Key_Return);
+  click("a.tgz", Qt::ControlModifier);
+  QTest::keyClick(tree(), Qt::Key_Return);
+  EXPECT_EQ(extracts.count(), 0);
+  click("a.tgz");
+  QTest::keyClick(tree(), Qt::Key_Enter);
+  EXPECT_EQ(extracts.count(), 1);
+}
+
+TEST_F(Browser, ColumnsSortBothWays) {
+  EXPECT_EQ(caption(1), "Filename >");
+  clickColumn(4);
+  EXPECT_EQ(caption(4), "Modified <");
+  EXPECT_EQ(caption(1), "Filename");
+  click("b.txt");
+  QTest::keyClick(tree(), Qt::Key_1, Qt::ControlModifier);
+  EXPECT_EQ(caption(1), "Filename >");
+  clickColumn(1);
+  EXPECT_EQ(caption(1), "Filename <");
+  EXPECT_EQ(shown(), (Names{"C.c", "b.txt", "a.tgz", "zeta", "sub"}));
+  frame_->getDirPaneSelected();
+  EXPECT_EQ(selection_.paths(), Names{"C:\\b.txt"});
+  press("cmdRefreshFiles");
+  EXPECT_EQ(shown().front(), "C.c") << "sorted again after a listing";
+}
+
+TEST_F(Browser, RefreshKeepsExactlyWhatIsStillThere) {
+  for (const char* name : {"b.txt", "zeta"}) click(name, Qt::ControlModifier);
+  fs::remove(host("b.txt"));
+  write("B.txt");
+  press("cmdRefreshFiles");
+  EXPECT_EQ(selection_.paths(), Names{"C:\\zeta"});
+  press("optShowHidden");
+  EXPECT_EQ(selection_.paths(), Names{"C:\\zeta"});
+  ASSERT_EQ(shown()[2], ".hidden");
+  EXPECT_TRUE(tree()->model()->index(2, 0).data(Qt::ForegroundRole).isValid());
+  EXPECT_FALSE(tree()->model()->index(3, 0).data(Qt::ForegroundRole).isValid());
+  EXPECT_TRUE(frame_->selectRow(".hidden"));
+  EXPECT_FALSE(frame_->selectRow("gone"));
+  EXPECT_EQ(selection_.selectedCount, 2U);
+}
+
+TEST_F(Browser, FilterAndPattern) {
+  chooseFilter(6);
+  EXPECT_EQ(shown(), (Names{"sub", "zeta", "a.tgz"}));
+  for (const bool accept : {false, true, true}) {
+    QTimer::singleShot(0, [&] {
+      auto* dialog = qobject_cast<browser::frmPattern*>(QApplication::activeModalWidget());
+      ASSERT_NE(dialog, nullptr);
+      EXPECT_LT((dialog->geometry().center() - window_.geometry().center()).manhattanLength(), 10);
+      auto* name = dialog->findChild<QLineEdit*>("txtFilename");
+      EXPECT_EQ(name->text(), QString("*"));
+      name->setText("*");
+      dialog->findChild<QLineEdit*>("txtExtension")->setText("c");
+      accept ? QTest::keyClick(name, Qt::Key_Return)
+             : QTest::mouseClick(dialog->findChild<QPushButton*>("cmdCancel"), Qt::LeftButton);
+    });
+    chooseFilter(9);
+    EXPECT_EQ(shown().size(), accept ? 3U : 5U);
+    EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+  }
+  EXPECT_EQ(shown().back(), "C.c");
+  EXPECT_EQ(window_.focusWidget(), tree());
+  frame_->setLoading(true);
+  chooseFilter(0);
+  EXPECT_EQ(shown().size(), 3U) << "no reaction while the window loads";
+}
+
+TEST_F(Browser, FolderListOpensListsAgainAndAsks) {
+  const auto rowPlace = [&](const char* name) {
+    for (int row = 0; row < folders()->model()->rowCount(); ++row)
+      if (folders()->model()->index(row, 0).data().toString() == QLatin1String(name))
+        return folders()->visualRect(folders()->model()->index(row, 0)).center();
+    ADD_FAILURE() << name;
+    return QPoint();
+  };
+  QTest::mouseClick(folders()->viewport(), Qt::LeftButton, {}, rowPlace("sub"));
+  EXPECT_EQ(shown(), (Names{"inner", "one"}));
+  EXPECT_TRUE(tree()->hasFocus());
+  write("sub/two");
+  auto* timer = child<QTimer>("Timer1");
+  QTest::mouseClick(folders()->viewport(), Qt::LeftButton, {}, rowPlace("sub"));
+  EXPECT_TRUE(timer->isActive());
+  EXPECT_EQ(shown().size(), 2U);
+  QTest::mouseClick(folders()->viewport(), Qt::LeftButton, {}, rowPlace("sub"));
+  EXPECT_EQ(shown().size(), 3U) << "two clicks on the open folder list it again";
+  EXPECT_TRUE(QTest::qWaitFor([&] { return !timer->isActive(); }, 2000));
+  QTest::mouseClick(folders()->viewport(), Qt::RightButton, {}, QPoint(5, 5));
+  EXPECT_EQ(pickers_.asked, "Please select a folder.|C:\\sub");
+  pickers_.answer = "C:\\zeta";
+  QTest::mouseClick(folders()->viewport(), Qt::RightButton, {}, QPoint(5, 5));
+  EXPECT_EQ(frame_->dir1Path(), "C:\\zeta");
+  pickers_.answer = "C:\\gone";
+  QTest::mouseClick(folders()->viewport(), Qt::RightButton, {}, QPoint(5, 5));
+  EXPECT_EQ(visitor_.told, Names{"Error..|Unavailable to access: 'C:\\gone'"});
+  EXPECT_EQ(frame_->dir1Path(), "C:\\zeta");
+}
+
+TEST_F(Browser, DrivesAndTypedPaths) {
+  auto* drives = child<platform::desktop::DriveList>("Drive1");
+  EXPECT_TRUE(drives->setDrive("Z:"));
+  EXPECT_EQ(frame_->dir1Path(), "Z:\\");
+  fs::rename(host(""), root_ + "/away");
+  EXPECT_TRUE(drives->setDrive("C:"));
+  EXPECT_EQ(visitor_.told, Names{"Error..|Drive unavailable 'C:'"});
+  EXPECT_EQ(drives->drive(), "Z:");
+  EXPECT_EQ(frame_->dir1Path(), "Z:\\");
+  fs::rename(root_ + "/away", host(""));
+  auto* location = child<QLineEdit>("txtLocation");
+  location->setText("c:/sub/");
+  QTest::keyClick(location, Qt::Key_Return);
+  EXPECT_EQ(frame_->dir1Path(), "C:\\sub");
+  EXPECT_EQ(location->text(), QString("C:\\sub"));
+  EXPECT_EQ(drives->drive(), "C:");
+  location->setText(QString::fromStdString(host("zeta")));
+  QTest::keyClick(location, Qt::Key_Return);
+  EXPECT_EQ(frame_->dir1Path(), "C:\\zeta");
+  location->setText("nonsense");
+  QTest::keyClick(location, Qt::Key_Return);
+  EXPECT_EQ(visitor_.told.back(), "Error..|Unavailable to access: 'nonsense'");
+  QSignalSpy listed(frame_, &browser::frameMain::folderChanged);
+  frame_->openFolder("C:\\zeta");
+  EXPECT_EQ(listed.count(), 1) << "the same folder is listed again";
+  frame_->openFolder("C:\\no such");
+  EXPECT_EQ(frame_->dir1Path(), "C:\\");
+}
+
+TEST_F(Browser, OneSelectionInAllViews) {
+  click("b.txt");
+  auto* icons = child<QListView>("DirPaneIcons");
+  EXPECT_EQ(icons->selectionModel(), tree()->selectionModel());
+  for (const int mode : {0, 2}) {
+    frame_->setViewMode(mode);
+    frame_->refreshKeepList();
+    EXPECT_TRUE(icons->isVisible());
+    EXPECT_EQ(selection_.paths(), Names{"C:\\b.txt"});
+    EXPECT_EQ(icons->viewMode(), mode == 0 ? QListView::IconMode : QListView::ListMode);
+  }
+  QTest::mouseClick(icons->viewport(), Qt::LeftButton, {},
+                    icons->visualRect(icons->model()->index(0, 0)).center());
+  EXPECT_EQ(selection_.paths(), Names{"C:\\sub"});
+  QTest::keyClick(icons, Qt::Key_Return);
+  EXPECT_EQ(frame_->dir1Path(), "C:\\sub");
+}
+
+TEST_F(Browser, RequestsDuringAListingAreDoneOnceAfterIt) {
+  int visits = 0;
+  visitor_.whenEventsRun = [&] {
+    if (++visits > 1) return;
+    frame_->refreshKeepList();
+    folders()->setPath("C:\\sub");  // while the root is listed
+    EXPECT_TRUE(shown().empty()) << "no row of the root under the new path";
+    EXPECT_EQ(summary(), "C:\\sub\\*");
+  };
+  click("b.txt");
+  frame_->refreshKeepList();
+  EXPECT_EQ(shown(), (Names{"inner", "one"}));
+  EXPECT_EQ(shown(1), (Names{"drwxr-xr-x", "-rw-r--r--"}));
+  EXPECT_EQ(selection_.selectedCount, 0U);
+  visits = 0;
+  int listings = 0;
+  QObject::connect(tree()->model(), &QAbstractItemModel::modelReset, frame_, [&] { ++listings; });
+  visitor_.whenEventsRun = [&] {
+    if (++visits == 1)
+      for (int i = 0; i < 5; ++i) frame_->refreshKeepList();
+  };
+  frame_->fillDirPane();
+  EXPECT_EQ(listings, 2);
+}
+
+TEST_F(Browser, WhatVanishesHarmsNothing) {
+  frame_->openFolder("C:\\sub");
+  visitor_.whenEventsRun = [&] { fs::remove_all(host("sub")); };
+  frame_->refreshKeepList();
+  frame_->refreshKeepList();
+  EXPECT_TRUE(shown().empty());
+  visitor_.whenEventsRun = {};
+  frame_->openFolder("C:\\");
+  const Names before = shown();
+  fs::rename(host(""), root_ + "/away");
+  frame_->refreshKeepList();
+  EXPECT_EQ(shown(), before) << "a drive that is not ready changes nothing";
+  fs::rename(root_ + "/away", host(""));
+}
+
+TEST_F(Browser, HostileNamesStayThemselves) {
+  for (const char* name : {"new\nline", "bad\xFF.txt", "q\"uo\\te", "-rf", "<b>x"}) write(name);
+  ASSERT_EQ(mkfifo(host("fifo").c_str(), 0600), 0);
+  press("cmdRefreshFiles");
+  press("checkAll");
+  const Names paths = selection_.paths();
+  EXPECT_EQ(paths.size(), 11U);
+  EXPECT_NE(std::find(paths.begin(), paths.end(), "C:\\" + platform::holdName("bad\xFF.txt")), paths.end());
+  for (const std::string& mode : shown(1)) EXPECT_EQ(mode.size(), 10U);
+  const Names names = shown();
+  for (const char* text : {"new\\x0Aline", "bad\\xFF.txt", "q\"uo\\te", "<b>x"})
+    EXPECT_NE(std::find(names.begin(), names.end(), text), names.end()) << text;
+  press("cmdRefreshFiles");
+  EXPECT_EQ(selection_.paths(), paths);
+}
+
+TEST_F(Browser, FileListMirrorsTheFolder) {
+  auto* files = child<platform::desktop::FileList>("File1");
+  EXPECT_FALSE(files->isVisible());
+  EXPECT_EQ(files->focusPolicy(), Qt::NoFocus);
+  files->selectAll();
+  emit files->clicked(files->model()->index(0, 0));
+  EXPECT_EQ(summary(), "4 items (4 files, 0 folders)");
+  QSignalSpy archives(frame_, &browser::frameMain::archiveOpened);
+  files->setCurrentIndex(files->model()->match(files->model()->index(0, 0), 0, "a.tgz").front());
+  emit files->doubleClicked(files->currentIndex());
+  EXPECT_EQ(archives.count(), 1);
+}
+
+TEST_F(Browser, EveryControlHasANameAndItsWholeCaption) {
+  press("optShowHidden");
+  for (QWidget* widget : frame_->findChildren<QWidget*>()) {
+    if (!widget->isVisible() || widget->focusPolicy() == Qt::NoFocus) continue;
+    QAccessibleInterface* face = QAccessible::queryAccessibleInterface(widget);
+    EXPECT_FALSE(face->text(QAccessible::Name).isEmpty()) << widget->objectName().toStdString();
+  }
+  for (QAbstractButton* button : frame_->findChildren<QAbstractButton*>()) {
+    EXPECT_FALSE(button->text().contains('&')) << button->text().toStdString();
+    if (button->text().isEmpty()) continue;
+    EXPECT_GE(button->width(), button->minimumSizeHint().width()) << button->text().toStdString();
+  }
+  for (QLabel* label : frame_->findChildren<QLabel*>())
+    EXPECT_GE(label->width(), label->minimumSizeHint().width()) << label->text().toStdString();
+}
+
+TEST_F(Browser, SplitterMovesByMouseAndKeys) {
+  QObject::connect(frame_, &browser::frameMain::dividerDragged, &window_, [this](int x) {
+    browser::dragDivider(layout_, x, scale_);
+    browser::applyLayout(area_, layout_, scale_);
+  });
+  auto* divider = child<QWidget>("divider");
+  const int before = divider->x();
+  QTest::mouseMove(divider, QPoint(90, 5));
+  EXPECT_EQ(divider->x(), before);
+  QTest::mousePress(divider, Qt::LeftButton, {}, QPoint(2, 5));
+  QTest::mouseMove(divider, QPoint(divider->width() / 2 + 80, 5));
+  QTest::mouseRelease(divider, Qt::LeftButton);
+  EXPECT_NEAR(divider->x(), before + 80, 1);
+  QTest::keyClick(divider, Qt::Key_Left);
+  EXPECT_LT(divider->x(), before + 80);
+  EXPECT_EQ(folders()->geometry().right() + 1, divider->x());
+}
+
+/// Leaves pictures for whoever looks at them, where SHOTS names a folder.
+TEST_F(Browser, Pictures) {
+  const QString folder = qEnvironmentVariable("SHOTS");
+  if (folder.isEmpty()) GTEST_SKIP();
+  for (int i = 0; i < 30; ++i)
+    write("file" + std::to_string(i) + (i % 3 ? ".jpg" : ".txt"),
+          std::string(static_cast<std::size_t>(i * 700), 'x'));
+  press("optShowHidden");
+  const auto shot = [&](const char* name) {
+    QApplication::processEvents();
+    window_.grab().save(folder + "/" + name + ".png");
+  };
+  click("b.txt");
+  shot("details");
+  for (const int mode : {2, 0}) {
+    frame_->setViewMode(mode);
+    frame_->refreshKeepList();
+    shot(mode == 2 ? "list" : "icons");
+  }
+  frame_->setViewMode(3);
+  chooseFilter(2);
+  shot("filtered");
+  window_.resize(400, 300);
+  browser::resizeLayout(layout_, window_.size(), false, scale_);
+  area_.setGeometry(window_.rect());
+  browser::applyLayout(area_, layout_, scale_);
+  shot("small");
+}
+
+}  // namespace

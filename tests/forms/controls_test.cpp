@@ -1,0 +1,284 @@
+#include <gtest/gtest.h>
+
+#include <QAbstractItemModelTester>
+#include <QAccessible>
+#include <QDir>
+#include <QFile>
+#include <QScrollBar>
+#include <QShortcut>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QWheelEvent>
+
+#include "platform/desktop/DriveList.h"
+#include "platform/desktop/FileList.h"
+#include "platform/desktop/FolderList.h"
+#include "platform/desktop/ImageList.h"
+#include "platform/desktop/ScrollList.h"
+
+namespace {
+
+using namespace platform::desktop;
+
+TEST(ImageList, TwentyOnePicturesAreDrawn) {
+  QList<QImage> seen;
+  for (int index = 1; index <= 21; ++index) {
+    const QImage picture = imageIcon(index).pixmap(16).toImage();
+    ASSERT_FALSE(picture.isNull()) << index << ": the SVG plugin is missing, or the file";
+    EXPECT_FALSE(seen.contains(picture)) << index;
+    seen.append(picture);
+  }
+  EXPECT_TRUE(imageIcon(0).isNull() && imageIcon(22).isNull());
+}
+
+void turnWheel(QWidget* widget, int notches) {
+  const QPointF middle = widget->rect().center();
+  QWheelEvent event(middle, widget->mapToGlobal(middle), {}, {0, -120 * notches}, Qt::NoButton,
+                    Qt::NoModifier, Qt::NoScrollPhase, false);
+  QApplication::sendEvent(widget, &event);
+}
+
+TEST(ScrollList, EveryWayOfTurningIt) {
+  ScrollList list;
+  QSignalSpy changes(&list, &ScrollList::topChanged);
+  EXPECT_EQ(list.topIndex(), -1);
+  list.setEntries({"usr1", "usr2", "usr3", "usr4", "root"});
+  list.show();
+  const auto after = [&](int key) {
+    QTest::keyClick(&list, static_cast<Qt::Key>(key));
+    return list.topIndex();
+  };
+  EXPECT_EQ(list.topIndex(), 0);
+  EXPECT_EQ(after(Qt::Key_Up), 0);
+  EXPECT_EQ(after(Qt::Key_Down), 1);
+  EXPECT_EQ(after(Qt::Key_End), 4);
+  EXPECT_EQ(after(Qt::Key_PageUp), 3);
+  EXPECT_EQ(after(Qt::Key_Home), 0);
+  EXPECT_EQ(after(Qt::Key_R), 4);
+  turnWheel(list.viewport(), -1);
+  EXPECT_EQ(list.topIndex(), 3);
+  QTest::mouseClick(list.verticalScrollBar(), Qt::LeftButton, {},
+                    QPoint(list.verticalScrollBar()->width() / 2, 2));
+  EXPECT_EQ(list.topIndex(), 2);
+  EXPECT_EQ(changes.size(), 7);
+}
+
+TEST(ScrollList, TypedLettersFindTheEntry) {
+  ScrollList list;
+  list.setEntries({"usr1", "usr2", "root"});
+  for (const int next : {1, 0, 1}) {  // one letter again and again: round and round
+    QTest::keyClicks(&list, "u");
+    EXPECT_EQ(list.topIndex(), next);
+  }
+  QTest::qWait(QApplication::keyboardInputInterval() + 20);
+  QTest::keyClicks(&list, "USR1");
+  EXPECT_EQ(list.topIndex(), 0);
+}
+
+TEST(ScrollList, AssistiveToolsReadTheChoice) {
+  ScrollList list;
+  list.setAccessibleName("Owner");
+  list.setEntries({"usr1", "usr2"});
+  list.setTopIndex(7);
+  QAccessibleInterface* access = QAccessible::queryAccessibleInterface(&list);
+  EXPECT_EQ(access->text(QAccessible::Name), QString("Owner"));
+  EXPECT_EQ(access->text(QAccessible::Value), QString("usr2"));
+  list.setEntries({"root"});
+  EXPECT_EQ(access->text(QAccessible::Value), QString("root"));
+  EXPECT_EQ(access->text(QAccessible::Description), QString("root"));
+}
+
+/// A disk with C:\a\b, C:\a\B2, C:\a\c (a link to a folder), C:\a\file, C:\Zoo and a folder of an odd name.
+class Disk : public testing::Test {
+ protected:
+  Disk() {
+    const QDir root(folder.path());
+    for (const char* name : {"c/a/b", "c/a/B2", "c/Zoo", "c/a/x\\y", "d"}) root.mkpath(name);
+    QFile::link(root.filePath("d"), root.filePath("c/a/c"));
+    for (const char* name : {"c/a/file", "c/a/two:x"})
+      EXPECT_TRUE(QFile(root.filePath(name)).open(QIODevice::WriteOnly));
+  }
+  std::string host(const char* name) const { return folder.filePath(name).toStdString(); }
+
+  QTemporaryDir folder;
+  platform::DriveTable drives{{{'C', host("c")}, {'D', host("d")}}};
+  platform::ToolRunning toolRunning;
+};
+
+TEST_F(Disk, DriveListTellsOfEachChangeOnce) {
+  DriveList list;
+  QSignalSpy changes(&list, &DriveList::driveChanged);
+  list.setDrives(drives, toolRunning);
+  EXPECT_EQ(list.drive(), "C:");
+  EXPECT_EQ(list.currentText(), QString("C: [c]"));
+  EXPECT_EQ(list.itemText(2), QString("Z: [/]"));
+  EXPECT_TRUE(list.setDrive("c:\\a"));
+  EXPECT_FALSE(list.setDrive("E:\\"));
+  EXPECT_FALSE(list.setDrive("\\\\server\\share"));
+  EXPECT_EQ(changes.size(), 0);
+  EXPECT_TRUE(list.setDrive("d:"));
+  QTest::keyClick(&list, Qt::Key_Down);
+  EXPECT_EQ(list.drive(), "Z:");
+  EXPECT_EQ(changes.size(), 2);
+  const platform::ToolRunning::Scope running(toolRunning);
+  QTest::keyClick(&list, Qt::Key_Up);
+  EXPECT_EQ(list.drive(), "Z:");
+}
+
+TEST_F(Disk, DriveListKeepsAVolumeThatHasGone) {
+  platform::DriveTable home = platform::DriveTable::fromText("", host("c"));
+  home.showVolumes({host("d")});
+  DriveList list;
+  list.setDrives(home, toolRunning);
+  ASSERT_TRUE(list.setDrive("D:"));
+  QSignalSpy changes(&list, &DriveList::driveChanged);
+  home.showVolumes({});
+  list.showPopup();
+  list.hidePopup();
+  EXPECT_EQ(list.drive(), "D:");
+  EXPECT_EQ(changes.size(), 0);
+  list.setDrive("C:");
+  list.showPopup();
+  list.hidePopup();
+  EXPECT_FALSE(list.setDrive("D:"));
+}
+
+class Folders : public Disk {
+ protected:
+  Folders() {
+    list.setDrives(drives, toolRunning);
+    list.resize(220, 300);
+    list.show();
+    EXPECT_TRUE(list.setPath("C:\\a"));
+    changes.clear();
+  }
+  QStringList rows() const {
+    QStringList texts;
+    for (int row = 0; row < list.model()->rowCount(); ++row)
+      texts += list.model()->index(row, 0).data().toString();
+    return texts;
+  }
+  QPoint at(int row) const { return list.visualRect(list.model()->index(row, 0)).center(); }
+  void click(int row, Qt::MouseButton button = Qt::LeftButton) {
+    QTest::mouseClick(list.viewport(), button, {}, at(row));
+  }
+
+  void doubleClick(int row) {
+    const QPoint point = at(row);
+    click(row);
+    QTest::mouseDClick(list.viewport(), Qt::LeftButton, {}, point);
+    QTest::mouseRelease(list.viewport(), Qt::LeftButton, {}, point);
+  }
+
+  FolderList list;
+  QAbstractItemModelTester tester{list.model()};
+  QSignalSpy changes{&list, &FolderList::changed};
+  QSignalSpy openFolderClicks{&list, &FolderList::openFolderClicked};
+};
+
+TEST_F(Folders, PathAboveItsSubfolders) {
+  EXPECT_EQ(rows(), QStringList({"C:\\", "a", "b", "B2", "c", "x\\y"}));
+  EXPECT_TRUE(list.isCurrentFolder(1));
+  EXPECT_EQ(list.highlighted(), "C:\\a");
+  EXPECT_TRUE(list.setPath("c:/a\\\\.\\"));  // the same folder
+  for (const char* none : {"C:\\none", "C:\\a\\file", "E:\\", "", "a", "\\\\server\\share"})
+    EXPECT_FALSE(list.setPath(none)) << none;
+  EXPECT_EQ(list.path(), "C:\\a");
+  EXPECT_EQ(changes.size(), 0);
+  EXPECT_TRUE(list.setPath("C:"));
+  EXPECT_EQ(list.path(), "C:\\");
+  EXPECT_EQ(changes.size(), 1);
+}
+
+TEST_F(Folders, AClickOpensAndTheSecondOfADoubleClickDoesNot) {
+  click(5);
+  EXPECT_EQ(list.path(), "C:\\a\\x\xEF\x81\x9Cy");
+  click(1);
+  EXPECT_EQ(list.path(), "C:\\a");
+  doubleClick(0);
+  EXPECT_EQ(list.path(), "C:\\");
+  EXPECT_EQ(changes.size(), 3);
+  EXPECT_EQ(openFolderClicks.size(), 0);
+  doubleClick(0);
+  EXPECT_EQ(openFolderClicks.size(), 2);
+  EXPECT_EQ(changes.size(), 3);
+}
+
+TEST_F(Folders, TheWayToTheFolderAndItsSubfoldersShow) {
+  for (int i = 0; i < 40; ++i) QDir(folder.path()).mkpath(QString("c/a/B2/%1").arg(i));
+  EXPECT_TRUE(list.setPath("C:\\a\\B2"));
+  EXPECT_EQ(list.verticalScrollBar()->value(), 0);
+  EXPECT_TRUE(list.setPath("C:\\a\\B2\\7"));
+  QDir(folder.path()).mkpath("c/a/B2/7/1/2/3/4/5/6/7/8/9/10/11/12/13/14/15/16/17/18/19/20");
+  EXPECT_TRUE(
+      list.setPath("C:\\a\\B2\\7\\1\\2\\3\\4\\5\\6\\7\\8\\9\\10\\11\\12\\13\\14\\15\\16\\17\\18\\19"));
+  EXPECT_TRUE(list.viewport()->rect().contains(at(22)));
+  EXPECT_TRUE(list.viewport()->rect().contains(at(23)));
+}
+
+TEST_F(Folders, TheRightButtonOnlyTells) {
+  QSignalSpy rightClicks(&list, &FolderList::rightClicked);
+  click(2, Qt::RightButton);
+  EXPECT_EQ(list.highlighted(), "C:\\a");
+  EXPECT_EQ(rightClicks.size(), 1);
+  EXPECT_EQ(changes.size(), 0);
+}
+
+TEST_F(Folders, KeysMoveOpenAndGoUpAndTheRestIsTheWindows) {
+  QWidget window;
+  list.setParent(&window);
+  window.show();
+  list.show();
+  list.setFocus();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+  QSignalSpy selectAll(new QShortcut(QKeySequence("Ctrl+A"), &window), &QShortcut::activated);
+  QTest::keyClick(&list, Qt::Key_B);
+  QTest::keyClick(&list, Qt::Key_Down);
+  EXPECT_EQ(list.highlighted(), "C:\\a\\B2");
+  EXPECT_EQ(changes.size(), 0);
+  QTest::keyClick(&list, Qt::Key_A, Qt::ControlModifier);
+  EXPECT_EQ(selectAll.size(), 1);
+  QTest::keyClick(&list, Qt::Key_Return);
+  EXPECT_EQ(list.path(), "C:\\a\\B2");
+  for (int times = 0; times < 3; ++times) QTest::keyClick(&list, Qt::Key_Backspace);
+  EXPECT_EQ(list.path(), "C:\\");
+  EXPECT_EQ(changes.size(), 3);
+  list.setParent(nullptr);
+}
+
+TEST_F(Folders, RefreshKeepsPathAndHighlight) {
+  list.setCurrentIndex(list.model()->index(3, 0));
+  QDir(folder.path()).mkpath("c/a/A0");
+  QDir(folder.path()).rmdir("c/a/b");
+  list.refresh();
+  EXPECT_EQ(rows(), QStringList({"C:\\", "a", "A0", "B2", "c", "x\\y"}));
+  EXPECT_EQ(list.highlighted(), "C:\\a\\B2");
+  QDir(folder.path()).rmdir("c/a/B2");
+  list.refresh();
+  EXPECT_EQ(list.highlighted(), "C:\\a");
+  QDir(folder.filePath("c/a")).removeRecursively();
+  list.refresh();
+  EXPECT_EQ(rows(), QStringList({"C:\\", "a"}));
+  EXPECT_EQ(changes.size(), 0);
+}
+
+TEST_F(Folders, NothingMovesWhileAToolRuns) {
+  const platform::ToolRunning::Scope running(toolRunning);
+  click(2);
+  QTest::keyClick(&list, Qt::Key_Backspace);
+  EXPECT_EQ(list.path(), "C:\\a");
+}
+
+TEST_F(Disk, FileListHoldsFilesByExactName) {
+  FileList list;
+  list.setDrives(drives);
+  list.setPath("C:\\a");
+  EXPECT_EQ(list.model()->rowCount(), 2);
+  list.selectAll();
+  EXPECT_EQ(list.selectedNames(), std::vector<std::string>({"file", "two\xEF\x80\xBAx"}));
+  list.setPath("C:\\none");
+  EXPECT_EQ(list.model()->rowCount(), 0);
+}
+
+}  // namespace

@@ -1,0 +1,270 @@
+#include <QAction>
+#include <QApplication>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPlainTextEdit>
+#include <QRegularExpression>
+#include <QTest>
+#include <QTimer>
+#include <functional>
+
+#include "platform/HeldName.h"
+#include "shell/CallerPaths.h"
+#include "shell/frmMain.h"
+#include "tests/World.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+constexpr const char* key = "SOFTWARE\\Halvoren Inc\\Pakrune";
+
+class WindowPerson : public testworld::Person {
+ public:
+  void letEventsRun() override { QApplication::processEvents(); }
+};
+
+/// Answers nothing: no test here opens a picker.
+class NoPickers : public platform::desktop::FilePickers {
+ public:
+  std::string openFile(const platform::desktop::FileRequest&) override { return ""; }
+  std::string saveFile(const platform::desktop::FileRequest&) override { return ""; }
+  std::string folder(const std::string&, const std::string&) override { return ""; }
+};
+
+/// A main window over a disk of its own; `load` starts it as the arguments say.
+class MainTest : public testworld::World {
+ protected:
+  MainTest() {
+    write("pkg/a.txt");
+    write("pkg/b c.txt");
+    write("pkg/.hidden");
+    write("pkg/sub/x");
+    for (const char* name : {"PAKRUNE_WINVER", "PAKRUNE_ADMIN"}) unsetenv(name);
+  }
+  ~MainTest() override {
+    for (const char* name : {"PAKRUNE_WINVER", "PAKRUNE_ADMIN"}) unsetenv(name);
+  }
+
+  bool load(const std::vector<std::string>& arguments) {
+    const auto toWindows = [this](std::string_view path) {
+      return shell::toWindowsPath(drives_, root_ + "/disk", path);
+    };
+    const auto text = shell::readArguments(arguments, toWindows, platform::holdName).text;
+    const bool goesOn = window_.Load(shell::parseCommandLine(text));
+    QApplication::processEvents();
+    return goesOn;
+  }
+  template <typename Widget = QWidget>
+  Widget* find(const char* name) {
+    Widget* const found = window_.findChild<Widget*>(name);
+    EXPECT_NE(found, nullptr) << name;
+    return found;
+  }
+  QAction* action(const char* name) { return find<QAction>(name); }
+  std::string logText() { return find<QPlainTextEdit>("txtLog")->toPlainText().toStdString(); }
+  std::vector<std::string> selected() const { return program_object_.selection.paths(); }
+  void storeFirstRun() {
+    registry_.write(platform::Hive::LocalMachine, key, "FirstRun", {platform::ValueType::Text, "1"});
+  }
+  /// Acts on the modal window that opens next, whenever that is.
+  void onNextModal(const std::function<void(QWidget&)>& act) {
+    auto* timer = new QTimer(&window_);
+    QObject::connect(timer, &QTimer::timeout, timer, [timer, act] {
+      QWidget* const modal = QApplication::activeModalWidget();
+      if (modal == nullptr) return;
+      timer->deleteLater();
+      act(*modal);
+    });
+    timer->start(5);
+  }
+
+  WindowPerson windowPerson_;
+  NoPickers pickers_;
+  shell::Program program_object_{system_, program_, windowPerson_};
+  shell::frmMain window_{program_object_, pickers_};
+};
+
+TEST_F(MainTest, MenuBarHasItsItemsAndHidesTheRest) {
+  load({});
+  struct Item {
+    const char* name;
+    const char* caption;
+    bool shown;
+  };
+  for (const Item& item :
+       {Item{"mnuExit", "E&xit", true}, Item{"mnuAdmin", "&Admin Test", false},
+        Item{"mnuReset", "&Reset..", false}, Item{"mnuShowLog", "Show Log", true},
+        Item{"mnuOptions", "Options...", true}, Item{"mnuwdxoptions", "Download Options..", false},
+        Item{"mnuSerial", "Serial Download to Kt500..", true},
+        Item{"mnuNetwork", "Network Download to Kt500..", true}, Item{"mnuContent", "Content", true},
+        Item{"mnuAbout", "About", true}, Item{"mnuFilterTollTip", "", false}}) {
+    EXPECT_EQ(action(item.name)->text(), QString(item.caption));
+    EXPECT_EQ(action(item.name)->isVisible(), item.shown) << item.name;
+  }
+  QStringList shown;
+  for (const QAction* entry : window_.menuBar()->actions())
+    if (entry->isVisible()) shown.append(entry->text());
+  EXPECT_EQ(shown, QStringList({"&Menu", "&Tools", "&Download", "&Help"}));
+  EXPECT_EQ(window_.windowTitle(), QString("Pakrune"));
+}
+
+TEST_F(MainTest, LogPaneShowsEveryLineAndTheEnd) {
+  load({});
+  auto* pane = find<QPlainTextEdit>("txtLog");
+  EXPECT_TRUE(QRegularExpression("^Log start: \\d\\d:\\d\\d:\\d\\d$").match(pane->toPlainText()).hasMatch())
+      << logText();
+  EXPECT_FALSE(pane->isVisible());
+  const int before = find("frameMain")->height();
+  action("mnuShowLog")->trigger();
+  EXPECT_TRUE(pane->isVisible());
+  EXPECT_EQ(action("mnuShowLog")->text(), QString("Hide Log"));
+  EXPECT_LT(find("frameMain")->height(), before);
+  EXPECT_GE(pane->geometry().top(), find("frameMain")->geometry().bottom());
+  program_object_.log.append(" Created file: C:\\a");
+  EXPECT_TRUE(pane->textCursor().atEnd());
+  EXPECT_TRUE(pane->toPlainText().endsWith(" Created file: C:\\a"));
+  action("mnuShowLog")->trigger();
+  EXPECT_EQ(find("frameMain")->height(), before);
+}
+
+TEST_F(MainTest, KeysWorkFromEveryControl) {
+  load({"-d", "C:\\pkg"});
+  window_.activateWindow();
+  action("mnuShowLog")->trigger();
+  int files = 3;  // two shown files and a folder
+  for (QWidget* control : window_.findChildren<QWidget*>()) {
+    if (!control->isVisible() || !control->isEnabled() || (control->focusPolicy() & Qt::TabFocus) == 0)
+      continue;
+    control->setFocus();
+    write("pkg/new" + std::to_string(++files));
+    QTest::keyClick(control, Qt::Key_F5);
+    EXPECT_EQ(window_.paneItems().size(), static_cast<std::size_t>(files))
+        << control->objectName().toStdString();
+    window_.browsing().clearCurrentRow();
+    auto* box = qobject_cast<QLineEdit*>(control);
+    control->setFocus();
+    QTest::keyClick(control, Qt::Key_A, Qt::ControlModifier);
+    const bool editable = box != nullptr && !box->isReadOnly();
+    EXPECT_EQ(program_object_.selection.selectedCount == static_cast<std::size_t>(files), !editable)
+        << control->objectName().toStdString();
+    window_.browsing().openDirPane();
+  }
+}
+
+TEST_F(MainTest, AboutOpensFromTheLabelAndTheMenu) {
+  load({});
+  QTest::mouseClick(find("lblHalvoren"), Qt::LeftButton);
+  auto* about = window_.findChild<QDialog*>("frmAbout");
+  ASSERT_NE(about, nullptr);
+  EXPECT_TRUE(about->isVisible());
+  EXPECT_FALSE(about->isModal());
+}
+
+TEST_F(MainTest, AdminTestTellsWhatTheSystemSays) {
+  load({});
+  const auto told = [this](const char* version, const char* admin) {
+    setenv("PAKRUNE_WINVER", version, 1);
+    setenv("PAKRUNE_ADMIN", admin, 1);
+    action("mnuAdmin")->trigger();
+    return windowPerson_.told.back();
+  };
+  EXPECT_EQ(told("2.10.0", "1"),
+            "Pakrune|Unable to check for administrative priveleges on this version of Windows");
+  EXPECT_EQ(told("2.5.1", "1"), "Pakrune|You have administrative privileges!");
+  EXPECT_EQ(told("2.5.1", "0"), "Pakrune|You are not an administrator");
+}
+
+TEST_F(MainTest, WithoutPrivilegesTheNoticeComesOnlyOnTheFirstRun) {
+  setenv("PAKRUNE_WINVER", "2.5.1", 1);
+  setenv("PAKRUNE_ADMIN", "0", 1);
+  storeFirstRun();
+  bool noticed = false;
+  onNextModal([&noticed](QWidget& modal) {
+    noticed = modal.objectName() == "Dialog";
+    modal.close();
+  });
+  load({});
+  EXPECT_TRUE(noticed);
+  EXPECT_NE(logText().find("\nYou don't have administrative privileges!"), std::string::npos);
+  EXPECT_FALSE(program_object_.isAdmin);
+}
+
+TEST_F(MainTest, MissingToolsAreReportedAndTheWindowOpens) {
+  fs::remove(root_ + "/prog/bin/tar.exe");
+  EXPECT_TRUE(load({"-d", "C:\\pkg"}));
+  ASSERT_EQ(windowPerson_.told.size(), 1U);
+  EXPECT_TRUE(windowPerson_.told[0].starts_with("Error|Please make sure Cygwin binaries (tar.exe)"));
+  EXPECT_TRUE(window_.isVisible());
+}
+
+TEST_F(MainTest, AnOldSystemHasNoOwners) {
+  setenv("PAKRUNE_WINVER", "1.4.10", 1);
+  load({});
+  EXPECT_FALSE(find("cmdSetOwner")->isEnabled());
+  EXPECT_FALSE(find("cmdSetGroup")->isEnabled());
+}
+
+TEST_F(MainTest, ClosingRemembersTheFolder) {
+  load({"-d", "C:\\pkg\\sub"});
+  EXPECT_EQ(window_.GetDir1Path(), "C:\\pkg\\sub\\");
+  window_.close();
+  EXPECT_EQ(stored_.initDir(), "C:\\pkg\\sub");
+  shell::frmMain next(program_object_, pickers_);
+  next.Load({});
+  EXPECT_EQ(next.GetDir1Path(), "C:\\pkg\\sub\\");
+  stored_.setInitDir("C:\\gone");
+  shell::frmMain third(program_object_, pickers_);
+  third.Load({});
+  EXPECT_EQ(third.GetDir1Path(), "C:\\");
+}
+
+TEST_F(MainTest, NamedEntriesAreSelected) {
+  ASSERT_TRUE(load({"-perms", "pkg", "b c.txt", "nothing", "sub"}));
+  EXPECT_EQ(selected(), (std::vector<std::string>{"C:\\pkg\\sub", "C:\\pkg\\b c.txt"}));
+  EXPECT_TRUE(window_.isVisible());
+}
+
+TEST_F(MainTest, APathListSelectsWhatExists) {
+  ASSERT_TRUE(load({"pkg/a.txt", "pkg/gone", "pkg/b c.txt"}));
+  EXPECT_EQ(selected(), (std::vector<std::string>{"C:\\pkg\\a.txt", "C:\\pkg\\b c.txt"}));
+  EXPECT_FALSE(find("frameUntar")->isVisible());
+}
+
+TEST_F(MainTest, ASingleArchiveOpensTheExtractFrame) {
+  output("tar -C " + host("pkg") + " -czf " + host("pkg/one.tgz") + " a.txt sub");
+  ASSERT_TRUE(load({"pkg/one.tgz"}));
+  EXPECT_TRUE(find("frameUntar")->isVisible());
+  EXPECT_FALSE(find("frameMain")->isEnabled());
+  EXPECT_FALSE(find<QMenu>("mnuDownload")->isEnabled());
+  EXPECT_EQ(find<QLineEdit>("txtFileIn")->text(), QString("C:\\pkg\\one.tgz"));
+  find<QPushButton>("cmdCancel")->click();
+  EXPECT_FALSE(find("frameUntar")->isVisible());
+  EXPECT_TRUE(find("frameMain")->isEnabled());
+  EXPECT_TRUE(find<QMenu>("mnuDownload")->isEnabled());  // the archive is still the one selected file
+}
+
+TEST_F(MainTest, OpenFallsBackToTheBrowserWithoutTheArchive) {
+  ASSERT_TRUE(load({"-open", "pkg", "gone.tgz"}));
+  EXPECT_FALSE(find("frameUntar")->isVisible());
+  EXPECT_EQ(window_.GetDir1Path(), "C:\\pkg\\");
+}
+
+TEST_F(MainTest, PackOpensTheArchiveDialog) {
+  bool opened = false;
+  onNextModal([&opened](QWidget& modal) {
+    opened = modal.objectName() == "frmTar";
+    modal.close();
+  });
+  ASSERT_TRUE(load({"-pack", "pkg", "a.txt"}));
+  EXPECT_TRUE(opened);
+  EXPECT_EQ(selected(), std::vector<std::string>{"C:\\pkg\\a.txt"});
+}
+
+TEST_F(MainTest, QuickPackEndsTheProgram) {
+  EXPECT_FALSE(load({"-qpack", "pkg", "a.txt", "sub"}));
+  EXPECT_FALSE(window_.isVisible());
+  EXPECT_EQ(output("tar -tf " + host("pkg/pkg.tgz")), "a.txt\nsub/\nsub/x\n");
+}
+
+}  // namespace

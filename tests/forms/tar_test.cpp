@@ -1,0 +1,219 @@
+#include <QApplication>
+#include <QCheckBox>
+#include <QClipboard>
+#include <QDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTest>
+#include <QTimer>
+
+#include "archive/frmTar.h"
+#include "platform/desktop/ScrollList.h"
+#include "tests/World.h"
+
+namespace {
+
+using archive::CheckTarSelection;
+using archive::TarSelection;
+using platform::desktop::FileRequest;
+using platform::desktop::ScrollList;
+
+/// The main window's side: what is selected, and what was asked of it.
+struct FakeMainWindow : runtime::MainWindow {
+  void getDirPaneSelected() override {}
+  std::vector<std::string> selectedPaths() const override { return selected; }
+  std::string selectionText() const override { return "1 items <b>"; }
+  std::vector<std::string> paneItems() const override { return items; }
+  std::string GetDir1Path() const override { return folder; }
+  void selectAllRows() override {
+    for (const auto& name : items) selected.push_back(folder + name);
+  }
+  void refreshKeepList() override { asked.emplace_back("refresh"); }
+  bool setOwnerShown() const override { return rootOffered; }
+  void netSetFile(const std::string& path) override { asked.push_back("network " + path); }
+  void showfrmWDXOptions(const std::string& path) override { asked.push_back("serial " + path); }
+
+  std::string folder = "C:\\pkg\\";
+  std::vector<std::string> selected, items, asked;
+  bool rootOffered = true;
+};
+
+/// Answers with the given names, each with a filter, one after the other.
+struct FakePickers : platform::desktop::FilePickers {
+  std::string openFile(const FileRequest&) override { return {}; }
+  std::string saveFile(const FileRequest& request) override {
+    last = request;
+    const auto [name, filter] = answers.empty() ? std::pair<std::string, int>() : answers.front();
+    if (!answers.empty()) answers.erase(answers.begin());
+    *request.chosenFilter = filter;
+    return name;
+  }
+  std::string folder(const std::string&, const std::string&) override { return {}; }
+
+  std::vector<std::pair<std::string, int>> answers;
+  FileRequest last;
+};
+
+class TarFormTest : public testworld::World {
+ protected:
+  TarFormTest() {
+    write("pkg/a");
+    write("pkg/lib/part");
+    findTools();
+    window_.items = {"lib", "a"};
+  }
+  /// Shows the dialog as the button does and acts on it; it is cancelled when it stays open.
+  TarSelection show(const std::function<void(QDialog&)>& act) {
+    QTimer::singleShot(0, [&] {
+      auto* const form = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+      ASSERT_NE(form, nullptr);
+      act(*form);
+      stayedOpen_ = form->isVisible();
+      if (stayedOpen_) form->findChild<QPushButton*>("cmdCancel")->click();
+    });
+    return CheckTarSelection(services(), window_, pickers_, nullptr, true);
+  }
+  void select(const std::vector<std::string>& names) {
+    window_.selected.clear();
+    for (const auto& name : names) window_.selected.push_back("C:\\pkg\\" + name);
+  }
+  std::string members(const std::string& name) const { return output("tar -P -tf " + host(name)); }
+
+  FakeMainWindow window_;
+  FakePickers pickers_;
+  bool stayedOpen_ = false;
+};
+
+template <typename Control>
+Control& the(QDialog& form, const char* name) {
+  auto* const control = form.findChild<Control*>(name);
+  if (control == nullptr) throw std::runtime_error(name);
+  return *control;
+}
+bool on(QDialog& form, const char* name) { return the<QAbstractButton>(form, name).isChecked(); }
+void press(QDialog& form, const char* name) { the<QAbstractButton>(form, name).click(); }
+QString outputOf(QDialog& form) { return the<QLineEdit>(form, "txtFileOut").text(); }
+
+TEST_F(TarFormTest, OneFolderOffersItsContents) {
+  select({"lib"});
+  window_.rootOffered = false;
+  EXPECT_EQ(show([&](QDialog& form) {
+              EXPECT_EQ(form.windowTitle(), "Create Tar File");
+              EXPECT_EQ(outputOf(form), "C:\\pkg\\lib.tgz");
+              EXPECT_TRUE(the<QCheckBox>(form, "checkContentsOnly").isVisible());
+              EXPECT_FALSE(the<QCheckBox>(form, "checkFolderContents").isVisible());
+              for (const char* box : {"checkContentsOnly", "checkOwner", "checkGroup", "optNew"})
+                EXPECT_TRUE(on(form, box)) << box;
+              EXPECT_EQ(the<QLabel>(form, "lblAdd").text(), "1 items <b>");
+              EXPECT_EQ(the<ScrollList>(form, "listOwner").entries().last(), "usr8");
+              press(form, "checkOwner");
+              EXPECT_FALSE(the<ScrollList>(form, "listOwner").isEnabled());
+              press(form, "cmdTar");
+            }),
+            TarSelection::Selected);
+  EXPECT_FALSE(stayedOpen_);
+  EXPECT_EQ(members("pkg/lib.tgz"), "part\n");
+  EXPECT_EQ(window_.asked, std::vector<std::string>{"refresh"});
+}
+
+TEST_F(TarFormTest, AFileGoesToTheClipboardThenSerialThenNetwork) {
+  select({"a"});
+  show([&](QDialog& form) {
+    EXPECT_EQ(outputOf(form), "C:\\pkg\\a.tgz");
+    EXPECT_TRUE(the<QCheckBox>(form, "checkFolderContents").isVisible());
+    EXPECT_FALSE(the<QCheckBox>(form, "checkFolderContents").isEnabled());
+    the<ScrollList>(form, "listOwner").setTopIndex(8);
+    for (const char* box : {"checkNetworkDownload", "checkCopyToClipboard", "checkSerialDownload"})
+      press(form, box);
+    the<QLineEdit>(form, "txtFileOut").setText(QString::fromUtf8("C:\\pkg\\b \xEF\x83\xBF.tbz2"));
+    QTest::keyClick(&the<QLineEdit>(form, "txtFileOut"), Qt::Key_Return);
+  });
+  EXPECT_FALSE(stayedOpen_);
+  EXPECT_NE(output("tar -tvf " + root_ + "/disk/pkg/b*.tbz2").find(" 0/1 "), std::string::npos);
+  const std::string path = "C:\\pkg\\b \xEF\x83\xBF.tbz2";
+  EXPECT_EQ(window_.asked, (std::vector<std::string>{"refresh", "serial " + path, "network " + path}));
+  const QMimeData* const held = QApplication::clipboard()->mimeData();
+  const QByteArray url = "file://" + QByteArray::fromStdString(root_) + "/disk/pkg/b%20%FF.tbz2";
+  EXPECT_EQ(held->data("text/uri-list").trimmed(), url);
+  EXPECT_EQ(held->data("x-special/gnome-copied-files"), "copy\n" + url);
+}
+
+TEST_F(TarFormTest, TheWholeFolderMayHoldItsParentEntry) {
+  const auto answer = [&](bool agrees, bool parent) {
+    person_.agrees = agrees;
+    window_.selected.clear();
+    return show([&](QDialog& form) {
+      EXPECT_EQ(outputOf(form), "C:\\pkg\\pkg.tgz");
+      if (parent) press(form, "checkFolderContents");
+      press(form, "cmdTar");
+    });
+  };
+  EXPECT_EQ(answer(true, false), TarSelection::WholeFolder);
+  EXPECT_EQ(person_.told.front(),
+            "Warning..|This will create a tar file for all files and subdirectories under:\rC:\\pkg");
+  EXPECT_EQ(members("pkg/pkg.tgz"), "a\nlib/\nlib/part\n");
+  EXPECT_EQ(answer(true, true), TarSelection::WholeFolder);
+  EXPECT_EQ(members("pkg/pkg.tgz"), "pkg/\npkg/a\npkg/lib/\npkg/lib/part\n");
+}
+
+TEST_F(TarFormTest, ChecksStopBeforeAnythingIsShown) {
+  person_.agrees = false;
+  EXPECT_EQ(CheckTarSelection(services(), window_, pickers_, nullptr, true), TarSelection::Stopped);
+  EXPECT_TRUE(window_.selected.empty());
+  person_.agrees = true;
+  EXPECT_EQ(CheckTarSelection(services(), window_, pickers_, nullptr, false), TarSelection::WholeFolder);
+  select({"gone"});
+  EXPECT_EQ(CheckTarSelection(services(), window_, pickers_, nullptr, true), TarSelection::Stopped);
+  select({});
+  window_.folder = "C:\\gone\\";
+  EXPECT_EQ(CheckTarSelection(services(), window_, pickers_, nullptr, true), TarSelection::Stopped);
+  EXPECT_EQ(person_.told.back(),
+            "Unable to locate path|The selected directory no longer exists\rTry clicking Refresh");
+}
+
+TEST_F(TarFormTest, SaveDialogAddsExtensionsAndAsksAgain) {
+  write("pkg/old.tar");
+  select({"a"});
+  person_.agrees = false;
+  pickers_.answers = {{"C:\\pkg\\old", 2}, {"C:\\pkg.d\\new", 3}};
+  show([&](QDialog& form) {
+    press(form, "cmdGetOut");
+    EXPECT_EQ(person_.told, std::vector<std::string>{"Select Anyway?|'C:\\pkg\\old.tar' already exists"});
+    EXPECT_EQ(outputOf(form), "C:\\pkg.d\\new.tbz2");
+    EXPECT_EQ(pickers_.last.startFolder, "C:\\pkg");
+    press(form, "cmdGetOut");  // cancelled
+    EXPECT_EQ(outputOf(form), "C:\\pkg.d\\new.tbz2");
+    pickers_.answers = {{"C:\\pkg\\named.bin", 1}};
+    press(form, "cmdGetOut");
+    EXPECT_EQ(outputOf(form), "C:\\pkg\\named.bin");
+  });
+}
+
+TEST_F(TarFormTest, AFailureLeavesTheDialogOpenForAnotherTry) {
+  select({"a"});
+  show([&](QDialog& form) {
+    auto& append = the<QRadioButton>(form, "optAppend");
+    the<QLineEdit>(form, "txtFileOut").setText("C:\\pkg\\x.tar");
+    ASSERT_TRUE(append.isEnabled());
+    append.click();
+    the<QLineEdit>(form, "txtFileOut").setText("C:\\pkg\\x.TGZ");
+    EXPECT_FALSE(append.isEnabled());
+    EXPECT_TRUE(on(form, "optNew"));
+    the<QPushButton>(form, "cmdTar").setFocus();
+    press(form, "cmdTar");
+    EXPECT_EQ(person_.told.back(), "Output file error..|Unrecognized Tar file extension");
+    EXPECT_EQ(form.focusWidget(), &the<QLineEdit>(form, "txtFileOut"));
+    the<QLineEdit>(form, "txtFileOut").setText("C:\\nowhere\\x.tgz");
+    press(form, "cmdTar");
+    EXPECT_EQ(the<QPushButton>(form, "cmdTar").text(), "Create Tar");
+    EXPECT_TRUE(the<QPushButton>(form, "cmdTar").isEnabled());
+  });
+  EXPECT_TRUE(stayedOpen_);
+  EXPECT_TRUE(window_.asked.empty());
+}
+
+}  // namespace

@@ -1,0 +1,358 @@
+#include <QAbstractItemModelTester>
+#include <QApplication>
+#include <QComboBox>
+#include <QInputDialog>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMenu>
+#include <QMessageBox>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+#include <QTreeView>
+
+#include "archive/ArchiveTreeBuilder.h"
+#include "archive/frameUntar.h"
+#include "archive/frmGetOutFolder.h"
+#include "archive/frmOverwriteFile.h"
+#include "archive/frmQuickExtract.h"
+#include "platform/desktop/FolderList.h"
+#include "shell/DesktopUser.h"
+#include "tests/World.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+using archive::frameUntar;
+
+/// Acts on the next modal window, once it is there; one of another kind is closed and is a failure.
+template <typename Window>
+void onNextModal(std::function<void(Window&)> act, int tries = 400) {
+  QTimer::singleShot(5, [act = std::move(act), tries] {
+    QWidget* modal = QApplication::activeModalWidget();
+    if (modal == nullptr && tries > 0) return onNextModal<Window>(act, tries - 1);
+    ASSERT_NE(modal, nullptr);
+    if (auto* window = qobject_cast<Window*>(modal)) return act(*window);
+    ADD_FAILURE() << "another window: " << modal->metaObject()->className();
+    modal->close();
+  });
+}
+
+class MainWindow : public runtime::MainWindow {
+ public:
+  void getDirPaneSelected() override {}
+  std::vector<std::string> selectedPaths() const override { return selected; }
+  std::string selectionText() const override { return ""; }
+  std::vector<std::string> paneItems() const override { return {}; }
+  std::string GetDir1Path() const override { return "C:\\"; }
+  void selectAllRows() override {}
+  void refreshKeepList() override { ++refreshes; }
+  bool setOwnerShown() const override { return true; }
+  void netSetFile(const std::string&) override {}
+  void showfrmWDXOptions(const std::string&) override {}
+
+  std::vector<std::string> selected;
+  int refreshes = 0;
+};
+
+class Pickers : public platform::desktop::FilePickers {
+ public:
+  std::string openFile(const platform::desktop::FileRequest& request) override {
+    asked = request;
+    return answer;
+  }
+  std::string saveFile(const platform::desktop::FileRequest&) override { return ""; }
+  std::string folder(const std::string& title, const std::string& startFolder) override {
+    asked = {title, startFolder, "", 1, ""};
+    return answer;
+  }
+  bool canAskForFolder() const override { return works; }
+
+  platform::desktop::FileRequest asked;
+  std::string answer;
+  bool works = true;
+};
+
+/// Whoever sits in front: events run as in the program, and something can happen while they do.
+class Sitter : public testworld::Person {
+ public:
+  void letEventsRun() override {
+    QApplication::processEvents();
+    if (meanwhile) meanwhile();
+  }
+  std::function<void()> meanwhile;
+};
+
+class UntarTest : public testworld::World {
+ protected:
+  UntarTest() {
+    findTools();
+    write("in/usr/bin/app", "new");
+    write("in/usr/lib", "new");
+    write("in/top", "new");
+    output("cd " + host("in") + " && tar -czf ../pkg.tgz usr top");
+    QObject::connect(&frame_, &frameUntar::shown, [this] { events_ += "shown "; });
+    QObject::connect(&frame_, &frameUntar::closed, [this] { events_ += "closed "; });
+    frame_.show();
+  }
+
+  template <typename Control>
+  Control& get(const char* name) {
+    auto* control = frame_.findChild<Control*>(name);
+    if (control == nullptr) throw std::runtime_error(name);
+    return *control;
+  }
+  void click(const char* name) { get<QPushButton>(name).click(); }
+  std::string text(const char* name) { return get<QLineEdit>(name).text().toStdString(); }
+  QAbstractItemModel& model() { return *get<QTreeView>("tarTree").model(); }
+  QModelIndex at(const std::vector<int>& rows) {
+    QModelIndex index;
+    for (const int row : rows) index = model().index(row, 0, index);
+    return index;
+  }
+  void openPackage() {
+    window_.selected = {"C:\\pkg.tgz"};
+    frame_.open();
+  }
+  bool extractionEnabled() {
+    const bool enabled = get<QPushButton>("cmdUnTar").isEnabled();
+    for (const char* name : {"cmdUnTarSelected", "cmdSelectAllTar", "cmdSelectNoneTar"})
+      EXPECT_EQ(get<QPushButton>(name).isEnabled(), enabled) << name;
+    return enabled;
+  }
+
+  Sitter sitter_;
+  runtime::modAPI api2_{system_, sitter_};
+  runtime::Services services_{system_, api2_, cygwin_, sitter_, log_, stored_};
+  MainWindow window_;
+  Pickers pickers_;
+  frameUntar frame_{services_, window_, pickers_};
+  std::string events_;
+};
+
+TEST_F(UntarTest, OpensWithAHintOrListsTheSelectedArchive) {
+  frame_.open();
+  EXPECT_EQ(frame_.title(), QString("Extract Tar File"));
+  EXPECT_EQ(text("txtFileIn") + "|" + text("txtOutLocation"),
+            "Select Tar File To Extract|Select Output Folder");
+  EXPECT_EQ(at({0}).data(), QString("Click 'Refresh Contents' to display Tar file contents"));
+  EXPECT_FALSE(at({0}).data(Qt::CheckStateRole).isValid());
+  click("cmdUnTarSelected");
+  EXPECT_EQ(sitter_.told.back(), "Pakrune|There are no files to extract, please select a tar file");
+  click("cmdRefresh");
+  EXPECT_EQ(sitter_.told.back(), "Input not selected..|Please select a Tar file first");
+  EXPECT_EQ(get<QLineEdit>("txtFileIn").selectedText(), QString("Select Tar File To Extract"));
+  openPackage();
+  EXPECT_EQ(events_, "shown shown ");
+  EXPECT_EQ(text("txtFileIn") + "|" + text("txtOutLocation"), "C:\\pkg.tgz|C:\\pkg\\");
+  EXPECT_EQ(at({0}).data().toString() + at({0, 0, 0}).data().toString() + at({1}).data().toString(),
+            "usrapptop");
+  EXPECT_TRUE(extractionEnabled() && get<QTreeView>("tarTree").isVisible());
+  EXPECT_FALSE(get<QProgressBar>("pbTarRefresh").isVisible() ||
+               get<QWidget>("frameTarRefreshLabel").isVisible());
+  EXPECT_FALSE(get<QWidget>("TreeView1").isVisible());
+  const QAbstractItemModelTester tester(&model(), QAbstractItemModelTester::FailureReportingMode::Fatal);
+  click("cmdRefresh");
+  EXPECT_EQ(model().rowCount(), 2);
+  frame_.open("C:\\in\\x.tar");
+  EXPECT_EQ(sitter_.told.back(), "Error|Invalid tar file C:\\in\\x.tar");
+}
+
+TEST_F(UntarTest, ChecksColoursAndImages) {
+  openPackage();
+  const QAbstractItemModelTester tester(&model(), QAbstractItemModelTester::FailureReportingMode::Fatal);
+  const auto checked = [](const QModelIndex& index) {
+    return index.data(Qt::CheckStateRole).toInt() == Qt::Checked;
+  };
+  EXPECT_TRUE(checked(at({0})) && checked(at({0, 0, 0})));
+  model().setData(at({0, 0, 0}), Qt::Unchecked, Qt::CheckStateRole);
+  EXPECT_FALSE(checked(at({0})) || checked(at({0, 0})));
+  EXPECT_EQ(at({0}).data(Qt::ForegroundRole).value<QColor>(), QColor(255, 0, 0));
+  EXPECT_FALSE(at({0, 1}).data(Qt::ForegroundRole).isValid());
+  click("cmdSelectAllTar");
+  EXPECT_TRUE(checked(at({0, 0, 0})) && !at({0}).data(Qt::ForegroundRole).isValid());
+  click("cmdSelectNoneTar");
+  EXPECT_FALSE(checked(at({0})) || checked(at({1})));
+  const auto picture = [&] { return at({0}).data(Qt::DecorationRole).value<QIcon>().cacheKey(); };
+  const qint64 closed = picture();
+  get<QTreeView>("tarTree").expand(at({0}));
+  EXPECT_NE(picture(), closed);
+  get<QTreeView>("tarTree").collapse(at({0}));
+  EXPECT_EQ(picture(), closed);
+}
+
+TEST_F(UntarTest, RightClickShowsAnEntrysProperties) {
+  openPackage();
+  auto& tree = get<QTreeView>("tarTree");
+  auto* menu = frame_.findChild<QMenu*>("mnuTarTreeRightClick");
+  EXPECT_EQ(menu->title(), QString("TAR_RIGHT_CLICK"));
+  emit tree.customContextMenuRequested(tree.visualRect(at({1})).center());
+  EXPECT_TRUE(menu->isVisible());
+  menu->findChild<QAction*>("mnuTarTreeProperties")->trigger();
+  EXPECT_TRUE(
+      sitter_.told.back().starts_with("top Properties|Size:                 3 bytes\rModified:          "))
+      << sitter_.told.back();
+  tree.setCurrentIndex(at({1}));
+  const QPoint empty(5, tree.viewport()->height() - 5);
+  QTest::mouseClick(tree.viewport(), Qt::LeftButton, {}, empty);
+  EXPECT_FALSE(tree.currentIndex().isValid());
+  emit tree.customContextMenuRequested(empty);
+  EXPECT_FALSE(menu->isVisible());
+}
+
+TEST_F(UntarTest, FailedListingLeavesTheFrameUsable) {
+  write("bad.tgz", "no archive");
+  frame_.open("C:\\bad.tgz");
+  EXPECT_TRUE(sitter_.told.back().starts_with("Error Opening Package|An error occurred"))
+      << sitter_.told.back();
+  EXPECT_FALSE(extractionEnabled());
+  EXPECT_TRUE(get<QPushButton>("cmdRefresh").isEnabled() && get<QLineEdit>("txtFileIn").isEnabled());
+  EXPECT_EQ(model().rowCount(), 0);
+}
+
+TEST_F(UntarTest, CancelDuringAListingKeepsTheNodesSoFar) {
+  for (int i = 0; i < 3000; ++i) write("many/f" + std::to_string(i), "");
+  output("cd " + host("many") + " && tar -cf ../many.tar .");
+  sitter_.meanwhile = [this] {
+    if (get<QTreeView>("tarTree").isVisible()) return;
+    EXPECT_FALSE(extractionEnabled() || get<QPushButton>("cmdGetFile").isEnabled());
+    EXPECT_TRUE(get<QProgressBar>("pbTarRefresh").isVisible());
+    sitter_.meanwhile = nullptr;
+    click("cmdCancel");
+  };
+  frame_.open("C:\\many.tar");
+  EXPECT_LT(model().rowCount(), 3000);
+  EXPECT_EQ(events_, "shown closed ");
+  EXPECT_TRUE(get<QTreeView>("tarTree").isVisible() && get<QPushButton>("cmdRefresh").isEnabled());
+  EXPECT_FALSE(extractionEnabled());
+}
+
+TEST_F(UntarTest, ExtractsAndCloses) {
+  openPackage();
+  model().setData(at({0, 1}), Qt::Unchecked, Qt::CheckStateRole);
+  click("cmdUnTarSelected");
+  EXPECT_EQ(bytes("pkg/usr/bin/app") + bytes("pkg/top"), "newnew");
+  EXPECT_FALSE(fs::exists(host("pkg/usr/lib")));
+  EXPECT_EQ(events_, "shown closed ");
+  EXPECT_EQ(window_.refreshes, 1);
+  EXPECT_EQ(log_.all, " Extracted file: C:\\pkg.tgz\n");
+  get<QLineEdit>("txtOutLocation").setText("Select Output Folder");
+  click("cmdUnTar");
+  EXPECT_EQ(sitter_.told.back(), "Ouput not selected..|Please choose an output location");
+  EXPECT_EQ(window_.refreshes, 1);
+}
+
+TEST_F(UntarTest, ListsAgainWhenTheBoxNamesAnotherArchive) {
+  openPackage();
+  write("other/x");
+  output("cd " + host("other") + " && tar -cf ../other.tar x && touch -d 2001-01-01 ../other.tar");
+  get<QLineEdit>("txtFileIn").setText("C:\\other.tar");
+  click("cmdUnTar");
+  EXPECT_EQ(at({0}).data(), QString("x"));
+  EXPECT_TRUE(fs::exists(host("pkg/x")) && !fs::exists(host("pkg/top")));
+  fs::remove(host("pkg/x"));
+  output("cd " + host("in") + " && tar -cf ../other.tar usr");
+  click("cmdUnTar");
+  EXPECT_TRUE(fs::exists(host("pkg/usr/lib")));
+}
+
+TEST_F(UntarTest, OverwriteDialogGivesEveryAnswer) {
+  write("pkg/usr/lib", "old");
+  write("pkg/top", "old");
+  openPackage();
+  const auto press = [](const char* name, bool folder, std::function<void()> then = {}) {
+    onNextModal<archive::frmOverwriteFile>([=](archive::frmOverwriteFile& dialog) {
+      const auto shown = [&](const char* label) {
+        return dialog.findChild<QLabel*>(label)->text().toStdString();
+      };
+      EXPECT_EQ(dialog.windowTitle(), QString("Pakrune"));
+      EXPECT_EQ(shown("lblPrompt"), folder ? "Overwrite Existing Folder?" : "Confirm File Overwrite?");
+      EXPECT_EQ(dialog.findChild<QLabel*>("lblFolderNote")->isVisible(), folder);
+      EXPECT_EQ(shown("lblPath"), folder ? "C:\\pkg\\usr" : "C:\\pkg\\top");
+      EXPECT_TRUE(shown("lblInTar").starts_with(folder ? "0 bytes, 2" : "3 bytes, 2")) << shown("lblInTar");
+      EXPECT_TRUE(shown("lblToReplace").starts_with(folder ? "0 bytes, " : "3 bytes, "));
+      if (then) then();
+      if (*name == '\0') return static_cast<void>(QTest::keyClick(&dialog, Qt::Key_Escape));
+      dialog.findChild<QPushButton*>(name)->click();
+    });
+  };
+  const auto result = [this] {
+    click("cmdUnTar");
+    return bytes("pkg/usr/lib") + bytes("pkg/top");
+  };
+  press("cmdCancel", true);
+  EXPECT_EQ(result(), "oldold");
+  press("", true);
+  EXPECT_EQ(result(), "oldold");
+  EXPECT_EQ(get<QLineEdit>("txtOutLocation").selectedText(), QString("C:\\pkg\\"));
+  press("cmdNo", true, [&] { press("cmdYes", false); });
+  EXPECT_EQ(result(), "oldnew");
+  write("pkg/top", "old");
+  press("cmdYes", true, [&] { press("cmdNo", false); });
+  EXPECT_EQ(result(), "newold");
+  press("cmdAll", true);
+  EXPECT_EQ(result(), "newnew");
+}
+
+TEST_F(UntarTest, PickersStartBesideTheArchive) {
+  frame_.open();
+  get<QLineEdit>("txtFileIn").setText("C:\\in\\a.tar");
+  pickers_.answer = "C:\\pkg.tgz";
+  click("cmdGetFile");
+  EXPECT_EQ(pickers_.asked.title + pickers_.asked.startFolder, "Select Tar FileC:\\in\\");
+  EXPECT_EQ(pickers_.asked.filterIndex, 4);
+  EXPECT_EQ(at({1}).data(), QString("top"));
+  pickers_.answer = "C:\\in";
+  click("cmdSelectOut");
+  EXPECT_EQ(pickers_.asked.title, "Please select an output folder.");
+  EXPECT_EQ(text("txtOutLocation"), "C:\\in");
+  pickers_.answer = "";
+  click("cmdSelectOut");
+  EXPECT_EQ(text("txtOutLocation"), "C:\\in");
+  pickers_.works = false;
+  onNextModal<archive::frmGetOutFolder>([](archive::frmGetOutFolder& dialog) {
+    EXPECT_EQ(dialog.windowTitle(), QString("Choose Output Folder"));
+    EXPECT_EQ(dialog.GetDirListPath(), "C:\\");
+    dialog.findChild<platform::desktop::FolderList*>("dirList")->setPath("C:\\in\\usr");
+    dialog.findChild<QPushButton*>("cmdOK")->click();
+  });
+  click("cmdSelectOut");
+  EXPECT_EQ(text("txtOutLocation"), "C:\\in\\usr");
+}
+
+TEST_F(UntarTest, NewOutputFolderNeedsAProperName) {
+  archive::frmGetOutFolder dialog(services_, "C:\\in");
+  const auto type = [](const char* name, std::function<void()> then = {}) {
+    onNextModal<QInputDialog>([=](QInputDialog& box) {
+      EXPECT_EQ(box.labelText(), QString("Enter new folder name"));
+      box.setTextValue(name);
+      if (then) then();
+      box.accept();
+    });
+  };
+  type("a\"b", [&] { type("fresh"); });
+  dialog.findChild<QPushButton*>("cmdNewFolder")->click();
+  EXPECT_EQ(
+      sitter_.told.back(),
+      "Folder Name Error..|Folder name cannot contain any of the following characters:\r\\ / : * ? \" < > |");
+  EXPECT_TRUE(fs::is_directory(host("in/fresh")));
+  EXPECT_FALSE(archive::isFolderName("a\xEF\x80\xBA"));
+}
+
+TEST_F(UntarTest, QuickExtractionStaysShownAndCancelEndsTheProgram) {
+  int ended = 0;
+  archive::frmQuickExtract quick(services_, [&] { ++ended; });
+  quick.show();
+  fs::create_directory(host("quick"));
+  EXPECT_TRUE(quick.QuickExtract("C:\\pkg.tgz", "C:\\quick").complete);
+  EXPECT_EQ(bytes("quick/top"), "new");
+  EXPECT_EQ(quick.findChild<QProgressBar*>("ProgressBar1")->value(), 100);
+  EXPECT_TRUE(quick.isVisible());
+  quick.findChild<QPushButton*>("cmdCancel")->click();
+  QTest::keyClick(&quick, Qt::Key_Escape);
+  EXPECT_EQ(ended, 2);
+}
+
+}  // namespace

@@ -1,0 +1,127 @@
+#include "tools/kt500sim_tar.h"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdlib>
+
+#include "platform/Descriptor.h"
+
+namespace kt500sim {
+namespace {
+
+constexpr std::size_t longestLine = 64 * 1024;  // bytes; a listing with more is not worth reading
+
+[[noreturn]] void becomeTar(const std::vector<std::string>& arguments, int output) {
+  std::vector<char*> words{const_cast<char*>("tar")};
+  for (const std::string& argument : arguments) words.push_back(const_cast<char*>(argument.c_str()));
+  words.push_back(nullptr);
+  dup2(open("/dev/null", O_RDONLY), STDIN_FILENO);
+  dup2(output, STDOUT_FILENO);
+  dup2(output, STDERR_FILENO);
+  setenv("LC_ALL", "C", 1);
+  unsetenv("TAR_OPTIONS");
+  umask(0);  // modes as the archive has them
+  execvp("tar", words.data());
+  _exit(127);
+}
+
+/// Cuts what arrives into lines; false when `line` wants no more or a line has no end.
+bool passLines(int input, const std::function<bool(std::string_view)>& line) {
+  std::string waiting;
+  std::array<char, 4096> buffer;
+  while (true) {
+    const ssize_t count = read(input, buffer.data(), buffer.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) return waiting.empty() || line(waiting);
+    waiting.append(buffer.data(), static_cast<std::size_t>(count));
+    std::size_t start = 0;
+    for (std::size_t end; (end = waiting.find('\n', start)) != std::string::npos; start = end + 1)
+      if (!line(std::string_view(waiting).substr(start, end - start))) return false;
+    waiting.erase(0, start);
+    if (waiting.size() > longestLine) return false;
+  }
+}
+
+bool hasComponent(std::string_view path, std::string_view component) {
+  while (true) {
+    const std::size_t slash = path.find('/');
+    if (path.substr(0, slash) == component) return true;
+    if (slash == path.npos) return false;
+    path.remove_prefix(slash + 1);
+  }
+}
+
+bool leadsInside(std::string_view path) {
+  return !path.empty() && path.front() != '/' && !hasComponent(path, "..");
+}
+
+bool isMemberName(std::string_view name) {
+  constexpr std::string_view beside = "../usr8";
+  if (name == beside) return true;
+  if (name.starts_with("../usr8/")) name.remove_prefix(beside.size() + 1);
+  return name.empty() || leadsInside(name);
+}
+
+/// Every place where a target might begin is one: which of them it is the text does not say.
+std::vector<std::string_view> pieces(std::string_view text, std::string_view separator) {
+  std::vector<std::string_view> found;
+  for (std::size_t at; (at = text.find(separator)) != text.npos; text.remove_prefix(at + separator.size()))
+    found.push_back(text.substr(0, at));
+  found.push_back(text);
+  return found;
+}
+
+}  // namespace
+
+bool runTar(const std::vector<std::string>& arguments, const std::function<bool(std::string_view)>& line) {
+  int ends[2];
+  if (pipe2(ends, O_CLOEXEC) != 0) return false;
+  const platform::Descriptor input(ends[0]);
+  platform::Descriptor output(ends[1]);
+  const pid_t child = fork();
+  if (child == 0) becomeTar(arguments, output.get());
+  output.closeNow();
+  if (child < 0) return false;
+  const bool passed = passLines(input.get(), line);
+  if (!passed) kill(child, SIGTERM);
+  int status = 0;
+  while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
+  }
+  return passed && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+}
+
+bool readMember(std::string_view line, Member& member) {
+  std::string_view rest = line;
+  const auto field = [&rest] {
+    rest.remove_prefix(std::min(rest.find_first_not_of(' '), rest.size()));
+    const std::string_view text = rest.substr(0, rest.find(' '));
+    rest.remove_prefix(text.size());
+    return std::string(text);
+  };
+  member.mode = field();
+  member.owner = field();
+  member.size = field();
+  field();  // date
+  field();  // time
+  if (rest.size() < 2 || member.mode.size() != 10) return false;
+  member.name = rest.substr(1);
+  return true;
+}
+
+bool staysInside(const Member& member) {
+  const char kind = member.mode.front();
+  if (kind == '-' || kind == 'd') return isMemberName(member.name);
+  if (kind != 'l' && kind != 'h') return false;
+  const auto parts = pieces(member.name, kind == 'l' ? " -> " : " link to ");
+  if (parts.size() < 2 || !isMemberName(parts.front())) return false;
+  for (std::size_t i = 1; i < parts.size(); ++i)
+    if (kind == 'l' ? !leadsInside(parts[i]) : !isMemberName(parts[i])) return false;
+  return true;
+}
+
+}  // namespace kt500sim

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace kt500sim {
+
+/// Runs the host's tar; each line of its output, errors among them, goes to `line`, which ends the run by
+/// returning false. True when tar ended well.
+bool runTar(const std::vector<std::string>& arguments, const std::function<bool(std::string_view)>& line);
+
+/// One line of `tar -tv --numeric-owner --quoting-style=escape`.
+struct Member {
+  std::string mode;   ///< "-rwxr-xr-x"
+  std::string owner;  ///< "500/1"
+  std::string size;
+  std::string name;  ///< a link's target behind it: " -> " or " link to "
+};
+bool readMember(std::string_view line, Member& member);
+
+/// Whether a member stays in the home into which it is unpacked, or in that of usr8: no absolute name, no
+/// ".." on the way, no device, no link whose target leads out.
+bool staysInside(const Member& member);
+
+}  // namespace kt500sim

@@ -1,0 +1,36 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that the commands below need and that are missing. Usage: tools/setup.sh [build|check]...
+set -euo pipefail
+export DEBIAN_FRONTEND=noninteractive
+packages=(
+  g++ cmake ninja-build ccache       # compiler and build
+  qt6-base-dev qt6-base-dev-tools    # windows, network
+  libqt6svg6                         # the plugin that draws the SVG pictures of the file lists (run time only)
+  libgtest-dev                       # tests
+  tar gzip bzip2 coreutils findutils binutils # the tools that the program drives (binutils: ar, for .ipk)
+  pigz lbzip2                        # packing on every core
+  fonts-dejavu-core                  # a font for windows on a bare system
+)
+for group in "$@"; do
+  case $group in
+    build) ;;
+    check) packages+=(clang-format clang-tidy git) ;;
+  esac
+done
+missing=()
+for package in "${packages[@]}"; do
+  [ "$(dpkg-query -W -f '${Status}' "$package" 2>/dev/null)" = "install ok installed" ] || missing+=("$package")
+done
+[ ${#missing[@]} -gt 0 ] || exit 0
+echo "== installing: ${missing[*]}"
+install=(apt-get install -y -qq --no-install-recommends "${missing[@]}")
+if [ "$(id -u)" = 0 ]; then
+  as_root=()
+elif command -v sudo >/dev/null; then
+  as_root=(sudo --preserve-env=DEBIAN_FRONTEND)
+else
+  echo "As root, run: apt-get update && ${install[*]}" >&2
+  exit 1
+fi
+"${as_root[@]}" apt-get update -qq
+"${as_root[@]}" "${install[@]}" >/dev/null
