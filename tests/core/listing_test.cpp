@@ -66,8 +66,8 @@ TEST(ListingLine, FieldsAreFoundFromDateAndTime) {
 TEST(ListingLine, LinkTextIsCutForLinksOnly) {
   const auto split = [](const std::string& text) {
     static std::string kept;
-    kept = text;
-    return splitLinkText(*parseListingLine(kept.substr(0, kept.size() - 1)));
+    kept = text.substr(0, text.size() - 1);  // without the line feed; the entry views it
+    return splitLinkText(*parseListingLine(kept));
   };
   EXPECT_EQ(split(line("lib/a.so -> b -> c", 'l')).name, "lib/a.so");
   EXPECT_EQ(split(line("lib/a.so -> b -> c", 'l')).target, "b -> c");
