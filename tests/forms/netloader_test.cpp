@@ -307,7 +307,10 @@ TEST_F(NetloaderTest, AddressBoxesAndKeys) {
 }
 
 TEST_F(NetloaderTest, HeightsAndLists) {
-  const auto height = [this](const char* path) { return open(path).height() * 1440 / form_->logicalDpiY(); };
+  const auto height = [this](const char* path) {
+    const frmNetloader& form = open(path);
+    return form.height() * 1440 / form.logicalDpiY();
+  };
   EXPECT_GE(height("C:\\app.tgz"), 3195);
   EXPECT_FALSE(the<QWidget>("framePerms").isVisible());
   QTest::keyClick(form_.get(), Qt::Key_F10, Qt::ControlModifier | Qt::ShiftModifier);
