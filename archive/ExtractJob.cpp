@@ -5,20 +5,13 @@
 
 #include "archive/ExtractCommand.h"
 #include "archive/ListingLine.h"
+#include "archive/NamesFile.h"
 #include "archive/Staging.h"
-#include "platform/HeldName.h"
 
 namespace archive {
 namespace {
 
 bool beginsWithDash(const std::string& member) { return member.starts_with('-'); }
-
-/// What tar reads with --null -T: bytes, each name ended by a NUL.
-std::string namesFileText(const std::vector<std::string>& names) {
-  std::string bytes;
-  for (const std::string& name : names) bytes += platform::releaseName(name) + '\0';
-  return bytes;
-}
 
 }  // namespace
 
@@ -26,7 +19,7 @@ std::optional<std::string> excludeOptions(const std::vector<std::string>& exclud
   if (excludes.empty()) return "";
   std::string text = "--anchored --no-wildcards ";
   for (const std::string& exclude : excludes) text += "\"--exclude=" + exclude + "\" ";
-  return text.size() <= longestMemberList ? std::optional(text) : std::nullopt;
+  return text.size() <= longestNameList ? std::optional(text) : std::nullopt;
 }
 
 ExtractJob::ExtractJob(const runtime::Services& services, ExtractPlan plan)
@@ -43,7 +36,7 @@ int ExtractJob::runTar() {
   std::string list = excludeOptions(plan_.excludes).value_or("");
   if (!plan_.withWhatIsBelow) list += "--no-recursion ";
   std::string names = memberList(plan_.members);
-  if (names.size() > longestMemberList ||
+  if (names.size() > longestNameList ||
       std::any_of(plan_.members.begin(), plan_.members.end(), beginsWithDash)) {
     place.emplace(services_.system.files, services_.log, services_.api.GetTempDir());
     const std::string file = place->path() + "\\names";
@@ -51,7 +44,7 @@ int ExtractJob::runTar() {
       services_.log.append(" Unable to write file: " + services_.api.GetTempDir() + "names");
       return platform::notStarted;
     }
-    names = "--null --verbatim-files-from -T " + runtime::ToCygwinPath(file) + ' ';
+    names = namesFileOptions(file);
   }
   return services_.api.RunAndWait(
       tarExtractCommand(plan_.kind, plan_.archivePath, plan_.outFolder, list + names));

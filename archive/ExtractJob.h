@@ -9,9 +9,6 @@
 
 namespace archive {
 
-/// Bytes of member names that go on one command line; more go through a file.
-constexpr std::size_t longestMemberList = 100'000;
-
 /// All that is settled before the tool starts.
 struct ExtractPlan {
   runtime::ArchiveKind kind;

@@ -4,6 +4,7 @@
 
 #include "archive/ExtractCommand.h"
 #include "archive/ListingLine.h"
+#include "archive/NamesFile.h"
 #include "platform/HeldName.h"
 #include "runtime/DirExists.h"
 
@@ -127,7 +128,7 @@ ExtractResult Extractor::ExtractArchive(const std::string& archivePath, const st
 /// Everything is what tar extracts without any names, and it looks for each member through all that it is
 /// given.
 void Extractor::passFewNames() {
-  if (answeredNo_ || memberList(plan_.members).size() <= longestMemberList) return;
+  if (answeredNo_ || memberList(plan_.members).size() <= longestNameList) return;
   plan_.members.clear();
   plan_.withWhatIsBelow = true;
 }

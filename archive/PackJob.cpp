@@ -1,11 +1,10 @@
 #include "archive/PackJob.h"
 
-#include <algorithm>
-#include <array>
 #include <string_view>
 
+#include "archive/ListingLine.h"
+#include "archive/NamesFile.h"
 #include "platform/CopyAttributes.h"
-#include "platform/HeldName.h"
 #include "platform/ResolvedPath.h"
 
 namespace archive {
@@ -14,8 +13,7 @@ namespace {
 using runtime::Buttons;
 using runtime::Icon;
 
-constexpr std::size_t longestList = 100'000;  ///< bytes of names on one command line
-constexpr int filesChanged = 1;               ///< tar's status when a file changed while it was read
+constexpr int filesChanged = 1;  ///< tar's status when a file changed while it was read
 constexpr int fatalError = 2;
 
 constexpr const char* missingFiles =
@@ -25,21 +23,6 @@ constexpr const char* failedPrompt =
     "Error: Unable to run necessary program files.\r\r"
     "If Cygwin is installed, make sure that the 'tar' package was also installed.\r"
     "Otherwise, try reinstalling Pakrune\r\rThe command that attempted to run is below:";
-
-/// tar's own words and those of the compressors that it starts, among the names that it lists.
-bool isRemark(std::string_view line) {
-  constexpr std::array<std::string_view, 5> speakers = {"tar: ", "gzip: ", "bzip2: ", "pigz: ", "lbzip2: "};
-  for (const std::string_view speaker : speakers)
-    if (line.starts_with(speaker)) return true;
-  return false;
-}
-
-/// What tar reads with --null -T: bytes, each name ended by a NUL.
-std::string namesFileText(const std::vector<std::string>& names) {
-  std::string bytes;
-  for (const std::string& name : names) bytes += platform::releaseName(name) + '\0';
-  return bytes;
-}
 
 }  // namespace
 
@@ -91,12 +74,12 @@ bool PackJob::writeList() {
   const bool allBelowUsr8 = staged() && plan_.insideUsr8;
   const std::string names = allBelowUsr8 ? "" : quotedNames(plan_.list.names);
   listText_ = exclusions();
-  if (names.size() <= longestList) {
+  if (names.size() <= longestNameList) {
     listText_ += names;
     return true;
   }
   const std::string namesFile = place_->path() + "\\names";
-  listText_ += "--null --verbatim-files-from -T " + runtime::ToCygwinPath(namesFile) + ' ';
+  listText_ += namesFileOptions(namesFile);
   return services_.system.files.writeText(namesFile, namesFileText(plan_.list.names));
 }
 
@@ -155,12 +138,9 @@ void PackJob::showFailedCommand() {
 }
 
 void PackJob::logRemarks() {
-  std::string_view text = services_.api.lastConsoleText();
-  while (!text.empty()) {
-    const std::string_view line = text.substr(0, text.find_first_of("\r\n"));
+  const std::string& said = services_.api.lastConsoleText();
+  for (const std::string_view line : completeLines(said))
     if (isRemark(line)) services_.log.append(std::string(line));
-    text.remove_prefix(std::min(text.size(), line.size() + 1));
-  }
 }
 
 }  // namespace archive

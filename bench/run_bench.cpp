@@ -6,15 +6,11 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <algorithm>
-#include <chrono>
-#include <cstdio>
 #include <cstdlib>
-#include <fstream>
-#include <functional>
 #include <string>
 #include <vector>
 
+#include "bench/Measure.h"
 #include "platform/Process.h"
 
 namespace {
@@ -22,33 +18,6 @@ namespace {
 constexpr std::size_t outputSize = 100'000'000;
 constexpr int shortTools = 500;
 constexpr int rounds = 5;
-
-using Clock = std::chrono::steady_clock;
-
-double seconds(const std::function<void()>& work) {
-  const auto begin = Clock::now();
-  work();
-  return std::chrono::duration<double>(Clock::now() - begin).count();
-}
-
-/// The ratio of the medians of interleaved runs.
-double ratio(const std::function<void()>& ours, const std::function<void()>& bare) {
-  std::vector<double> a;
-  std::vector<double> b;
-  for (int i = 0; i < rounds; ++i) {
-    b.push_back(seconds(bare));
-    a.push_back(seconds(ours));
-  }
-  std::sort(a.begin(), a.end());
-  std::sort(b.begin(), b.end());
-  std::printf("  (medians: %.1f ms, bare %.1f ms)\n", a[rounds / 2] * 1e3, b[rounds / 2] * 1e3);
-  return a[rounds / 2] / b[rounds / 2];
-}
-
-bool report(const char* what, double value, double bound) {
-  std::printf("%-50s %.2f (at most %.2f)%s\n", what, value, bound, value <= bound ? "" : "  MISSED");
-  return value <= bound;
-}
 
 pid_t startBare(const char* program, std::vector<std::string> arguments,
                 posix_spawn_file_actions_t* actions) {
@@ -83,16 +52,6 @@ void startManyBare() {
   for (int i = 0; i < shortTools; ++i) waitpid(startBare("/usr/bin/true", {"true"}, nullptr), nullptr, 0);
 }
 
-/// Bytes, from a line of /proc/self/status.
-std::size_t memory(const std::string& name) {
-  std::ifstream status("/proc/self/status");
-  for (std::string word; status >> word;) {
-    std::size_t kilobytes = 0;
-    if (word == name + ":" && status >> kilobytes) return kilobytes * 1024;
-  }
-  std::exit(2);
-}
-
 class RunBench {
  public:
   bool all();
@@ -109,10 +68,10 @@ class RunBench {
     }
   }
   double peak() {
-    std::ofstream("/proc/self/clear_refs") << "5";  // the high-water mark starts again
-    const std::size_t idle = memory("VmRSS");
+    bench::forgetPeak();
+    const std::size_t idle = bench::memory("VmRSS");
     captureMuch();
-    return static_cast<double>(memory("VmHWM") - idle) / outputSize;
+    return static_cast<double>(bench::memory("VmHWM") - idle) / outputSize;
   }
 
   platform::DriveTable drives_{{{'Z', "/"}}};
@@ -121,14 +80,20 @@ class RunBench {
 };
 
 bool RunBench::all() {
-  bool kept = report("peak memory of a 100 MB capture / output", peak(), 2.2);
-  kept &=
-      report("time of a 100 MB capture / bare read loop", ratio([this] { captureMuch(); }, readBare), 1.3);
-  kept &=
-      report("500 short tools / bare start and wait", ratio([this] { captureMany(); }, startManyBare), 1.3);
+  bool kept = bench::report("peak memory of a 100 MB capture / output", peak(), 2.2);
+  kept &= bench::report("time of a 100 MB capture / bare read loop",
+                        bench::ratio(
+                            rounds, [this] { captureMuch(); }, readBare),
+                        1.3);
+  kept &= bench::report("500 short tools / bare start and wait",
+                        bench::ratio(
+                            rounds, [this] { captureMany(); }, startManyBare),
+                        1.3);
   const std::vector<char> resident(std::size_t{1} << 30, 'x');
-  kept &=
-      report("the same with 1 GB of our own memory", ratio([this] { captureMany(); }, startManyBare), 1.3);
+  kept &= bench::report("the same with 1 GB of our own memory",
+                        bench::ratio(
+                            rounds, [this] { captureMany(); }, startManyBare),
+                        1.3);
   return kept && resident.back() == 'x';
 }
 

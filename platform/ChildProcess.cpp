@@ -136,6 +136,8 @@ bool ChildProcess::hasEnded() const {
 
 void ChildProcess::waitForOutput(int milliseconds) const { wait(output_.get(), -1, milliseconds); }
 
+void ChildProcess::waitForEnd(int milliseconds) const { wait(process_.get(), -1, milliseconds); }
+
 void ChildProcess::waitForOutputOrEnd(int milliseconds) const {
   wait(output_.get(), process_.get(), milliseconds);
 }

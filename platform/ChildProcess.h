@@ -36,6 +36,7 @@ class ChildProcess {
   /// Waits for output or its end, for at most so many milliseconds.
   void waitForOutput(int milliseconds) const;
   void waitForOutputOrEnd(int milliseconds) const;  ///< also for the end of the program itself
+  void waitForEnd(int milliseconds) const;
 
   /// What can be read at once, at most `size` bytes; 0 when there is nothing or the output has ended.
   std::size_t read(char* buffer, std::size_t size);

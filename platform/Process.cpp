@@ -47,6 +47,15 @@ class Pace {
   Clock::time_point next_ = Clock::now() + interval;
 };
 
+/// A tool that flushes after each line would wake its reader for each, and that costs both sides more than
+/// the line: such a tool is left alone for a moment, then all that it wrote is read at once.
+void letLinesGather(ChildProcess& child, std::size_t readsSoFar) {
+  constexpr std::size_t shortRun = 8;  // reads; a tool that says little is never kept waiting
+  constexpr std::size_t fewBytes = 4096;
+  constexpr int moment = 2;  // milliseconds
+  if (readsSoFar > shortRun && child.bytesWaiting() < fewBytes) child.waitForEnd(moment);
+}
+
 /// Not filled beforehand: what a short tool does not write costs nothing.
 using ReadBuffer = std::array<char, 1 << 16>;
 
@@ -158,8 +167,9 @@ RunResult HostCommandRunner::capture(const StartRequest& request, const WaitStep
   Pace pace(step);
   bool goesOn = true;
   ReadBuffer buffer;
-  while (goesOn && child->hasOutput()) {
+  for (std::size_t reads = 0; goesOn && child->hasOutput(); ++reads) {
     child->waitForOutput(pace.milliseconds());
+    letLinesGather(*child, reads);
     appendOutput(result.text, {buffer.data(), child->read(buffer.data(), buffer.size())});
     goesOn = pace.goesOn();
   }
@@ -185,8 +195,9 @@ RunResult HostCommandRunner::runVisible(const StartRequest& request, const Outpu
     return size == 0 || sink(std::string_view(buffer.data(), size));
   };
   bool goesOn = true;
-  while (goesOn && !child->hasEnded()) {
+  for (std::size_t reads = 0; goesOn && !child->hasEnded(); ++reads) {
     child->waitForOutputOrEnd(pace.milliseconds());
+    letLinesGather(*child, reads);
     goesOn = deliver(buffer.size()) && pace.goesOn();
   }
   // What was written before the end; a background child may write on, and is not listened to.

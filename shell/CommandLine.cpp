@@ -84,6 +84,12 @@ class TextMaker {
   const HoldName& hold_;
 };
 
+/// Shells complete the name of a folder with a slash.
+std::string_view withoutTrailingSlash(std::string_view name) {
+  while (name.size() > 1 && name.ends_with('/')) name.remove_suffix(1);
+  return name;
+}
+
 /// A single argument may be a whole list already, in which case it stands in quotes.
 std::string TextMaker::paths(const std::vector<std::string>& arguments) const {
   if (arguments.size() == 1)
@@ -106,7 +112,8 @@ std::string TextMaker::record(const std::vector<std::string>& arguments, Form fo
   std::string text = fields.front();
   for (std::size_t i = 1; i < fields.size(); ++i) {
     const bool isFolder = i == 1 || (i == 3 && form == Form::Extract);
-    text.append(fieldEnd).append(isFolder ? uncut(toWindows_(fields[i])) : hold_(fields[i]));
+    text.append(fieldEnd).append(isFolder ? uncut(toWindows_(fields[i]))
+                                          : hold_(withoutTrailingSlash(fields[i])));
   }
   return text;
 }

@@ -37,7 +37,7 @@ before=$(cksum <pkg/pkg.tgz)
 run 1 -qpack pkg a.txt "b c" -x .hidden usr8 # would replace
 grep -q "already exists" "$world/err" || fail "no question"
 [ ! -s "$world/out" ] || fail "a refused run names an archive"
-run 0 --yes -qpack pkg a.txt "b c" -x .hidden usr8
+run 0 --yes -qpack pkg a.txt "b c" -x .hidden usr8/ # as a shell completes it
 [ "$(cksum <pkg/pkg.tgz)" = "$before" ] || fail "packing twice gave other bytes"
 
 run 1 -qpack pkg mistyped
@@ -51,6 +51,20 @@ run 0 --yes -qpack pkg # everything, hidden entries too, never the old archive
 holds ./-x .hidden a.txt "b c" ../usr8/ ../usr8/set.ini
 run 0 --yes $'-qpack\r\nC:\\pkg\r\na.txt\r\nb c' # one argument with all fields
 holds a.txt "b c"
+
+run 0 -extract pkg pkg.tgz out/new
+cmp pkg/a.txt out/new/a.txt && cmp "pkg/b c" "out/new/b c" || fail "not what was packed"
+echo mine >out/new/a.txt
+run 1 -extract pkg pkg.tgz out/new
+[ "$(cat out/new/a.txt)" = mine ] || fail "a file was replaced unasked"
+run 0 --yes -extract pkg pkg.tgz out/new
+cmp pkg/a.txt out/new/a.txt || fail "the file was not replaced"
+head -c 100 pkg/pkg.tgz >pkg/cut.tgz
+run 1 --yes -extract pkg cut.tgz out/cut
+grep -q "end of file" "$world/err" || fail "nothing said of the missing end"
+run 1 -extract pkg none.tgz out/none
+[ ! -e out/none ] || fail "a folder was made for nothing"
+
 run 0 --batch --yes -qpack "$HOME/pkg" "b c"
 [ "$(cat "$world/out")" = "$HOME/pkg/b c.tgz" ] || fail "output: $(cat "$world/out")"
 

@@ -200,9 +200,14 @@ TEST_F(ProcessTest, TheEnvironmentIsOursToSay) {
   environment.set("CYGWIN", "ntsec");
   Words child = environment.forChild();
   std::sort(child.begin(), child.end());
-  EXPECT_EQ(child, (Words{"CYGWIN=ntsec", "KEPT=a=b", "LC_ALL=C.UTF-8",
-                          "PATH=" + host("disk") + "/t:/usr/bin:" + host("disk") + "/x:/usr/bin",
-                          "QUOTING_STYLE=escape", "TAR_OPTIONS=--sort=name --no-unquote"}));
+  EXPECT_EQ(child,
+            (Words{"CYGWIN=ntsec", "KEPT=a=b", "LC_ALL=C.UTF-8",
+                   "PATH=" + host("disk") + "/t:/usr/bin:" + host("disk") + "/x:/usr/bin",
+                   "QUOTING_STYLE=escape", "TAR_OPTIONS=--sort=name --no-unquote", "TZ=:/etc/localtime"}));
+  environment.set("TZ", "");  // universal time
+  child = environment.forChild();
+  EXPECT_EQ(std::count(child.begin(), child.end(), "TZ="), 1);
+  EXPECT_EQ(std::count(child.begin(), child.end(), "TZ=:/etc/localtime"), 0);
   EXPECT_EQ(environment.pathEntries()[1], "C:\\t\\");
   EXPECT_EQ(environment.pathEntries().size(), 11U);
 }

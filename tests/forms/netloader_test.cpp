@@ -246,7 +246,11 @@ TEST_F(NetloaderTest, AFileThatChangesIsNeverASuccess) {
     person_.told.clear();
     log_.all.clear();
     random(1500, "app.tgz");
-    QTimer::singleShot(450, [&] { fs::resize_file(host("app.tgz"), size); });
+    QTimer poll;
+    QObject::connect(&poll, &QTimer::timeout, [&] {
+      if (form_ != nullptr && status() == "Checking..") fs::resize_file(host("app.tgz"), size);
+    });
+    poll.start(10);
     const std::string events = sendTo("--delay 500");
     EXPECT_EQ(told(), "Unable to send file|The file was changed while it was being sent\n");
     EXPECT_EQ(log_.all, " FAILED to send app.tgz to 127.0.0.1\n");
