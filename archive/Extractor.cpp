@@ -253,7 +253,10 @@ ExtractResult Extractor::QuickExtract(const std::string& archivePath, const std:
   if (!settleFolder()) return refuse();
   guardNames(names, folderStands);
   plan_.withWhatIsBelow = !folderStands;
-  if (!folderStands && plan_.kind != ArchiveKind::Ipk) return run();
+  if (!folderStands && plan_.kind != ArchiveKind::Ipk) {
+    progress.showPercent(100);  // there is nothing to ask about
+    return progress.cancelled() ? refuse() : run();
+  }
   plan_.members = keptNames(names, progress);
   if (plan_.members.empty()) return refuse();
   passFewNames();

@@ -175,6 +175,7 @@ void frmTar::handOver(const std::string& outputPath) {
   if (copy && !ClipboardCopyFile(services.system.drives, outputPath))
     services.log.append(" Unable to copy to clipboard: " + outputPath);
   if (serial) mainWindow.showfrmWDXOptions(outputPath);
+  if (network && !self.isNull()) hide();
   if (network) mainWindow.netSetFile(outputPath);
   if (!self.isNull()) accept();
 }

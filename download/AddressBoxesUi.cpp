@@ -1,5 +1,7 @@
 #include "download/AddressBoxesUi.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <algorithm>
@@ -60,12 +62,23 @@ void AddressBoxes::dotReleased(std::size_t index) {
   boxes_[index + 1]->selectAll();
 }
 
+/// The address that was pasted, alone or into what the box held.
+std::optional<Address> AddressBoxes::pastedInto(const QString& text) {
+  for (const auto mode : {QClipboard::Clipboard, QClipboard::Selection}) {
+    const QString pasted = QGuiApplication::clipboard()->text(mode).trimmed();
+    if (const auto whole = wholeAddress(fromControl(pasted)); whole && text.contains(pasted)) return whole;
+  }
+  return wholeAddress(fromControl(text));
+}
+
 void AddressBoxes::firstChanged(const QString& text) {
-  if (text.size() <= octetLength) return;
-  if (const auto whole = wholeAddress(fromControl(text)))
+  if (text.size() <= octetLength) {
+    first_ = text;
+  } else if (const auto whole = pastedInto(text)) {
     fill(*whole);
-  else
-    boxes_.front()->setText(text.left(octetLength));
+  } else {
+    boxes_.front()->setText(first_.size() == octetLength ? first_ : text.left(octetLength));
+  }
 }
 
 }  // namespace download

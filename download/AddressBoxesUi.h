@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <array>
+#include <optional>
 
 #include "download/Protocol.h"
 
@@ -25,9 +26,11 @@ class AddressBoxes : public QObject {
 
  private:
   void dotReleased(std::size_t index);
+  static std::optional<Address> pastedInto(const QString& text);
   void firstChanged(const QString& text);
 
   std::array<QLineEdit*, 4> boxes_;
+  QString first_;  // what the first box holds, while that is no more than an octet
 };
 
 }  // namespace download

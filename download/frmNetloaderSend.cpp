@@ -195,6 +195,10 @@ bool frmNetloader::streamFile() {
     const std::size_t most = std::min<std::uint64_t>(chunk.size(), sendFileSize_ - bytesSent_);
     const std::optional<std::size_t> count = file_->read(chunk.data(), most);
     if (!count || *count == 0) return fileFailed(count ? fileChanged : fileUnreadable);
+    // A unit that has all that was announced keeps it: the last of it goes out of a file that is still the
+    // same.
+    const bool last = bytesSent_ + *count == sendFileSize_;
+    if (last && file_->size() != sendFileSize_) return fileFailed(fileChanged);
     if (!sendChunk({chunk.data(), *count})) return false;
     bytesSent_ += *count;
     ui_->ProgBar->setValue(percentOf(bytesSent_, sendFileSize_));

@@ -1,5 +1,7 @@
 #include "runtime/CygwinEnvironment.h"
 
+#include "runtime/Settings.h"
+
 namespace runtime {
 namespace {
 
@@ -8,8 +10,7 @@ constexpr const char* mountTableOn64Bit = "software\\Wow6432Node\\Cygnus Solutio
 constexpr const char* pathName = "Path";
 
 std::string mountedRoot(const platform::Registry& registry, const char* key) {
-  const auto value = registry.read(platform::Hive::LocalMachine, key, "native");
-  return value && value->type == platform::ValueType::Text ? value->text : "";
+  return registryText(registry, platform::Hive::LocalMachine, key, "native");
 }
 
 void reportBinaries(UserInterface& user, const std::string& tool) {

@@ -12,6 +12,13 @@ constexpr const char* writeFailed = "ERROR: Unable to write to registry";
 
 }  // namespace
 
+std::string registryText(const platform::Registry& registry, Hive hive, std::string_view key,
+                         std::string_view name, std::string_view fallback) {
+  const auto value = registry.read(hive, key, name);
+  if (!value || value->type != ValueType::Text) return std::string(fallback);
+  return value->text.substr(0, value->text.find('\0'));
+}
+
 Settings::Settings(platform::Registry& registry, platform::UserSettings& user, Log& log)
     : registry_(registry), user_(user), log_(log) {}
 
@@ -21,9 +28,7 @@ void Settings::RegWriteString(Hive hive, std::string_view key, std::string_view 
 
 std::string Settings::RegReadString(Hive hive, std::string_view key, std::string_view name,
                                     std::string_view fallback) const {
-  const auto value = registry_.read(hive, key, name);
-  if (!value || value->type != ValueType::Text) return std::string(fallback);
-  return value->text.substr(0, value->text.find('\0'));
+  return registryText(registry_, hive, key, name, fallback);
 }
 
 std::string Settings::option(std::string_view name) const {

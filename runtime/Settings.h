@@ -8,6 +8,10 @@
 
 namespace runtime {
 
+/// A text value up to its first NUL; `fallback` when it is missing or no text.
+std::string registryText(const platform::Registry& registry, platform::Hive hive, std::string_view key,
+                         std::string_view name, std::string_view fallback = {});
+
 /// Every stored setting under its name. Nothing is cached: each read asks the registry.
 class Settings {
  public:

@@ -41,7 +41,7 @@ bool StartUp::run(const CommandLine& commandLine) {
   enterProgramFolder();
   checkPrivileges();
   prepareTools();
-  if (!dispatch(commandLine)) return false;
+  if (!dispatch(commandLine) || window_.ended()) return false;
   if (!window_.isVisible()) window_.show();
   return true;
 }
@@ -79,7 +79,7 @@ bool StartUp::dispatch(const CommandLine& commandLine) {
     window_.browsing().openFolder(program_.settings.initDir());
   else if (commandLine.form == Form::Folder) {
     if (commandLine.folder) window_.browsing().openFolder(*commandLine.folder);
-  } else if (commandLine.complete) {
+  } else if (commandLine.complete || commandLine.form == Form::Permissions) {
     return act(commandLine);
   }
   normalTail();
@@ -103,14 +103,17 @@ bool StartUp::act(const CommandLine& commandLine) {
   }
 }
 
-void StartUp::showWindow() {
+/// False when it has been closed, before or now.
+bool StartUp::showWindow() {
+  if (window_.ended()) return false;
   window_.show();
   window_.activateWindow();
   program_.user.letEventsRun();
+  return !window_.ended();
 }
 
 void StartUp::normalTail() {
-  showWindow();
+  if (!showWindow()) return;
   window_.browsing().fillDirPane();
   window_.browsing().focusDirPane();
 }
@@ -144,14 +147,13 @@ bool StartUp::openArchiveView(const CommandLine& commandLine) {
     normalTail();
     return true;
   }
-  showWindow();
-  window_.cmdExtract_Click();
+  if (showWindow()) window_.cmdExtract_Click();
   return true;
 }
 
 bool StartUp::pack(const CommandLine& commandLine) {
   selectNamed(commandLine);
-  showWindow();
+  if (!showWindow()) return false;
   window_.browsing().setLoading(false);
   window_.cmdTar_Click();
   return true;
@@ -186,6 +188,10 @@ bool StartUp::permissions(const CommandLine& commandLine) {
                           Buttons::Ok, Icon::Critical, "Unable to Set Permissions");
     return false;
   }
+  if (!commandLine.complete) {
+    normalTail();
+    return true;
+  }
   selectNamed(commandLine);
   if (program_.selection.selectedCount == 0)
     program_.user.message("This will change permissions for all files and subdirectories under:\r" +
@@ -206,8 +212,7 @@ bool StartUp::paths(const CommandLine& commandLine) {
   window_.browsing().openDirPane();
   for (const std::string& path : commandLine.fields) window_.browsing().selectRow(runtime::GetFileName(path));
   takeSelection();
-  showWindow();
-  if (program_.selection.selectedCount != 1) return true;
+  if (!showWindow() || program_.selection.selectedCount != 1) return true;
   const std::string& selected = program_.selection.selectedPaths.front();
   if (runtime::IsArchiveName(selected) || selected.ends_with(".ipk")) window_.cmdExtract_Click();
   return true;

@@ -31,7 +31,7 @@ class StartUp {
   void selectNamed(const CommandLine& commandLine);
   bool selectArchive(const CommandLine& commandLine);
   void takeSelection();
-  void showWindow();
+  bool showWindow();
 
   frmMain& window_;
   Program& program_;

@@ -117,6 +117,7 @@ void frmMain::wireEndSignals() {
   if (descriptor < 0) return;
   auto* notifier = new QSocketNotifier(descriptor, QSocketNotifier::Read, this);
   connect(notifier, &QSocketNotifier::activated, this, [this, notifier] {
+    if (program_.api.toolRunning().active()) return;  // the tool has got it too; it stays to be read
     notifier->setEnabled(false);
     close();
   });
@@ -147,10 +148,12 @@ void frmMain::mnuAbout_Click() {
 
 void frmMain::mnuNetwork_Click() {
   getDirPaneSelected();
-  if (program_.selection.selectedCount > 0) netSetFile(program_.selection.selectedPaths.front());
+  if (program_.selection.selectedCount > 0) showNetloader(program_.selection.selectedPaths.front());
 }
 
-void frmMain::netSetFile(const std::string& path) {
+void frmMain::netSetFile(const std::string& path) { showNetloader(path); }
+
+void frmMain::showNetloader(const std::string& path) {
   download::frmNetloader(program_.services(), path, this).exec();
 }
 
@@ -223,6 +226,7 @@ void frmMain::changeEvent(QEvent* event) {
 
 void frmMain::closeEvent(QCloseEvent* event) {
   if (program_.api.toolRunning().active()) return event->ignore();
+  ended_ = true;
   program_.settings.setInitDir(frameMain_->dir1Path());
   event->accept();
   QApplication::quit();

@@ -45,6 +45,9 @@ class frmMain : public QMainWindow, public runtime::MainWindow {
   browser::frameMain& browsing() { return *frameMain_; }
   void cmdTar_Click();
   void cmdExtract_Click();
+  /// Opens the network download for a file, modally.
+  void showNetloader(const std::string& path);
+  bool ended() const { return ended_; }  ///< it was closed, and the program is to end
   Program& program() { return program_; }
   platform::desktop::FilePickers& pickers() { return pickers_; }
 
@@ -80,6 +83,7 @@ class frmMain : public QMainWindow, public runtime::MainWindow {
   archive::frameUntar* frameUntar_;
   browser::Layout layout_;
   bool logShown_ = false;
+  bool ended_ = false;
 };
 
 }  // namespace shell

@@ -76,8 +76,7 @@ int runWindows(shell::Host& host, const CommandLine& commandLine, char* name) {
   shell::Program program(host.system(), host.programFolder, user);
   platform::desktop::DesktopFilePickers pickers(host.drives);
   shell::frmMain window(program, pickers);
-  // A signal that came while the window was loading has closed it already: there is no loop to end then.
-  return window.Load(commandLine) && platform::endSignal() == 0 ? QApplication::exec() : 0;
+  return window.Load(commandLine) ? QApplication::exec() : 0;
 }
 
 }  // namespace

@@ -11,7 +11,7 @@ bool isInstallable(const std::string& name);
 
 /// Unpacks a stored archive as a terminal does: into the owner's home, members "../usr8/..." into that of
 /// usr8. Prints what it held, with modes and numeric owners as the archive has them. An archive with one
-/// member that leads elsewhere is not unpacked at all.
-void install(const Store& store, const std::string& name, const std::string& owner);
+/// member that leads elsewhere, or with more than `free` bytes, is not unpacked at all.
+void install(const Store& store, std::uint64_t free, const std::string& name, const std::string& owner);
 
 }  // namespace kt500sim

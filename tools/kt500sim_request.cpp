@@ -41,14 +41,19 @@ bool isMode(std::string_view mode) {
          std::all_of(mode.begin(), mode.end(), [](char c) { return c >= '0' && c <= '7'; });
 }
 
+/// The terminal has other accounts, but files are sent to these only.
+bool isAccount(std::string_view owner) {
+  return owner.size() == 4 && owner.starts_with("usr") && owner[3] >= '1' && owner[3] <= '8';
+}
+
 ReadRequest readFields(const std::vector<std::string_view>& fields, const TerminalAccounts& accounts) {
   const std::string_view name = fields[0].substr(command.size());
   const auto size = readNumber(fields[1]);
   if (!isName(name)) return bad("not a file name");
   if (!size) return bad("not a size");
   if (!isMode(fields[2])) return bad("not a mode");
-  if (!accounts.userNumber(fields[3])) return bad("not an account");
-  if (!accounts.groupNumber(fields[4])) return bad("not a group");
+  if (!isAccount(fields[3]) || !accounts.userNumber(fields[3])) return bad("not an account");
+  if (fields[4] != "users" || !accounts.groupNumber(fields[4])) return bad("not a group");
   const auto mode = static_cast<mode_t>(std::stoul(std::string(fields[2]), nullptr, 8));
   return {RequestState::Complete,
           {std::string(name), *size, mode, std::string(fields[3]), std::string(fields[4])},

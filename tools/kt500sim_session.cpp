@@ -32,7 +32,7 @@ void Session::serve() {
     event("silent");
     waitFor(POLLRDHUP, steady_clock::now() + options_.timeout);
   } else if (request) {
-    const bool fits = request->size <= options_.free.value_or(store_.bytesLeft());
+    const bool fits = request->size <= bytesFree();
     const std::string text = options_.reply.value_or(fits ? "OK" : "NOSPACE");
     if (reply(text) && text.starts_with("OK")) receiveFile(*request);
   }
@@ -81,8 +81,15 @@ bool Session::reply(const std::string& text) {
 
 void Session::receiveFile(const Request& request) {
   IncomingFile file(store_);
-  if (!file) return event("cannot write below " + store_.folder());
+  if (!file) return lose("cannot write below " + store_.folder());
   if (receiveData(request.size, file)) store(request, file);
+}
+
+/// Whoever sent the file must not take it for kept: the connection will be reset.
+void Session::lose(const std::string& why) {
+  event(why);
+  const linger atOnce{1, 0};
+  setsockopt(client_.get(), SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
 }
 
 /// How much may be read at this moment without going beyond the wanted rate.
@@ -109,7 +116,7 @@ bool Session::receiveData(std::uint64_t size, IncomingFile& file) {
     const std::string bytes = receiveSome(most, until);
     if (bytes.empty()) break;
     if (!file.write(bytes)) {
-      event("cannot write");
+      lose("cannot write");
       break;
     }
     received += bytes.size();
@@ -120,10 +127,11 @@ bool Session::receiveData(std::uint64_t size, IncomingFile& file) {
 }
 
 void Session::store(const Request& request, IncomingFile& file) {
-  if (!file.keepAs(request.name, request.mode)) return event("cannot store " + shown(request.name));
+  if (!file.keepAs(request.name, request.mode)) return lose("cannot store " + shown(request.name));
   event("stored " + shown(request.name) + " owner " + accounts_.userNumber(request.owner).value_or("?") +
         "/" + accounts_.groupNumber(request.group).value_or("?"));
-  if (options_.install && isInstallable(request.name)) install(store_, request.name, request.owner);
+  if (options_.install && isInstallable(request.name))
+    install(store_, bytesFree(), request.name, request.owner);
 }
 
 bool Session::waitFor(short what, Moment until) {

@@ -26,6 +26,8 @@ class Session {
   void receiveFile(const Request& request);
   bool receiveData(std::uint64_t size, IncomingFile& file);
   void store(const Request& request, IncomingFile& file);
+  void lose(const std::string& why);
+  std::uint64_t bytesFree() const { return options_.free.value_or(store_.bytesLeft()); }
 
   bool waitFor(short what, Moment until);
   std::string receiveSome(std::size_t most, Moment until);  ///< empty: the end, an error, or too late

@@ -2,9 +2,11 @@
 
 #include <fcntl.h>
 #include <signal.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <cstdlib>
@@ -16,6 +18,8 @@ namespace {
 
 constexpr std::size_t longestLine = 64 * 1024;  // bytes; a listing with more is not worth reading
 
+constexpr rlim_t mostMemory = rlim_t{256} << 20;  // bytes; a small archive may ask for any amount
+
 [[noreturn]] void becomeTar(const std::vector<std::string>& arguments, int output) {
   std::vector<char*> words{const_cast<char*>("tar")};
   for (const std::string& argument : arguments) words.push_back(const_cast<char*>(argument.c_str()));
@@ -25,6 +29,8 @@ constexpr std::size_t longestLine = 64 * 1024;  // bytes; a listing with more is
   dup2(output, STDERR_FILENO);
   setenv("LC_ALL", "C", 1);
   unsetenv("TAR_OPTIONS");
+  const rlimit memory{mostMemory, mostMemory};
+  setrlimit(RLIMIT_AS, &memory);
   umask(0);  // modes as the archive has them
   execvp("tar", words.data());
   _exit(127);
@@ -67,6 +73,12 @@ bool isMemberName(std::string_view name) {
   return name.empty() || leadsInside(name);
 }
 
+/// "dddd-dd-dd" and the like, where d stands for a digit.
+bool looksLike(std::string_view text, std::string_view pattern) {
+  return std::equal(text.begin(), text.end(), pattern.begin(), pattern.end(),
+                    [](char c, char wanted) { return wanted == 'd' ? c >= '0' && c <= '9' : c == wanted; });
+}
+
 /// Every place where a target might begin is one: which of them it is the text does not say.
 std::vector<std::string_view> pieces(std::string_view text, std::string_view separator) {
   std::vector<std::string_view> found;
@@ -106,9 +118,8 @@ bool readMember(std::string_view line, Member& member) {
   member.mode = field();
   member.owner = field();
   member.size = field();
-  field();  // date
-  field();  // time
-  if (rest.size() < 2 || member.mode.size() != 10) return false;
+  const bool dated = looksLike(field(), "dddd-dd-dd") && looksLike(field(), "dd:dd");
+  if (!dated || rest.size() < 2 || member.mode.size() != 10) return false;
   member.name = rest.substr(1);
   return true;
 }

@@ -18,6 +18,8 @@ struct Member {
   std::string size;
   std::string name;  ///< a link's target behind it: " -> " or " link to "
 };
+/// False for any other line. Among them is one whose time tar shows in another form: there and behind it the
+/// name's beginning cannot be told.
 bool readMember(std::string_view line, Member& member);
 
 /// Whether a member stays in the home into which it is unpacked, or in that of usr8: no absolute name, no

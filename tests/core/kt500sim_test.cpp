@@ -126,6 +126,12 @@ TEST(Kt500sim, HostileRequestsAreRefusedAndLeaveNothing) {
                                   "DLD:a\0"s
                                   "5\0"s
                                   "640\0usr2\0\0"s,
+                                  "DLD:a\0"s
+                                  "5\0"s
+                                  "640\0root\0users\0"s,
+                                  "DLD:a\0"s
+                                  "5\0"s
+                                  "640\0usr1\0root\0"s,
                                   "DLD:a" + goodTail + "early",
                                   "\0\0\0\0\0\0"s};
   SimProcess sim("--count " + std::to_string(std::size(requests)));
@@ -191,17 +197,21 @@ TEST(Kt500sim, ArchivesThatLeadElsewhereAreNotInstalled) {
       "echo x > ../x && tar -zcPf ../out.tgz ../x",
       "echo x > x && tar -zcPf ../out.tgz --transform 's,^,/tmp/kt500sim-escape/,' x",
       "echo x > x && tar -zcPf ../out.tgz --transform 's,^,../usr8/../../../,' x",
-      "ln -s /etc out && tar -zcf ../out.tgz out",
-      "mkdir d && ln -s .. d/up && tar -zcf ../out.tgz d",
-      "ln -s / 'a -> b' && tar -zcf ../out.tgz 'a -> b'",
-      "mkfifo f && tar -zcf ../out.tgz f",
-      "echo no archive > ../out.tgz"};
+      "ln -s /etc out && tar -zcf ../out.tgz out", "mkdir d && ln -s .. d/up && tar -zcf ../out.tgz d",
+      "ln -s / 'a -> b' && tar -zcf ../out.tgz 'a -> b'", "mkfifo f && tar -zcf ../out.tgz f",
+      // Times that tar shows in another form: in a word less, in a wider column.
+      "echo x > x && tar -zcPf ../out.tgz --format=pax --pax-option=mtime:=90000000000000000 "
+      "--transform 's,x,../../../escaped x,' x",
+      "echo x > x && tar -cf a.tar --format=pax --pax-option=mtime:=253402400000 x && "
+      "tar -rPf a.tar --format=pax --transform 's,x,/tmp/kt500sim-escape,' x && gzip -c a.tar > ../out.tgz",
+      "head -c 10000001 /dev/zero > x && tar -zcf ../out.tgz x", "echo no archive > ../out.tgz"};
   for (const char* maker : makers) {
-    SimProcess sim("--once --install");
+    SimProcess sim("--once --install --free 10000000");
     const std::string events = sendArchive(sim, maker);
     EXPECT_NE(events.find("not installed: out.tgz\n"), std::string::npos) << maker << "\n" << events;
     EXPECT_TRUE(fs::is_empty(sim.root() + "/home/usr1")) << maker;
     EXPECT_TRUE(fs::is_empty(sim.root() + "/home/usr8")) << maker;
+    EXPECT_FALSE(fs::exists(sim.folder() + "/escaped x")) << maker;
   }
   EXPECT_FALSE(fs::exists("/tmp/kt500sim-escape"));
 }

@@ -131,11 +131,11 @@ TEST_F(RuntimeTest, ProbeAsksOnlyWhetherTheFileIsThere) {
 TEST_F(RuntimeTest, FindsTheMountedRootBeforeTheProgramsOwn) {
   cygwin_.FindCygwinRoot();
   EXPECT_EQ(cygwin_.cygwinRoot(), program_);
-  const auto mount = [this](const char* key, const char* folder) {
+  const auto mount = [this](const char* key, const std::string& folder) {
     registry_.write(platform::Hive::LocalMachine, key, "native", {platform::ValueType::Text, folder});
     cygwin_.FindCygwinRoot();
   };
-  mount("software\\Wow6432Node\\Cygnus Solutions\\Cygwin\\mounts v2\\/", "C:\\cyg64");
+  mount("software\\Wow6432Node\\Cygnus Solutions\\Cygwin\\mounts v2\\/", std::string("C:\\cyg64\0", 9));
   EXPECT_EQ(cygwin_.cygwinRoot(), "C:\\cyg64\\");
   mount("software\\Cygnus Solutions\\Cygwin\\mounts v2\\/", "C:\\cyg\\");
   EXPECT_EQ(cygwin_.cygwinRoot(), "C:\\cyg\\");

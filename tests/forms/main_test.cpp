@@ -21,7 +21,11 @@ constexpr const char* key = "SOFTWARE\\Halvoren Inc\\Pakrune";
 
 class WindowPerson : public testworld::Person {
  public:
-  void letEventsRun() override { QApplication::processEvents(); }
+  void letEventsRun() override {
+    QApplication::processEvents();
+    if (meanwhile) meanwhile();
+  }
+  std::function<void()> meanwhile;
 };
 
 /// Answers nothing: no test here opens a picker.
@@ -217,6 +221,24 @@ TEST_F(MainTest, ClosingRemembersTheFolder) {
   shell::frmMain third(program_object_, pickers_);
   third.Load({});
   EXPECT_EQ(third.GetDir1Path(), "C:\\");
+}
+
+TEST_F(MainTest, ClosingWhileItLoadsEndsTheProgram) {
+  windowPerson_.meanwhile = [this] { window_.close(); };
+  for (const auto& arguments : std::vector<std::vector<std::string>>{
+           {"-d", "C:\\pkg"}, {"-pack", "pkg", "a.txt"}, {"pkg/a.txt"}, {"-open", "pkg", "a.txt"}}) {
+    EXPECT_FALSE(load(arguments)) << arguments.front();
+    EXPECT_FALSE(window_.isVisible());
+  }
+  EXPECT_EQ(stored_.initDir(), "C:\\pkg");
+  EXPECT_TRUE(windowPerson_.told.empty());
+}
+
+TEST_F(MainTest, PermissionsNeedFindWhateverTheRecordHolds) {
+  fs::remove(root_ + "/prog/bin/find.exe");
+  EXPECT_FALSE(load({"-perms", "pkg"}));
+  ASSERT_EQ(windowPerson_.told.size(), 1U);
+  EXPECT_TRUE(windowPerson_.told[0].starts_with("Unable to Set Permissions|")) << windowPerson_.told[0];
 }
 
 TEST_F(MainTest, NamedEntriesAreSelected) {

@@ -34,7 +34,12 @@ struct FakeMainWindow : runtime::MainWindow {
   }
   void refreshKeepList() override { asked.emplace_back("refresh"); }
   bool setOwnerShown() const override { return rootOffered; }
-  void netSetFile(const std::string& path) override { asked.push_back("network " + path); }
+  void netSetFile(const std::string& path) override {
+    asked.push_back("network " + path);
+    for (const QWidget* window : QApplication::topLevelWidgets())
+      if (window->isVisible() && window->objectName() == "frmTar")
+        asked.emplace_back("over the archive dialog");
+  }
   void showfrmWDXOptions(const std::string& path) override { asked.push_back("serial " + path); }
 
   std::string folder = "C:\\pkg\\";
