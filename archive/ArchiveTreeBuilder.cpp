@@ -40,7 +40,7 @@ bool ArchiveTreeBuilder::addNextLine() {
   const std::string_view line = std::string_view(tree_.listing_).substr(line_, end - line_);
   if (tree_.verbose_)
     addTarLine(line);
-  else if (!line.empty() && !isRemark(line))
+  else if (!line.empty() && !isArRemark(line))
     addMember(line);
   return true;
 }

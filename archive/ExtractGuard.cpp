@@ -85,6 +85,9 @@ std::optional<RefusedMember> ExtractGuard::judge(const GuardedMember& member) {
   const std::size_t dots = endOfDotDot(name);
   if (dots != name.npos) return refused(LeftOut::Outside, name.substr(0, dots));
   if (const auto closed = closedAt(name)) return refused(LeftOut::BelowLink, *closed);
+  // A folder would take the place of a link whose members are all left out.
+  if (member.name.ends_with('/') && way(plainForm(name)) == Way::Outside)
+    return refused(LeftOut::BelowLink, name);
   if (member.hardTarget.empty()) return std::nullopt;
   const bool out = leadsUp(member.hardTarget) || closedAt(member.hardTarget);
   return out ? std::optional(refused(LeftOut::HardLinkOut, name)) : std::nullopt;

@@ -83,7 +83,7 @@ bool ExtractJob::moveIn(const std::string& from) {
 void ExtractJob::logEnd(int status) {
   const std::string& said = services_.api.lastConsoleText();
   for (const std::string_view line : completeLines(said))
-    if (isRemark(line)) services_.log.append(std::string(line));
+    if (isRemark(line) || isArRemark(line)) services_.log.append(std::string(line));
   const std::string code = status == 0 ? "" : " (exit code " + std::to_string(status) + ")";
   services_.log.append(" Extracted file: " + plan_.archivePath + code);
 }

@@ -89,15 +89,14 @@ bool Extractor::folderIsChosen(const std::string& outFolder) {
 }
 
 /// The folder stands afterwards, or the user has been asked or told.
-bool Extractor::settleFolder() {
+bool Extractor::settleFolder(const std::string& outFolder) {
   const platform::Files& files = services_.system.files;
   if (files.folderExists(plan_.outFolder)) return true;
-  std::string folder = plan_.outFolder;
-  folder.pop_back();
-  if (services_.user.message(folder + " does not exist, create it?", Buttons::OkCancel, Icon::None,
+  if (services_.user.message(outFolder + " does not exist, create it?", Buttons::OkCancel, Icon::None,
                              "Create folder?",
                              runtime::Consequence::MakesSomethingNew) != runtime::Answer::Ok)
     return false;
+  std::string folder = outFolder;
   runtime::DirExists(files, folder);
   if (files.folderExists(plan_.outFolder)) return true;
   services_.user.message("Error: Unable to create folder " + plan_.outFolder, Buttons::Ok, Icon::Critical);
@@ -113,7 +112,7 @@ ExtractResult Extractor::nothingToExtract() {
 ExtractResult Extractor::ExtractArchive(const std::string& archivePath, const std::string& outFolder,
                                         bool all, const TreeSource& source) {
   if (!begin(archivePath)) return refuse();
-  if (!folderIsChosen(outFolder) || !settleFolder()) return refuse();
+  if (!folderIsChosen(outFolder) || !settleFolder(outFolder)) return refuse();
   focus_ = Focus::None;
   const ArchiveTree* tree = source();
   if (tree == nullptr) return refuse();
@@ -209,16 +208,33 @@ void Extractor::logLeftOut(const std::vector<RefusedMember>& refused) {
     services_.log.append(" Not extracted either: more members that lead out of the output folder");
 }
 
+/// The names as they stand behind the members' attributes, where none can be taken for a remark.
+std::set<std::string> Extractor::unmistakableNames() {
+  const std::string listing =
+      services_.api.RunCapture(services_.cygwin.cygwinBin(), listCommand(plan_.kind, plan_.archivePath));
+  std::set<std::string> names;
+  for (GuardedMember& member : membersOf(listing)) names.insert(std::move(member.name));
+  return names;
+}
+
 /// What stands between an archive and its names: remarks go to the log.
 std::vector<std::string> Extractor::listedNames() {
   const std::string output =
       services_.api.RunCapture(services_.cygwin.cygwinBin(), namesCommand(plan_.kind, plan_.archivePath));
+  const bool tar = plan_.kind != ArchiveKind::Ipk;
+  std::optional<std::set<std::string>> known;
   std::vector<std::string> names;
   for (const std::string_view line : completeLines(output)) {
-    if (isRemark(line))
+    const std::string name = tar ? heldName(line) : platform::holdName(line);
+    bool remark = tar ? isRemark(line) : isArRemark(line);
+    if (remark && tar) {
+      if (!known) known = unmistakableNames();
+      remark = known->count(name) == 0;
+    }
+    if (remark)
       services_.log.append(std::string(line));
     else if (!line.empty())
-      names.push_back(plan_.kind == ArchiveKind::Ipk ? platform::holdName(line) : heldName(line));
+      names.push_back(name);
   }
   return names;
 }
@@ -250,7 +266,7 @@ ExtractResult Extractor::QuickExtract(const std::string& archivePath, const std:
   }
   if (!folderIsChosen(outFolder)) return refuse();
   const bool folderStands = services_.system.files.folderExists(plan_.outFolder);
-  if (!settleFolder()) return refuse();
+  if (!settleFolder(outFolder)) return refuse();
   guardNames(names, folderStands);
   plan_.withWhatIsBelow = !folderStands;
   if (!folderStands && plan_.kind != ArchiveKind::Ipk) {
@@ -269,7 +285,9 @@ std::vector<std::string> Extractor::keptNames(const std::vector<std::string>& na
   std::set<std::string_view> seen;
   Pace pace;
   for (std::size_t i = 0; i < names.size(); ++i) {
-    if (coverOf(excludes_, names[i]) == nullptr && seen.insert(names[i]).second) {
+    // tar looks for a file and for a folder of that name alike, and finds each once.
+    const std::string_view name = std::string_view(names[i]).substr(0, names[i].find_last_not_of('/') + 1);
+    if (coverOf(excludes_, names[i]) == nullptr && seen.insert(name).second) {
       const std::string_view plain = withoutLeadingDots(names[i]);
       if (plain.empty() || mayExtract(names[i], "?")) kept.push_back(names[i]);
       if (answer_ == OverwriteAnswer::Cancel) return {};

@@ -38,9 +38,10 @@ class Extractor {
  private:
   bool begin(const std::string& archivePath);
   bool folderIsChosen(const std::string& outFolder);
-  bool settleFolder();
+  bool settleFolder(const std::string& outFolder);
   std::vector<std::string> chooseMembers(const ArchiveTree& tree, bool all);
   std::vector<std::string> keptNames(const std::vector<std::string>& names, ListingProgress& progress);
+  std::set<std::string> unmistakableNames();
   std::vector<std::string> listedNames();
   std::set<std::string> guardAgainst(const std::vector<GuardedMember>& members,
                                      const std::set<std::string>& asked);

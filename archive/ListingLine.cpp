@@ -153,8 +153,7 @@ std::string heldName(std::string_view printed) {
 }
 
 bool isRemark(std::string_view line) {
-  constexpr std::array<std::string_view, 6> speakers = {
-      "tar: ", "gzip: ", "bzip2: ", "pigz: ", "lbzip2: ", "ar: "};
+  constexpr std::array<std::string_view, 5> speakers = {"tar: ", "gzip: ", "bzip2: ", "pigz: ", "lbzip2: "};
   // What bzip2 1.0.8 prints behind its own name; no printed name begins with a tab.
   constexpr std::array<std::string_view, 5> advice = {
       "\t", "It is possible that the compressed file(s) have become corrupted.",
@@ -165,6 +164,8 @@ bool isRemark(std::string_view line) {
   return std::any_of(speakers.begin(), speakers.end(), begins) ||
          std::any_of(advice.begin(), advice.end(), begins);
 }
+
+bool isArRemark(std::string_view line) { return line.starts_with("ar: "); }
 
 bool isHarmlessRemark(std::string_view line) {
   return line.starts_with("tar: Ignoring unknown extended header keyword") ||

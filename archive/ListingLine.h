@@ -38,6 +38,8 @@ std::string heldName(std::string_view printed);
 /// tar's own words, and those of the programs that it starts, among the names that it lists: a line that
 /// begins with the program's name, or a line of bzip2's advice.
 bool isRemark(std::string_view line);
+/// The same among the names that ar lists.
+bool isArRemark(std::string_view line);
 /// A remark that does not stand for an error.
 bool isHarmlessRemark(std::string_view line);
 

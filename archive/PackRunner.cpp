@@ -129,7 +129,7 @@ void leaveOut(const platform::DriveTable& drives, NameList& list, const std::str
 }
 
 bool mayReplace(runtime::UserInterface& user, const platform::Files& files, const std::string& path) {
-  if (!files.entryExists(path) || files.folderExists(path)) return true;
+  if (!files.entryExists(path)) return true;
   return user.message("'" + path + "' already exists.\rOverwrite?", Buttons::YesNo, Icon::None,
                       runtime::programTitle, Consequence::ReplacesSomething) == Answer::Yes;
 }
@@ -176,6 +176,10 @@ PackOutcome PackRunner::create(PackSettings settings, const PackSelection& selec
     return PackOutcome::UnknownExtension;
   }
   settings.outputPath = wholeOutputPath(settings, selection);
+  if (services_.system.files.folderExists(settings.outputPath)) {
+    services_.user.message("'" + settings.outputPath + "' is a folder", Buttons::Ok, Icon::Critical);
+    return PackOutcome::Refused;
+  }
   if (!mayReplace(services_.user, services_.system.files, settings.outputPath)) return PackOutcome::Refused;
   if (!settleMode(services_.user, settings, useNewFile)) return PackOutcome::Refused;
   NameList list = nameList(settings, selection);

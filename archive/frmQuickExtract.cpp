@@ -32,7 +32,7 @@ void frmQuickExtract::showPercent(float percent) {
   services_.user.letEventsRun();
 }
 
-/// Also while a tool runs: nothing is awaited.
+/// Also while the archive is listed: nothing is awaited. What runs in the console ends with that.
 void frmQuickExtract::cmdCancel_Click() {
   cancelled_ = true;
   endProgram_();

@@ -45,6 +45,7 @@ struct Program {
   runtime::CygwinEnvironment cygwin;
   bool isAdmin = true;
   runtime::Selection selection;
+  int exitStatus = 0;  ///< of a run that ends by itself: 1 when it was refused or has failed
 
   runtime::Services services() { return {system, api, cygwin, user, log, settings}; }
 };

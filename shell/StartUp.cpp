@@ -159,13 +159,29 @@ bool StartUp::pack(const CommandLine& commandLine) {
   return true;
 }
 
+/// The log pane is never seen here: what was logged since then is told at the end of a run that went wrong.
+void StartUp::showLogged(std::size_t since) {
+  constexpr std::size_t mostShown = 2000;  // characters; a higher box leaves the screen
+  std::string text = program_.log.text().substr(since);
+  text.erase(0, text.find_first_not_of("\r\n "));
+  if (text.size() > mostShown) text = text.substr(0, text.rfind('\r', mostShown)) + "\r\n...";
+  program_.user.message(text, Buttons::Ok, Icon::Exclamation);
+}
+
 /// The window stays hidden: what is asked and told stands on its own.
 bool StartUp::quickPackSelection(const CommandLine& commandLine) {
   selectNamed(commandLine);
   const archive::TarSelection checked =
       archive::CheckTarSelection(program_.services(), window_, window_.pickers(), nullptr, false);
-  if (checked != archive::TarSelection::Stopped)
-    quickPack(program_, archive::packSelection(window_, checked == archive::TarSelection::WholeFolder));
+  program_.exitStatus = 1;
+  if (checked == archive::TarSelection::Stopped) return false;
+  const std::size_t logged = program_.log.text().size();
+  const auto packed =
+      quickPack(program_, archive::packSelection(window_, checked == archive::TarSelection::WholeFolder));
+  if (packed.outcome == archive::PackOutcome::Created)
+    program_.exitStatus = 0;
+  else if (packed.outcome == archive::PackOutcome::Failed)
+    showLogged(logged);
   return false;
 }
 
@@ -178,7 +194,11 @@ bool StartUp::quickExtract(const CommandLine& commandLine) {
   window.setStatus("Preparing to extract tar package, please wait...");
   window.show();
   program_.user.letEventsRun();
-  window.QuickExtract(program_.selection.selectedPaths.front(), commandLine.fields[3]);
+  const std::size_t logged = program_.log.text().size();
+  const archive::ExtractResult result =
+      window.QuickExtract(program_.selection.selectedPaths.front(), commandLine.fields[3]);
+  program_.exitStatus = result.complete ? 0 : 1;
+  if (result.started && !result.complete) showLogged(logged);
   return false;
 }
 

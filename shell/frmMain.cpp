@@ -111,7 +111,8 @@ void frmMain::wireFrames() {
   connect(frameUntar_, &archive::frameUntar::closed, this, &frmMain::hideUntar);
 }
 
-/// A signal that ends the program closes the window, so that its folder is remembered.
+/// A signal does what closing the window does. It is not closed: under a modal box it would stay, and the
+/// program with it.
 void frmMain::wireEndSignals() {
   const int descriptor = platform::endSignalDescriptor();
   if (descriptor < 0) return;
@@ -119,7 +120,8 @@ void frmMain::wireEndSignals() {
   connect(notifier, &QSocketNotifier::activated, this, [this, notifier] {
     if (program_.api.toolRunning().active()) return;  // the tool has got it too; it stays to be read
     notifier->setEnabled(false);
-    close();
+    end();
+    QApplication::exit();
   });
 }
 
@@ -226,10 +228,14 @@ void frmMain::changeEvent(QEvent* event) {
 
 void frmMain::closeEvent(QCloseEvent* event) {
   if (program_.api.toolRunning().active()) return event->ignore();
-  ended_ = true;
-  program_.settings.setInitDir(frameMain_->dir1Path());
+  end();
   event->accept();
   QApplication::quit();
+}
+
+void frmMain::end() {
+  ended_ = true;
+  program_.settings.setInitDir(frameMain_->dir1Path());
 }
 
 bool frmMain::eventFilter(QObject* watched, QEvent* event) {

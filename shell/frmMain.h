@@ -69,6 +69,7 @@ class frmMain : public QMainWindow, public runtime::MainWindow {
   void mnuContent_Click();
   void mnuAbout_Click();
   void checkAllKey();
+  void end();
   void showUntar();
   void hideUntar();
   void openArchive(const std::string& path);

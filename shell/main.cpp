@@ -76,7 +76,7 @@ int runWindows(shell::Host& host, const CommandLine& commandLine, char* name) {
   shell::Program program(host.system(), host.programFolder, user);
   platform::desktop::DesktopFilePickers pickers(host.drives);
   shell::frmMain window(program, pickers);
-  return window.Load(commandLine) ? QApplication::exec() : 0;
+  return window.Load(commandLine) ? QApplication::exec() : program.exitStatus;
 }
 
 }  // namespace

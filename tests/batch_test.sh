@@ -65,6 +65,8 @@ grep -q "end of file" "$world/err" || fail "nothing said of the missing end"
 run 1 -extract pkg none.tgz out/none
 [ ! -e out/none ] || fail "a folder was made for nothing"
 
+(cd pkg/usr8 && run 0 --yes -qpack .. a.txt "b c")
+[ "$(cat "$world/out")" = "$HOME/pkg/pkg.tgz" ] || fail "output: $(cat "$world/out")"
 run 0 --batch --yes -qpack "$HOME/pkg" "b c"
 [ "$(cat "$world/out")" = "$HOME/pkg/b c.tgz" ] || fail "output: $(cat "$world/out")"
 

@@ -161,6 +161,7 @@ TEST_F(ExtractTest, RefusalsHaveTheirTextsAndFocus) {
   person_.agrees = false;
   EXPECT_EQ(tryIt("C:\\a.tgz", "C:\\x\\y"),
             Refusal(Focus::OutputFolder, "Create folder?|C:\\x\\y does not exist, create it?"));
+  EXPECT_EQ(tryIt("C:\\a.tgz", "C:\\x\\").second, "Create folder?|C:\\x\\ does not exist, create it?");
   EXPECT_FALSE(fs::exists(host("x")));
   person_.agrees = true;
   EXPECT_EQ(tryIt("C:\\a.tgz", "nowhere").first, Focus::OutputFolder);
@@ -275,6 +276,24 @@ TEST_F(ExtractTest, NewFolderIsSafeToo) {
   EXPECT_EQ(log_.all.find(line, log_.all.find(line) + 1), std::string::npos);
   EXPECT_TRUE(logged("tar: link/new: Cannot open: Not a directory"));
   EXPECT_TRUE(logged(" Extracted file: C:\\h.tar (exit code 2)\n"));
+}
+
+TEST_F(ExtractTest, NoMemberIsTakenForARemarkOrForAnother) {
+  write("a.tar", tarOf({{"tar: x"}, {"gzip: y"}, {"n"}, {"n/", '5'}, {"n/in"}}));
+  fs::create_directory(host("out"));
+  script_.answers = {OverwriteAnswer::YesToAll};
+  EXPECT_TRUE(quick("a.tar").complete) << log_.all;
+  EXPECT_EQ(contents(), "gzip: y n/ n/in tar: x ");
+}
+
+TEST_F(ExtractTest, ALinkStaysWhereItsMembersAreLeftOut) {
+  write("a.tar", tarOf({{"stands/", '5'}, {"stands/in"}, {"b"}}));
+  fs::create_directory(host("out"));
+  fs::create_directory_symlink(host("outside"), host("out/stands"));
+  script_.answers = {OverwriteAnswer::YesToAll};
+  EXPECT_FALSE(fromTree("a.tar", true).complete);
+  expectNothingOutside();
+  EXPECT_TRUE(fs::is_symlink(host("out/stands")) && fs::exists(host("out/b"))) << log_.all;
 }
 
 TEST_F(ExtractTest, LinksThatStayInsideAreOrdinary) {

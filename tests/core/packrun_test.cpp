@@ -168,6 +168,10 @@ TEST_F(PackRunTest, RefusalsChangeNothing) {
   EXPECT_EQ(pack(items({"a"})), PackOutcome::Failed);
   EXPECT_TRUE(person_.told.back().starts_with("Pakrune: Error|tar.exe"));
   EXPECT_FALSE(runner_.selectionExists(items({"gone"})));
+  settings_.outputPath = "C:\\folder.tgz";
+  fs::create_directory(host("folder.tgz"));
+  EXPECT_EQ(pack(items({"a"})), PackOutcome::Refused);
+  EXPECT_EQ(person_.told.back(), "Pakrune|'C:\\folder.tgz' is a folder");
 }
 
 TEST_F(PackRunTest, AppendsToATarAndTurnsACompressedOneIntoANewFile) {
