@@ -36,7 +36,7 @@ constexpr const char* usage =
     "  --yes      before the switch: agree to what would replace something\n"
     "  --help, --version\n"
     "\n"
-    "Folders and paths may be native or Windows paths. Exit status of -qpack and -extract without windows:\n"
+    "Folders and paths may be native or Windows paths. Exit status of -qpack and -extract:\n"
     "0 done, 1 refused or failed.\n";
 
 bool isSet(const char* name) {

@@ -257,6 +257,7 @@ TEST_F(MainTest, ASingleArchiveOpensTheExtractFrame) {
   output("tar -C " + host("pkg") + " -czf " + host("pkg/one.tgz") + " a.txt sub");
   ASSERT_TRUE(load({"pkg/one.tgz"}));
   EXPECT_TRUE(find("frameUntar")->isVisible());
+  EXPECT_TRUE(find("frameUntar")->autoFillBackground());  // the browser lies below it
   EXPECT_FALSE(find("frameMain")->isEnabled());
   EXPECT_FALSE(find<QMenu>("mnuDownload")->isEnabled());
   EXPECT_EQ(find<QLineEdit>("txtFileIn")->text(), QString("C:\\pkg\\one.tgz"));
