@@ -15,4 +15,11 @@ bool asOrdinaryUser(Check check) {
   return status == 0;
 }
 
+/// False where "/" itself is closed to everybody but root, as in a folder of root's own that serves as a
+/// system: no ordinary user gets anywhere there.
+inline bool ordinaryUserGetsAbout() {
+  return asOrdinaryUser([] { return access("/tmp", X_OK) == 0; });
+}
+constexpr const char* rootIsClosed = "the root folder is closed to ordinary users";
+
 }  // namespace tests
