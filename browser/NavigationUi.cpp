@@ -1,5 +1,7 @@
 #include "browser/NavigationUi.h"
 
+#include "platform/HeldName.h"
+#include "platform/ResolvedPath.h"
 #include "platform/desktop/Handlers.h"
 #include "platform/desktop/Text.h"
 
@@ -124,6 +126,7 @@ void Navigation::txtLocation_Enter() {
   std::string path = platform::desktop::fromControl(location_.text().trimmed());
   if (path.starts_with('/') && !path.starts_with("/cygdrive/"))
     path = services_.system.drives.toWindows(path);
+  path = platform::withoutDotDot(services_.system.drives, platform::holdPath(path));
   if (openChosen(path))
     location_.setText(platform::desktop::toControl(folders_.path()));
   else

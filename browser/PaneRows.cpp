@@ -2,6 +2,7 @@
 
 #include "browser/FoldCase.h"
 #include "platform/DirectorySearch.h"
+#include "platform/HeldName.h"
 #include "runtime/ImageKeys.h"
 
 namespace browser {
@@ -30,10 +31,22 @@ PaneRow rowOf(const runtime::InfoClass& info, int image, bool isFile) {
   return row;
 }
 
+/// What stands between the stars, as names hold it.
+std::string heldPattern(std::string_view typed) {
+  std::string pattern;
+  while (true) {
+    const std::size_t star = typed.find('*');
+    pattern += platform::holdName(platform::releaseName(typed.substr(0, star)));
+    if (star == typed.npos) return pattern;
+    pattern += '*';
+    typed.remove_prefix(star + 1);
+  }
+}
+
 }  // namespace
 
 bool matchPattern(std::string_view pattern, std::string_view name) {
-  const std::string wanted = foldCase(pattern);
+  const std::string wanted = foldCase(heldPattern(pattern));
   const std::string text = foldCase(name);
   std::size_t star = wanted.find('*');
   if (!text.starts_with(wanted.substr(0, star))) return false;

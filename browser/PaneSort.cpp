@@ -4,6 +4,7 @@
 #include <numeric>
 
 #include "browser/FoldCase.h"
+#include "platform/HeldName.h"
 
 namespace browser {
 namespace {
@@ -36,7 +37,7 @@ std::string sortKey(const PaneRow& row, int sortColumn) {
   const std::string front = isFolderRow(row) ? beforeAll : "";
   switch (sortColumn) {
     case 1:
-      return front + row.name;
+      return front + platform::shownName(row.name);
     case 2:
       return beforeAll + row.mode;
     case 3:

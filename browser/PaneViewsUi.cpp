@@ -17,6 +17,21 @@ constexpr int largeIcon = 32;
 
 bool isPaneKey(int key) { return key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Backspace; }
 
+bool isPlainArrow(const QKeyEvent& event) {
+  if ((event.modifiers() & ~Qt::KeypadModifier) != 0) return false;
+  switch (event.key()) {
+    case Qt::Key_Up:
+    case Qt::Key_Down:
+    case Qt::Key_Left:
+    case Qt::Key_Right:
+    case Qt::Key_Home:
+    case Qt::Key_End:
+      return true;
+    default:
+      return false;
+  }
+}
+
 /// A view that tells the pane of released keys and buttons, after it has handled them itself.
 template <typename View>
 class HeardView : public View {
@@ -26,7 +41,7 @@ class HeardView : public View {
  protected:
   void keyPressEvent(QKeyEvent* event) override {
     if (!event->isAutoRepeat()) pressedKey_ = event->key();
-    isPaneKey(event->key()) ? event->accept() : View::keyPressEvent(event);
+    isPaneKey(event->key()) || startsSelection(*event) ? event->accept() : View::keyPressEvent(event);
   }
   void keyReleaseEvent(QKeyEvent* event) override {
     View::keyReleaseEvent(event);
@@ -36,6 +51,10 @@ class HeardView : public View {
   void mousePressEvent(QMouseEvent* event) override {
     pressedAt_ = event->position().toPoint();
     View::mousePressEvent(event);
+  }
+  /// A second click of another button is a click like the first.
+  void mouseDoubleClickEvent(QMouseEvent* event) override {
+    event->button() == Qt::LeftButton ? View::mouseDoubleClickEvent(event) : mousePressEvent(event);
   }
   /// A rubber band that ends in empty space keeps what it selected.
   void mouseReleaseEvent(QMouseEvent* event) override {
@@ -47,6 +66,17 @@ class HeardView : public View {
   }
 
  private:
+  /// With nothing selected an arrow selects the current row; moving on would leave out the first.
+  bool startsSelection(const QKeyEvent& event) {
+    const int last = this->model()->rowCount() - 1;
+    if (last < 0 || this->selectionModel()->hasSelection() || !isPlainArrow(event)) return false;
+    const int current = std::max(0, this->currentIndex().row());
+    const int row = event.key() == Qt::Key_Home ? 0 : event.key() == Qt::Key_End ? last : current;
+    this->selectionModel()->setCurrentIndex(this->model()->index(row, 0),
+                                            QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+    return true;
+  }
+
   PaneViews& pane_;
   int pressedKey_ = 0;
   QPoint pressedAt_;
@@ -123,7 +153,7 @@ void PaneViews::setModel(DirPaneModel& model) {
   connect(details_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
           &PaneViews::selectionChanged);
   const int letter = fontMetrics().averageCharWidth();
-  const int widths[] = {36, 15, 12, 22};
+  const int widths[] = {34, 14, 15, 22};
   for (int i = 0; i < 4; ++i) details_->header()->resizeSection(i, widths[i] * letter);
 }
 
@@ -172,6 +202,14 @@ void PaneViews::selectRows(const std::vector<int>& wanted) {
         QItemSelectionRange(model.index(rows[first], 0), model.index(rows[last], model.columnCount() - 1)));
   }
   view().selectionModel()->select(selection, QItemSelectionModel::Select);
+}
+
+void PaneViews::goToSelected() {
+  const std::vector<int> rows = selectedRows();
+  if (rows.empty()) return;
+  const QModelIndex first = view().model()->index(rows.front(), 0);
+  view().selectionModel()->setCurrentIndex(first, QItemSelectionModel::NoUpdate);
+  view().scrollTo(first);
 }
 
 void PaneViews::clearCurrentRow() { view().selectionModel()->clearCurrentIndex(); }

@@ -23,6 +23,7 @@ class PaneViews : public QStackedWidget {
   int currentRow() const;                         ///< -1: none
   std::vector<int> selectedRows() const;          ///< in list order
   void selectRows(const std::vector<int>& rows);  ///< adds them, as one change
+  void goToSelected();  ///< the first of them becomes the current row and is scrolled into view
   void clearCurrentRow();
   void clearSelected();  ///< no row is selected or the current one
   /// Makes a row the current one (-1: none) without selecting it, and scrolls to a former place.

@@ -266,6 +266,11 @@ bool frameMain::selectRow(const std::string& name) {
   return !rows.empty();
 }
 
+void frameMain::goToSelected() {
+  ui_->DirPaneViews->goToSelected();
+  focusDirPane();
+}
+
 std::vector<std::string> frameMain::paneItems() const {
   std::vector<std::string> names;
   for (const PaneRow& row : model_.rows()) names.push_back(row.name);

@@ -47,7 +47,8 @@ class frameMain : public QFrame {
   std::vector<std::string> paneItems() const;  ///< names of all rows, in list order
   std::string selectionText() const;           ///< what txtSelect shows
   void focusDirPane();
-  bool setOwnerShown() const;             ///< whether the button "Set Owner" is shown (not hidden)
+  void goToSelected();         ///< focuses the pane with the first selected row current and in view
+  bool setOwnerShown() const;  ///< whether the button "Set Owner" is shown (not hidden)
   void enableOwnerButtons(bool enabled);  ///< cmdSetOwner and cmdSetGroup
 
  signals:

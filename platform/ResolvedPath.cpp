@@ -29,4 +29,11 @@ std::string resolvedFolder(const DriveTable& drives, std::string_view folder) {
   return host ? drives.toWindows(realFolder(*host)) : "";
 }
 
+std::string withoutDotDot(const DriveTable& drives, const std::string& path) {
+  const bool atEnd = path.ends_with("\\..");
+  if (!atEnd && path.find("\\..\\") == std::string::npos) return path;
+  const std::string real = atEnd ? resolvedFolder(drives, path) : resolvedPath(drives, path);
+  return real.empty() ? path : real;
+}
+
 }  // namespace platform

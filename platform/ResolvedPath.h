@@ -14,4 +14,8 @@ std::string resolvedPath(const DriveTable& drives, std::string_view path);
 /// The same with a link as the last name followed too: what a folder really is.
 std::string resolvedFolder(const DriveTable& drives, std::string_view folder);
 
+/// A path with a ".." in it in the form of resolvedPath, so that every component is a name; any other as it
+/// is.
+std::string withoutDotDot(const DriveTable& drives, const std::string& path);
+
 }  // namespace platform

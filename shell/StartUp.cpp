@@ -42,8 +42,7 @@ bool StartUp::run(const CommandLine& commandLine) {
   checkPrivileges();
   prepareTools();
   if (!dispatch(commandLine) || window_.ended()) return false;
-  if (!window_.isVisible()) window_.show();
-  return true;
+  return window_.isVisible() || showWindow();
 }
 
 void StartUp::enterProgramFolder() {
@@ -109,7 +108,9 @@ bool StartUp::showWindow() {
   window_.show();
   window_.activateWindow();
   program_.user.letEventsRun();
-  return !window_.ended();
+  if (window_.ended()) return false;
+  window_.browsing().goToSelected();
+  return true;
 }
 
 void StartUp::normalTail() {

@@ -182,6 +182,7 @@ void frmMain::hideUntar() {
   frameUntar_->hide();
   frameUntar_->setEnabled(false);
   frameMain_->setEnabled(true);
+  frameMain_->focusDirPane();
   getDirPaneSelected();
 }
 

@@ -79,7 +79,7 @@ void FolderList::refresh() {
   const int first = verticalScrollBar()->value();
   model_->readAgain();
   const int row = model_->rowOf(before);
-  if (row == currentIndex().row()) return;
+  if (row >= 0 && row == currentIndex().row()) return;
   highlight(row < 0 ? model_->openRow() : row);
   verticalScrollBar()->setValue(first);
 }

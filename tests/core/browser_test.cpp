@@ -71,6 +71,9 @@ TEST(MatchPattern, PiecesBetweenStars) {
                                                         {"ab*b", "ab"},
                                                         {"a*b*c", "aXXbYc"},
                                                         {"**", ""},
+                                                        {"a:*",
+                                                         "a\xEF\x80\xBA"
+                                                         "b"},
                                                         {"*\xC3\x89*", "x\xC3\xA9"}})
     EXPECT_TRUE(matchPattern(pattern, name)) << pattern << " " << name;
   for (const auto& [pattern, name] : std::vector<std::pair<const char*, const char*>>{{"*.*", "nodot"},

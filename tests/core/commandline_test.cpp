@@ -71,6 +71,7 @@ TEST(CallerPaths, TranslatesWhatIsNoWindowsPath) {
   EXPECT_EQ(toWindows("/etc"), "Z:\\etc");
   EXPECT_EQ(toWindows("."), "C:\\here");
   EXPECT_EQ(toWindows("../a b"), "C:\\here\\..\\a b");
+  EXPECT_EQ(toWindows("C:\\a:b/c?"), "C:\\" + platform::holdName("a:b") + "/" + platform::holdName("c?"));
   EXPECT_EQ(toWindows("C:p\\\xFF"), "C:\\here\\" + platform::holdName("C:p\\\xFF"));
 }
 

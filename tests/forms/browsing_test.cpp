@@ -209,6 +209,13 @@ TEST_F(Browser, KeysOpenAndLeave) {
   click("a.tgz");
   QTest::keyClick(tree(), Qt::Key_Enter);
   EXPECT_EQ(extracts.count(), 1);
+  for (const int key : {Qt::Key_Down, Qt::Key_End}) {
+    frame_->openFolder("C:\\");
+    QTest::keyClick(tree(), static_cast<Qt::Key>(key));
+    ASSERT_EQ(tree()->selectionModel()->selectedRows().size(), 1);
+    EXPECT_EQ(tree()->selectionModel()->selectedRows().front().row(),
+              key == Qt::Key_Down ? 0 : tree()->model()->rowCount() - 1);
+  }
 }
 
 TEST_F(Browser, ColumnsSortBothWays) {
@@ -319,6 +326,10 @@ TEST_F(Browser, DrivesAndTypedPaths) {
   location->setText(QString::fromStdString(host("zeta")));
   QTest::keyClick(location, Qt::Key_Return);
   EXPECT_EQ(frame_->dir1Path(), "C:\\zeta");
+  fs::create_directory(host("a:b"));
+  location->setText("C:\\sub\\..\\a:b");
+  QTest::keyClick(location, Qt::Key_Return);
+  EXPECT_EQ(frame_->dir1Path(), "C:\\" + platform::holdName("a:b"));
   location->setText("nonsense");
   QTest::keyClick(location, Qt::Key_Return);
   EXPECT_EQ(visitor_.told.back(), "Error..|Unavailable to access: 'nonsense'");
