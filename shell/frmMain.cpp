@@ -236,7 +236,7 @@ void frmMain::closeEvent(QCloseEvent* event) {
 
 void frmMain::end() {
   ended_ = true;
-  program_.settings.setInitDir(frameMain_->dir1Path());
+  if (isVisible()) program_.settings.setInitDir(frameMain_->dir1Path());  // else nobody has chosen it
 }
 
 bool frmMain::eventFilter(QObject* watched, QEvent* event) {

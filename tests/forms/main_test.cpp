@@ -224,13 +224,14 @@ TEST_F(MainTest, ClosingRemembersTheFolder) {
 }
 
 TEST_F(MainTest, ClosingWhileItLoadsEndsTheProgram) {
+  stored_.setInitDir("C:\\kept");
   windowPerson_.meanwhile = [this] { window_.close(); };
   for (const auto& arguments : std::vector<std::vector<std::string>>{
            {"-d", "C:\\pkg"}, {"-pack", "pkg", "a.txt"}, {"pkg/a.txt"}, {"-open", "pkg", "a.txt"}}) {
     EXPECT_FALSE(load(arguments)) << arguments.front();
     EXPECT_FALSE(window_.isVisible());
   }
-  EXPECT_EQ(stored_.initDir(), "C:\\pkg");
+  EXPECT_EQ(stored_.initDir(), "C:\\kept");  // no folder was shown
   EXPECT_TRUE(windowPerson_.told.empty());
 }
 
