@@ -24,11 +24,6 @@ std::size_t endOfDotDot(std::string_view name) {
   return std::string_view::npos;
 }
 
-std::string_view withoutSlash(std::string_view name) {
-  while (name.size() > 1 && name.ends_with('/')) name.remove_suffix(1);
-  return name;
-}
-
 /// "./a//./b/" names what "a/b" names.
 std::string plainForm(std::string_view name) {
   std::string plain;
@@ -64,6 +59,11 @@ std::string withoutTrailingSlashes(std::string path) {
 }
 
 }  // namespace
+
+std::string_view withoutSlash(std::string_view name) {
+  while (name.size() > 1 && name.ends_with('/')) name.remove_suffix(1);
+  return name;
+}
 
 ExtractGuard::ExtractGuard(const platform::DriveTable& drives, std::string_view outFolder)
     : host_(withoutTrailingSlashes(drives.toHost(outFolder).value_or("/"))) {

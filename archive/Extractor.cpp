@@ -20,7 +20,7 @@ constexpr std::size_t mostReported = 20;
 /// The first folder on a name's way, or the name itself, that is among `names`; nullptr: none is.
 const std::string* coverOf(const std::set<std::string>& names, std::string_view name) {
   if (names.empty()) return nullptr;
-  while (name.size() > 1 && name.ends_with('/')) name.remove_suffix(1);
+  name = withoutSlash(name);
   for (std::size_t slash = name.find('/', 1);; slash = name.find('/', slash + 1)) {
     const auto found = names.find(std::string(name.substr(0, slash)));
     if (found != names.end()) return &*found;
@@ -68,6 +68,7 @@ ExtractResult Extractor::refuse(Focus focus) { return {false, false, focus == Fo
 bool Extractor::begin(const std::string& archivePath) {
   plan_ = {};
   excludes_.clear();
+  members_.reset();
   answer_ = OverwriteAnswer::NothingAsked;
   answeredNo_ = false;
   const CheckedArchive checked = checkArchive(services_, archivePath, "Please select a Tar file to extract");
@@ -208,13 +209,12 @@ void Extractor::logLeftOut(const std::vector<RefusedMember>& refused) {
     services_.log.append(" Not extracted either: more members that lead out of the output folder");
 }
 
-/// The names as they stand behind the members' attributes, where none can be taken for a remark.
-std::set<std::string> Extractor::unmistakableNames() {
-  const std::string listing =
-      services_.api.RunCapture(services_.cygwin.cygwinBin(), listCommand(plan_.kind, plan_.archivePath));
-  std::set<std::string> names;
-  for (GuardedMember& member : membersOf(listing)) names.insert(std::move(member.name));
-  return names;
+/// The members with their attributes, behind which no name can be taken for a remark. Asked for once a run.
+const std::vector<GuardedMember>& Extractor::listedMembers() {
+  if (!members_)
+    members_ = membersOf(
+        services_.api.RunCapture(services_.cygwin.cygwinBin(), listCommand(plan_.kind, plan_.archivePath)));
+  return *members_;
 }
 
 /// What stands between an archive and its names: remarks go to the log.
@@ -222,13 +222,16 @@ std::vector<std::string> Extractor::listedNames() {
   const std::string output =
       services_.api.RunCapture(services_.cygwin.cygwinBin(), namesCommand(plan_.kind, plan_.archivePath));
   const bool tar = plan_.kind != ArchiveKind::Ipk;
-  std::optional<std::set<std::string>> known;
+  std::optional<std::set<std::string_view>> known;
   std::vector<std::string> names;
   for (const std::string_view line : completeLines(output)) {
     const std::string name = tar ? heldName(line) : platform::holdName(line);
     bool remark = tar ? isRemark(line) : isArRemark(line);
     if (remark && tar) {
-      if (!known) known = unmistakableNames();
+      if (!known) {
+        known.emplace();
+        for (const GuardedMember& member : listedMembers()) known->insert(member.name);
+      }
       remark = known->count(name) == 0;
     }
     if (remark)
@@ -242,17 +245,15 @@ std::vector<std::string> Extractor::listedNames() {
 /// Links matter only where something may stand already; then the archive is asked about its own.
 void Extractor::guardNames(const std::vector<std::string>& names, bool folderStands) {
   const bool tar = plan_.kind != ArchiveKind::Ipk;
-  std::vector<GuardedMember> members;
-  if (tar && folderStands && mayHoldLinks(services_.system.drives, plan_.outFolder)) {
-    const std::string listing =
-        services_.api.RunCapture(services_.cygwin.cygwinBin(), listCommand(plan_.kind, plan_.archivePath));
-    members = membersOf(listing);
-  } else {
-    for (const std::string& name : names) members.push_back({name, false, {}});
-  }
   std::set<std::string> asked;
-  for (const std::string& name : names) asked.insert(name.substr(0, name.find_last_not_of('/') + 1));
-  guardAgainst(members, asked);
+  for (const std::string& name : names) asked.emplace(withoutSlash(name));
+  if (tar && folderStands && mayHoldLinks(services_.system.drives, plan_.outFolder)) {
+    guardAgainst(listedMembers(), asked);
+    return;
+  }
+  std::vector<GuardedMember> plain;
+  for (const std::string& name : names) plain.push_back({name, false, {}});
+  guardAgainst(plain, asked);
 }
 
 ExtractResult Extractor::QuickExtract(const std::string& archivePath, const std::string& outFolder,
@@ -286,8 +287,7 @@ std::vector<std::string> Extractor::keptNames(const std::vector<std::string>& na
   Pace pace;
   for (std::size_t i = 0; i < names.size(); ++i) {
     // tar looks for a file and for a folder of that name alike, and finds each once.
-    const std::string_view name = std::string_view(names[i]).substr(0, names[i].find_last_not_of('/') + 1);
-    if (coverOf(excludes_, names[i]) == nullptr && seen.insert(name).second) {
+    if (coverOf(excludes_, names[i]) == nullptr && seen.insert(withoutSlash(names[i])).second) {
       const std::string_view plain = withoutLeadingDots(names[i]);
       if (plain.empty() || mayExtract(names[i], "?")) kept.push_back(names[i]);
       if (answer_ == OverwriteAnswer::Cancel) return {};

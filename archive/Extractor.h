@@ -1,6 +1,7 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <set>
 #include <string>
 #include <vector>
@@ -41,7 +42,7 @@ class Extractor {
   bool settleFolder(const std::string& outFolder);
   std::vector<std::string> chooseMembers(const ArchiveTree& tree, bool all);
   std::vector<std::string> keptNames(const std::vector<std::string>& names, ListingProgress& progress);
-  std::set<std::string> unmistakableNames();
+  const std::vector<GuardedMember>& listedMembers();
   std::vector<std::string> listedNames();
   std::set<std::string> guardAgainst(const std::vector<GuardedMember>& members,
                                      const std::set<std::string>& asked);
@@ -57,6 +58,7 @@ class Extractor {
   OverwriteAsker& asker_;
   ExtractPlan plan_{};
   std::set<std::string> excludes_;
+  std::optional<std::vector<GuardedMember>> members_;
   OverwriteAnswer answer_ = OverwriteAnswer::NothingAsked;
   bool answeredNo_ = false;
   Focus focus_ = Focus::None;

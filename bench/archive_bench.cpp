@@ -11,6 +11,7 @@
 #include "archive/Extractor.h"
 #include "archive/PackRunner.h"
 #include "bench/Measure.h"
+#include "shell/BatchTools.h"
 #include "shell/BatchUser.h"
 #include "shell/Program.h"
 
@@ -52,10 +53,8 @@ class ArchiveBench {
   explicit ArchiveBench(const std::string& build)
       : programFile_(build + "/pakrune"),
         program_(host_.system(), host_.drives.toWindows(build) + "\\", user_) {
-    program_.cygwin.FindCygwinRoot();
-    program_.cygwin.CheckCygwinTools();
+    shell::prepareTools(program_);
     fillWithFiles(work_ / "data");
-    setenv("XDG_CONFIG_HOME", (work_ / "config").c_str(), 1);
   }
 
   bool packing(const std::string& extension, const std::string& letter) {
@@ -133,6 +132,8 @@ class ArchiveBench {
 
 int main(int count, char** words) {
   if (count != 2) return 2;
+  const bench::Folder settings;
+  setenv("XDG_CONFIG_HOME", settings.path().c_str(), 1);
   ArchiveBench archives(fs::absolute(words[1]).lexically_normal().string());
   bool kept = archives.packing(".tbz2", "j");
   kept &= archives.packing(".tgz", "z");

@@ -56,7 +56,6 @@ class NoPickers : public platform::desktop::FilePickers {
 class Bench {
  public:
   explicit Bench(int files);
-  ~Bench() { fs::remove_all(root_); }
   double ratio(int rounds);
   double selectAll();  ///< processor milliseconds
 
@@ -64,11 +63,8 @@ class Bench {
   void list();
   void listBare() const;
 
-  static std::string newFolder() {
-    std::string name = fs::temp_directory_path() / "pakrune-bench-XXXXXX";
-    return mkdtemp(name.data());
-  }
-  std::string root_ = newFolder();
+  bench::Folder folder_;
+  std::string root_ = folder_.path();
   std::vector<std::string> names_;
   platform::DriveTable drives_{{{'C', root_}, {'Z', "/"}}};
   platform::Files files_{drives_};

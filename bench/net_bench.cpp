@@ -18,6 +18,7 @@
 
 #include "bench/Measure.h"
 #include "download/frmNetloader.h"
+#include "shell/BatchTools.h"
 #include "shell/BatchUser.h"
 #include "shell/Program.h"
 
@@ -103,8 +104,7 @@ class NetBench {
  public:
   explicit NetBench(const std::string& build)
       : program_(host_.system(), host_.drives.toWindows(build) + "\\", user_) {
-    program_.cygwin.FindCygwinRoot();
-    program_.cygwin.CheckCygwinTools();
+    shell::prepareTools(program_);
   }
 
   bool pace() {

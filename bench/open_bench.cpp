@@ -11,6 +11,7 @@
 
 #include "bench/Measure.h"
 #include "platform/desktop/Text.h"
+#include "shell/BatchTools.h"
 #include "shell/DesktopUser.h"
 #include "shell/frmMain.h"
 
@@ -43,8 +44,7 @@ class OpenBench {
  public:
   explicit OpenBench(const std::string& build)
       : program_(host_.system(), host_.drives.toWindows(build) + "\\", user_), pickers_(host_.drives) {
-    program_.cygwin.FindCygwinRoot();
-    program_.cygwin.CheckCygwinTools();
+    shell::prepareTools(program_);
     window_.show();
     window_.cmdExtract_Click();
     QApplication::processEvents();

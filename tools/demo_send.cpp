@@ -9,6 +9,7 @@
 #include <cstdio>
 
 #include "download/frmNetloader.h"
+#include "shell/BatchTools.h"
 #include "shell/CallerPaths.h"
 #include "shell/DesktopUser.h"
 #include "shell/Program.h"
@@ -52,8 +53,7 @@ int main(int count, char** words) {
   shell::DesktopUser user;
   shell::Program program(host.system(), host.programFolder, user);
   program.log.setOnEntry([](const std::string& line) { std::printf("log %s\n", line.c_str()); });
-  program.cygwin.FindCygwinRoot();
-  program.cygwin.CheckCygwinTools();
+  shell::prepareTools(program);
   QTimer boxes;
   QObject::connect(&boxes, &QTimer::timeout, answerBox);
   boxes.start(lookEvery);

@@ -11,9 +11,6 @@
 namespace kt500sim {
 namespace {
 
-/// How an archive names what belongs to the other home.
-constexpr std::string_view besideHome = "../usr8";
-
 /// Of an archive that may be unpacked.
 struct Contents {
   std::uint64_t size = 0;  ///< bytes of all files

@@ -67,9 +67,8 @@ bool leadsInside(std::string_view path) {
 }
 
 bool isMemberName(std::string_view name) {
-  constexpr std::string_view beside = "../usr8";
-  if (name == beside) return true;
-  if (name.starts_with("../usr8/")) name.remove_prefix(beside.size() + 1);
+  if (name == besideHome) return true;
+  if (name.starts_with("../usr8/")) name.remove_prefix(besideHome.size() + 1);
   return name.empty() || leadsInside(name);
 }
 

@@ -11,6 +11,9 @@ namespace kt500sim {
 /// returning false. True when tar ended well.
 bool runTar(const std::vector<std::string>& arguments, const std::function<bool(std::string_view)>& line);
 
+/// How an archive names what belongs to the home of usr8.
+constexpr std::string_view besideHome = "../usr8";
+
 /// One line of `tar -tv --numeric-owner --quoting-style=escape`.
 struct Member {
   std::string mode;   ///< "-rwxr-xr-x"
