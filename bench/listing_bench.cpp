@@ -17,9 +17,9 @@
 #include <fstream>
 
 #include "bench/Measure.h"
-#include "browser/LayoutUi.h"
 #include "browser/ModePass.h"
-#include "browser/frameMain.h"
+#include "browser/ui/ApplyLayout.h"
+#include "browser/ui/frameMain.h"
 
 namespace {
 

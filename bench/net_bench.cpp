@@ -17,7 +17,7 @@
 #include <thread>
 
 #include "bench/Measure.h"
-#include "download/frmNetloader.h"
+#include "download/ui/frmNetloader.h"
 #include "shell/BatchTools.h"
 #include "shell/BatchUser.h"
 #include "shell/Program.h"

@@ -12,8 +12,8 @@
 #include "bench/Measure.h"
 #include "platform/desktop/Text.h"
 #include "shell/BatchTools.h"
-#include "shell/DesktopUser.h"
-#include "shell/frmMain.h"
+#include "shell/ui/DesktopUser.h"
+#include "shell/ui/frmMain.h"
 
 namespace {
 

@@ -9,8 +9,8 @@
 #include "shell/BatchUser.h"
 #include "shell/CallerPaths.h"
 #include "shell/CommandLine.h"
-#include "shell/DesktopUser.h"
-#include "shell/frmMain.h"
+#include "shell/ui/DesktopUser.h"
+#include "shell/ui/frmMain.h"
 
 namespace {
 

@@ -8,11 +8,11 @@
 #include <QTimer>
 #include <cstdio>
 
-#include "download/frmNetloader.h"
+#include "download/ui/frmNetloader.h"
 #include "shell/BatchTools.h"
 #include "shell/CallerPaths.h"
-#include "shell/DesktopUser.h"
 #include "shell/Program.h"
+#include "shell/ui/DesktopUser.h"
 
 namespace {
 

@@ -18,9 +18,9 @@
 #include <QTreeView>
 #include <functional>
 
-#include "browser/LayoutUi.h"
-#include "browser/frameMain.h"
-#include "browser/frmPattern.h"
+#include "browser/ui/ApplyLayout.h"
+#include "browser/ui/frameMain.h"
+#include "browser/ui/frmPattern.h"
 #include "platform/HeldName.h"
 #include "platform/desktop/DriveList.h"
 #include "platform/desktop/FileList.h"

@@ -19,10 +19,10 @@
 #include "platform/desktop/InputBox.h"
 #include "platform/desktop/Locale.h"
 #include "platform/desktop/Text.h"
-#include "shell/DesktopUser.h"
-#include "shell/Dialog.h"
-#include "shell/frmAbout.h"
-#include "shell/frmPermsError.h"
+#include "shell/ui/DesktopUser.h"
+#include "shell/ui/Dialog.h"
+#include "shell/ui/frmAbout.h"
+#include "shell/ui/frmPermsError.h"
 
 namespace {
 

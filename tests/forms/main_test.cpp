@@ -10,7 +10,7 @@
 
 #include "platform/HeldName.h"
 #include "shell/CallerPaths.h"
-#include "shell/frmMain.h"
+#include "shell/ui/frmMain.h"
 #include "tests/World.h"
 
 namespace fs = std::filesystem;

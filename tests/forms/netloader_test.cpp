@@ -9,7 +9,7 @@
 #include <QTimer>
 #include <random>
 
-#include "download/frmNetloader.h"
+#include "download/ui/frmNetloader.h"
 #include "platform/desktop/ScrollList.h"
 #include "tests/SimProcess.h"
 #include "tests/World.h"

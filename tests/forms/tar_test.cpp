@@ -11,7 +11,7 @@
 #include <QTest>
 #include <QTimer>
 
-#include "archive/frmTar.h"
+#include "archive/ui/frmTar.h"
 #include "platform/desktop/ScrollList.h"
 #include "tests/World.h"
 

@@ -13,12 +13,12 @@
 #include <QTreeView>
 
 #include "archive/ArchiveTreeBuilder.h"
-#include "archive/frameUntar.h"
-#include "archive/frmGetOutFolder.h"
-#include "archive/frmOverwriteFile.h"
-#include "archive/frmQuickExtract.h"
+#include "archive/ui/frameUntar.h"
+#include "archive/ui/frmGetOutFolder.h"
+#include "archive/ui/frmOverwriteFile.h"
+#include "archive/ui/frmQuickExtract.h"
 #include "platform/desktop/FolderList.h"
-#include "shell/DesktopUser.h"
+#include "shell/ui/DesktopUser.h"
 #include "tests/World.h"
 
 namespace fs = std::filesystem;

@@ -1,20 +1,20 @@
-#include "shell/frmMain.h"
+#include "shell/ui/frmMain.h"
 
 #include <QCloseEvent>
 #include <QPlainTextEdit>
 #include <QShortcut>
 #include <QSocketNotifier>
 
-#include "archive/frmTar.h"
-#include "browser/LayoutUi.h"
-#include "download/frmNetloader.h"
+#include "archive/ui/frmTar.h"
+#include "browser/ui/ApplyLayout.h"
+#include "download/ui/frmNetloader.h"
 #include "platform/ShellOpen.h"
 #include "platform/Signals.h"
 #include "platform/SystemInfo.h"
 #include "platform/desktop/Handlers.h"
 #include "platform/desktop/Text.h"
-#include "shell/StartUp.h"
-#include "shell/frmAbout.h"
+#include "shell/ui/StartUp.h"
+#include "shell/ui/frmAbout.h"
 #include "ui_frmMain.h"
 
 namespace shell {

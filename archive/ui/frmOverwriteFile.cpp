@@ -1,4 +1,4 @@
-#include "archive/frmOverwriteFile.h"
+#include "archive/ui/frmOverwriteFile.h"
 
 #include <QStyle>
 

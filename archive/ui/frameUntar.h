@@ -7,7 +7,7 @@
 #include <string>
 
 #include "archive/ArchiveListing.h"
-#include "archive/ArchiveTreeModel.h"
+#include "archive/ui/ArchiveTreeModel.h"
 #include "platform/desktop/FilePickers.h"
 #include "runtime/MainWindow.h"
 #include "runtime/Services.h"

@@ -1,4 +1,4 @@
-#include "browser/frmPattern.h"
+#include "browser/ui/frmPattern.h"
 
 #include "platform/desktop/Text.h"
 #include "ui_frmPattern.h"

@@ -1,4 +1,4 @@
-#include "archive/ArchiveTreeModel.h"
+#include "archive/ui/ArchiveTreeModel.h"
 
 #include <QColor>
 

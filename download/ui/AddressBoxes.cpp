@@ -1,4 +1,4 @@
-#include "download/AddressBoxesUi.h"
+#include "download/ui/AddressBoxes.h"
 
 #include <QClipboard>
 #include <QGuiApplication>

@@ -1,4 +1,4 @@
-#include "browser/NavigationUi.h"
+#include "browser/ui/Navigation.h"
 
 #include "platform/HeldName.h"
 #include "platform/ResolvedPath.h"

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "shell/CommandLine.h"
-#include "shell/frmMain.h"
+#include "shell/ui/frmMain.h"
 
 namespace shell {
 

@@ -1,4 +1,4 @@
-#include "shell/frmAbout.h"
+#include "shell/ui/frmAbout.h"
 
 #include <QLabel>
 #include <QPushButton>

@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "browser/DirPaneModel.h"
-#include "browser/NavigationUi.h"
+#include "browser/ui/DirPaneModel.h"
+#include "browser/ui/Navigation.h"
 #include "platform/desktop/FilePickers.h"
 #include "runtime/Selection.h"
 #include "runtime/Services.h"

@@ -1,4 +1,4 @@
-#include "browser/DividerUi.h"
+#include "browser/ui/Divider.h"
 
 #include <QKeyEvent>
 #include <QMouseEvent>

@@ -1,4 +1,4 @@
-#include "download/frmNetloader.h"
+#include "download/ui/frmNetloader.h"
 
 #include <QKeyEvent>
 #include <QTimer>

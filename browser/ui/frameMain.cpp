@@ -1,4 +1,4 @@
-#include "browser/frameMain.h"
+#include "browser/ui/frameMain.h"
 
 #include <QScrollBar>
 #include <QShortcut>
@@ -9,7 +9,7 @@
 #include "browser/ModePass.h"
 #include "browser/PaneRows.h"
 #include "browser/SelectedRows.h"
-#include "browser/frmPattern.h"
+#include "browser/ui/frmPattern.h"
 #include "platform/DirectorySearch.h"
 #include "platform/desktop/Handlers.h"
 #include "platform/desktop/Text.h"

@@ -5,9 +5,9 @@
 #include <string>
 #include <string_view>
 
-#include "download/AddressBoxesUi.h"
 #include "download/PollBudget.h"
 #include "download/Protocol.h"
+#include "download/ui/AddressBoxes.h"
 #include "platform/RegularFile.h"
 #include "platform/desktop/TcpClient.h"
 #include "runtime/Services.h"

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "download/frmNetloader.h"
+#include "download/ui/frmNetloader.h"
 #include "platform/desktop/Events.h"
 #include "platform/desktop/Text.h"
 #include "ui_frmNetloader.h"

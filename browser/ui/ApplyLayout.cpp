@@ -1,4 +1,4 @@
-#include "browser/LayoutUi.h"
+#include "browser/ui/ApplyLayout.h"
 
 #include <QFontMetricsF>
 #include <QWidget>

@@ -1,4 +1,4 @@
-#include "archive/frmTar.h"
+#include "archive/ui/frmTar.h"
 
 #include <QPointer>
 #include <utility>

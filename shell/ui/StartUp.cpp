@@ -1,15 +1,15 @@
-#include "shell/StartUp.h"
+#include "shell/ui/StartUp.h"
 
 #include <cstdlib>
 
-#include "archive/frmQuickExtract.h"
-#include "archive/frmTar.h"
+#include "archive/ui/frmQuickExtract.h"
+#include "archive/ui/frmTar.h"
 #include "platform/SystemInfo.h"
 #include "runtime/ArchiveKind.h"
 #include "runtime/PermissionTest.h"
 #include "shell/BatchPack.h"
-#include "shell/Dialog.h"
-#include "shell/frmPermsError.h"
+#include "shell/ui/Dialog.h"
+#include "shell/ui/frmPermsError.h"
 
 namespace shell {
 namespace {

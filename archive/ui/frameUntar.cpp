@@ -1,12 +1,12 @@
-#include "archive/frameUntar.h"
+#include "archive/ui/frameUntar.h"
 
 #include <QMenu>
 #include <QMouseEvent>
 
 #include "archive/ExtractCommand.h"
 #include "archive/Extractor.h"
-#include "archive/frmGetOutFolder.h"
-#include "archive/frmOverwriteFile.h"
+#include "archive/ui/frmGetOutFolder.h"
+#include "archive/ui/frmOverwriteFile.h"
 #include "platform/HeldName.h"
 #include "platform/desktop/Handlers.h"
 #include "platform/desktop/Text.h"

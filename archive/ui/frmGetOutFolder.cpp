@@ -1,4 +1,4 @@
-#include "archive/frmGetOutFolder.h"
+#include "archive/ui/frmGetOutFolder.h"
 
 #include "platform/HeldName.h"
 #include "platform/desktop/Handlers.h"

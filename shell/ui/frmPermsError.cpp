@@ -1,4 +1,4 @@
-#include "shell/frmPermsError.h"
+#include "shell/ui/frmPermsError.h"
 
 #include <QCheckBox>
 #include <QLabel>

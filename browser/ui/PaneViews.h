@@ -5,7 +5,7 @@
 #include <QTreeView>
 #include <vector>
 
-#include "browser/DirPaneModel.h"
+#include "browser/ui/DirPaneModel.h"
 
 namespace browser {
 

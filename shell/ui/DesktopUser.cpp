@@ -1,4 +1,4 @@
-#include "shell/DesktopUser.h"
+#include "shell/ui/DesktopUser.h"
 
 #include "platform/desktop/ActiveWindow.h"
 #include "platform/desktop/Events.h"

@@ -1,4 +1,4 @@
-#include "browser/PaneViewsUi.h"
+#include "browser/ui/PaneViews.h"
 
 #include <QApplication>
 #include <QHeaderView>

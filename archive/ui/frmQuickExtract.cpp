@@ -1,6 +1,6 @@
-#include "archive/frmQuickExtract.h"
+#include "archive/ui/frmQuickExtract.h"
 
-#include "archive/frmOverwriteFile.h"
+#include "archive/ui/frmOverwriteFile.h"
 #include "platform/desktop/Text.h"
 #include "ui_frmQuickExtract.h"
 

@@ -1,4 +1,4 @@
-#include "browser/DirPaneModel.h"
+#include "browser/ui/DirPaneModel.h"
 
 #include <QGuiApplication>
 #include <QPainter>

@@ -1,4 +1,4 @@
-#include "shell/Dialog.h"
+#include "shell/ui/Dialog.h"
 
 #include <QCheckBox>
 #include <QLabel>

@@ -5,9 +5,9 @@
 #include <string>
 #include <vector>
 
-#include "archive/frameUntar.h"
+#include "archive/ui/frameUntar.h"
 #include "browser/Layout.h"
-#include "browser/frameMain.h"
+#include "browser/ui/frameMain.h"
 #include "platform/desktop/FilePickers.h"
 #include "runtime/MainWindow.h"
 #include "shell/CommandLine.h"
