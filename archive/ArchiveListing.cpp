@@ -38,7 +38,7 @@ bool toolFound(const runtime::Services& services, ArchiveKind kind) {
 std::optional<std::string> readListing(const runtime::Services& services, ArchiveKind kind,
                                        const std::string& path) {
   if (!toolFound(services, kind)) return std::nullopt;
-  std::string output = services.api.RunCapture(services.cygwin.cygwinBin(), listCommand(kind, path));
+  std::string output = services.api.RunCapture(services.cygwin.cygwinBin(), listCommand(kind, path)).text;
   const auto problem = listingProblem(output, path);
   if (!problem) return output;
   services.user.message(*problem, Buttons::Ok, Icon::Information, "Error Opening Package");
@@ -48,7 +48,7 @@ std::optional<std::string> readListing(const runtime::Services& services, Archiv
 ArchiveTree fillTree(const runtime::Services& services, ArchiveKind kind, const std::string& path,
                      std::string listing, ListingProgress& progress) {
   const auto packageSize = [&services, &path] {
-    return services.api.RunCapture(services.cygwin.cygwinBin(), packageSizeCommand(path));
+    return services.api.RunCapture(services.cygwin.cygwinBin(), packageSizeCommand(path)).text;
   };
   ArchiveTreeBuilder builder(kind, std::move(listing), packageSize);
   Pace pace;

@@ -26,12 +26,12 @@ ExtractJob::ExtractJob(const runtime::Services& services, ExtractPlan plan)
     : services_(services), plan_(std::move(plan)) {}
 
 int ExtractJob::run() {
-  const int status = plan_.kind == runtime::ArchiveKind::Ipk ? runAr() : runTar();
-  logEnd(status);
-  return status;
+  const runtime::ToolResult run = plan_.kind == runtime::ArchiveKind::Ipk ? runAr() : runTar();
+  logEnd(run);
+  return run.status;
 }
 
-int ExtractJob::runTar() {
+runtime::ToolResult ExtractJob::runTar() {
   std::optional<ScratchFolder> place;
   std::string list = excludeOptions(plan_.excludes).value_or("");
   if (!plan_.withWhatIsBelow) list += "--no-recursion ";
@@ -42,7 +42,7 @@ int ExtractJob::runTar() {
     const std::string file = place->path() + "\\names";
     if (!*place || !services_.system.files.writeText(file, namesFileText(plan_.members))) {
       services_.log.append(" Unable to write file: " + services_.api.GetTempDir() + "names");
-      return platform::notStarted;
+      return {};
     }
     names = namesFileOptions(file);
   }
@@ -51,19 +51,19 @@ int ExtractJob::runTar() {
 }
 
 /// ar has no folder option and follows links that stand in its way: it unpacks into a folder of its own.
-int ExtractJob::runAr() {
+runtime::ToolResult ExtractJob::runAr() {
   const ScratchFolder place(services_.system.files, services_.log, plan_.outFolder);
   if (!place) {
     services_.log.append(" Unable to create a folder in: " + plan_.outFolder);
-    return platform::notStarted;
+    return {};
   }
   platform::Environment& environment = services_.system.environment;
   const std::string tools = ";" + services_.cygwin.cygwinBin();
   if (!environment.get("Path").ends_with(tools)) environment.set("Path", environment.get("Path") + tools);
-  const int status =
+  runtime::ToolResult run =
       services_.api.RunAndWait(arExtractCommand(plan_.archivePath, plan_.members), place.path());
-  const bool moved = moveIn(place.path());
-  return status == 0 && !moved ? 1 : status;
+  if (!moveIn(place.path()) && run.good()) run.status = 1;
+  return run;
 }
 
 /// A rename puts a file in the place of a link, never behind it.
@@ -80,11 +80,10 @@ bool ExtractJob::moveIn(const std::string& from) {
   return all;
 }
 
-void ExtractJob::logEnd(int status) {
-  const std::string& said = services_.api.lastConsoleText();
-  for (const std::string_view line : completeLines(said))
+void ExtractJob::logEnd(const runtime::ToolResult& run) {
+  for (const std::string_view line : completeLines(run.text))
     if (isRemark(line) || isArRemark(line)) services_.log.append(std::string(line));
-  const std::string code = status == 0 ? "" : " (exit code " + std::to_string(status) + ")";
+  const std::string code = run.status == 0 ? "" : " (exit code " + std::to_string(run.status) + ")";
   services_.log.append(" Extracted file: " + plan_.archivePath + code);
 }
 

@@ -28,10 +28,10 @@ class ExtractJob {
   int run();
 
  private:
-  int runTar();
-  int runAr();
+  runtime::ToolResult runTar();
+  runtime::ToolResult runAr();
   bool moveIn(const std::string& from);
-  void logEnd(int status);
+  void logEnd(const runtime::ToolResult& run);
 
   runtime::Services services_;
   ExtractPlan plan_;

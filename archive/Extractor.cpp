@@ -213,14 +213,16 @@ void Extractor::logLeftOut(const std::vector<RefusedMember>& refused) {
 const std::vector<GuardedMember>& Extractor::listedMembers() {
   if (!members_)
     members_ = membersOf(
-        services_.api.RunCapture(services_.cygwin.cygwinBin(), listCommand(plan_.kind, plan_.archivePath)));
+        services_.api.RunCapture(services_.cygwin.cygwinBin(), listCommand(plan_.kind, plan_.archivePath))
+            .text);
   return *members_;
 }
 
 /// What stands between an archive and its names: remarks go to the log.
 std::vector<std::string> Extractor::listedNames() {
   const std::string output =
-      services_.api.RunCapture(services_.cygwin.cygwinBin(), namesCommand(plan_.kind, plan_.archivePath));
+      services_.api.RunCapture(services_.cygwin.cygwinBin(), namesCommand(plan_.kind, plan_.archivePath))
+          .text;
   const bool tar = plan_.kind != ArchiveKind::Ipk;
   std::optional<std::set<std::string_view>> known;
   std::vector<std::string> names;

@@ -40,9 +40,9 @@ PackOutcome PackJob::run() {
   if (!openPlace() || !writeList()) return refuseToWrite();
   const std::string command = tarCommand(plan_.settings, plan_.kind, plan_.mode, plan_.list, listText_,
                                          staging ? staging->tmpFolder() : "", file_);
-  const int status = services_.api.RunAndWait(command);
+  const runtime::ToolResult run = services_.api.RunAndWait(command);
   staging.reset();
-  return finish(status, command);
+  return finish(run, command);
 }
 
 /// Beside the output where that is not packed: then a rename is enough, whatever the size. A staged run
@@ -96,18 +96,18 @@ bool PackJob::moveToTarget() {
   return files.rename(file_, target()) || files.copyFile(file_, target());
 }
 
-PackOutcome PackJob::finish(int status, const std::string& command) {
-  if (status != 0 && status != filesChanged) {
-    reportFailure(status, command);
+PackOutcome PackJob::finish(const runtime::ToolResult& run, const std::string& command) {
+  if (run.status != 0 && run.status != filesChanged) {
+    reportFailure(run, command);
     return PackOutcome::Failed;
   }
   if (!services_.system.files.fileExists(file_)) return PackOutcome::Failed;
   if (!moveToTarget()) return refuseToWrite();
-  if (status == 0) {
+  if (run.status == 0) {
     services_.log.append(" Created file: " + target());
     return PackOutcome::Created;
   }
-  logRemarks();
+  logRemarks(run);
   services_.log.append(" Archive kept, though files changed while they were read: " + target());
   services_.user.message(unknownError, Buttons::Ok, Icon::None);
   return PackOutcome::Failed;
@@ -119,15 +119,15 @@ PackOutcome PackJob::refuseToWrite() {
   return PackOutcome::Failed;
 }
 
-void PackJob::reportFailure(int status, const std::string& command) {
+void PackJob::reportFailure(const runtime::ToolResult& run, const std::string& command) {
   const bool earlier = services_.system.files.entryExists(target());
-  logRemarks();
-  if (status == fatalError) services_.log.append(" Failed command: " + command);
+  logRemarks(run);
+  if (run.status == fatalError) services_.log.append(" Failed command: " + command);
   services_.log.append(" Partial archive removed" +
                        std::string(earlier ? ", the earlier file is unchanged: " : ": ") + target());
-  if (status == platform::notStarted)
+  if (run.status == platform::notStarted)
     services_.user.message(missingFiles, Buttons::Ok, Icon::Critical);
-  else if (status == fatalError)
+  else if (run.status == fatalError)
     showFailedCommand();
   else
     services_.user.message(unknownError, Buttons::Ok, Icon::None);
@@ -137,9 +137,8 @@ void PackJob::showFailedCommand() {
   services_.user.showCommand(std::string(runtime::programTitle) + ": Error", failedPrompt, statedCommand());
 }
 
-void PackJob::logRemarks() {
-  const std::string& said = services_.api.lastConsoleText();
-  for (const std::string_view line : completeLines(said))
+void PackJob::logRemarks(const runtime::ToolResult& run) {
+  for (const std::string_view line : completeLines(run.text))
     if (isRemark(line)) services_.log.append(std::string(line));
 }
 

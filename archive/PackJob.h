@@ -35,11 +35,11 @@ class PackJob {
   std::string exclusions() const;
   std::string statedCommand() const;
   bool moveToTarget();
-  PackOutcome finish(int status, const std::string& command);
+  PackOutcome finish(const runtime::ToolResult& run, const std::string& command);
   PackOutcome refuseToWrite();
-  void reportFailure(int status, const std::string& command);
+  void reportFailure(const runtime::ToolResult& run, const std::string& command);
   void showFailedCommand();
-  void logRemarks();
+  void logRemarks(const runtime::ToolResult& run);
 
   runtime::Services services_;
   PackPlan plan_;

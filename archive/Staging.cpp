@@ -88,7 +88,7 @@ bool Staging::copyNames(const std::vector<std::string>& names, const std::string
 bool Staging::runCopy(const std::string& listText, const std::string& folder,
                       const std::string& workingFolder) {
   const std::string command = "cp -rpt " + runtime::ToCygwinPath(folder) + ' ' + listText;
-  const std::string said = api_.RunCapture(cygwin_.cygwinBin(), command, workingFolder);
+  const std::string said = api_.RunCapture(cygwin_.cygwinBin(), command, workingFolder).text;
   if (said.empty()) return true;
   log_.append(said == runtime::startFailure ? " Unable to start: cp"
                                             : " Unable to copy: " + withoutLineEnd(said));

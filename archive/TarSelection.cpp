@@ -14,21 +14,21 @@ bool wholeFolderAgreed(const runtime::Services& services, const std::string& fol
 
 }  // namespace
 
-PackSelection packSelection(const runtime::MainWindow& mainWindow, bool whole) {
+PackSelection packSelection(const runtime::FilePane& pane, bool whole) {
   PackSelection selection;
-  selection.currentFolder = runtime::withoutTrailingBackslash(mainWindow.GetDir1Path());
-  if (!whole) selection.selectedPaths = mainWindow.selectedPaths();
-  if (selection.selectedPaths.empty()) selection.paneItems = mainWindow.paneItems();
+  selection.currentFolder = runtime::withoutTrailingBackslash(pane.GetDir1Path());
+  if (!whole) selection.selectedPaths = pane.selectedPaths();
+  if (selection.selectedPaths.empty()) selection.paneItems = pane.paneItems();
   return selection;
 }
 
-TarSelection checkSelection(const runtime::Services& services, runtime::MainWindow& mainWindow) {
-  const PackSelection selection = packSelection(mainWindow, false);
+TarSelection checkSelection(const runtime::Services& services, runtime::FilePane& pane) {
+  const PackSelection selection = packSelection(pane, false);
   const PackRunner runner(services);
   if (!runner.selectionExists(selection)) return TarSelection::Stopped;
   if (!selection.selectedPaths.empty()) return TarSelection::Selected;
   if (!wholeFolderAgreed(services, selection.currentFolder)) return TarSelection::Stopped;
-  mainWindow.selectAllRows();
+  pane.selectAllRows();
   return TarSelection::WholeFolder;
 }
 

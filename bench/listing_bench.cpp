@@ -34,8 +34,7 @@ class Nobody : public runtime::UserInterface {
   }
   void showCommand(const std::string&, const std::string&, const std::string&) override {}
   void letEventsRun() override { QApplication::processEvents(); }
-  bool consoleOutput(std::string_view) override { return true; }
-  bool consoleStep() override { return true; }
+  void consoleOutput(std::string_view) override {}
   void consoleOpened(const std::string&) override {}
   void consoleClosed() override {}
 };
@@ -149,7 +148,7 @@ double Bench::selectAll() {
   frame_->checkAll_Click();
   QApplication::processEvents();
   const double spent = 1e3 * static_cast<double>(std::clock() - begin) / CLOCKS_PER_SEC;
-  if (selection_.selectedCount != names_.size()) std::exit(2);
+  if (selection_.selectedCount() != names_.size()) std::exit(2);
   return spent;
 }
 

@@ -24,7 +24,7 @@ void runModePass(runtime::modAPI& api, const std::string& toolFolder, const std:
                  const std::vector<std::string>& names, const ModesReady& ready) {
   for (std::size_t first = 0; first < names.size(); first += modeBatch) {
     const std::size_t count = std::min(modeBatch, names.size() - first);
-    const std::string output = api.RunCapture(toolFolder, modeCommand(names, first, count), folder);
+    const std::string output = api.RunCapture(toolFolder, modeCommand(names, first, count), folder).text;
     if (!ready(first, modesOf(output, count))) return;
   }
 }

@@ -27,9 +27,8 @@ std::size_t countFolders(const platform::Files& files, const std::string& folder
 
 SelectionCounts rebuildSelection(runtime::Selection& selection, const platform::Files& files,
                                  const std::string& folder, const std::vector<std::string>& names) {
-  if (selection.selectedPaths.size() < names.size()) selection.selectedPaths.resize(names.size());
-  selection.selectedCount = 0;
-  for (const std::string& name : names) selection.selectedPaths[selection.selectedCount++] = folder + name;
+  selection = {};
+  for (const std::string& name : names) selection.selectedPaths.push_back(folder + name);
   SelectionCounts counts;
   counts.folders = countFolders(files, folder, names);
   counts.files = names.size() - counts.folders;

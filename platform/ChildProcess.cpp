@@ -21,7 +21,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr int pipeSize = 1 << 20;  // what an ordinary user may ask for; fewer changes between the two sides
 constexpr int failedStatus = 127;  // of a child whose status somebody else took
-constexpr std::chrono::seconds grace{2};
+constexpr std::chrono::milliseconds grace{500};
 
 /// Holds the end signals back, so that none falls between a start and the word where to pass it.
 class SignalsHeld {
@@ -154,10 +154,11 @@ std::size_t ChildProcess::bytesWaiting() const {
   return output_ && ioctl(output_.get(), FIONREAD, &count) == 0 ? static_cast<std::size_t>(count) : 0;
 }
 
-void ChildProcess::end() {
+std::string ChildProcess::end() {
   kill(-pid_, SIGTERM);
   const auto deadline = Clock::now() + grace;
-  std::vector<char> unwanted(1 << 16);
+  std::string rest;
+  std::vector<char> buffer(1 << 16);
   while (hasOutput() || !hasEnded()) {
     const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now()).count();
     if (left <= 0) break;
@@ -165,9 +166,10 @@ void ChildProcess::end() {
       waitForOutput(static_cast<int>(left));
     else
       waitForOutputOrEnd(static_cast<int>(left));
-    read(unwanted.data(), unwanted.size());
+    rest.append(buffer.data(), read(buffer.data(), buffer.size()));
   }
   kill(-pid_, SIGKILL);  // not reaped yet, so the number is still the group's
+  return rest;
 }
 
 int ChildProcess::status() {

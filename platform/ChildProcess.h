@@ -42,7 +42,8 @@ class ChildProcess {
   std::size_t read(char* buffer, std::size_t size);
   std::size_t bytesWaiting() const;  ///< in the pipe
 
-  void end();    ///< ends the group: SIGTERM, and SIGKILL for what is left after two seconds
+  /// Ends the group: SIGTERM, and SIGKILL for what is left after half a second. What was still written.
+  std::string end();
   int status();  ///< waits for the end of the program: its status, 128 + n for death by signal n
 
  private:

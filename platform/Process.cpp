@@ -177,9 +177,9 @@ RunResult HostCommandRunner::capture(const StartRequest& request, const WaitStep
     child->waitForOutputOrEnd(pace.milliseconds());
     goesOn = pace.goesOn();
   }
-  if (!goesOn) child->end();
-  const int status = child->status();
-  if (goesOn) result.status = status;
+  result.stopped = !goesOn;
+  if (!goesOn) result.text += child->end();
+  result.status = child->status();
   return result;
 }
 
@@ -192,23 +192,27 @@ RunResult HostCommandRunner::runVisible(const StartRequest& request, const Outpu
   ReadBuffer buffer;
   const auto deliver = [&](std::size_t most) {
     const std::size_t size = child->read(buffer.data(), std::min(buffer.size(), most));
-    return size == 0 || sink(std::string_view(buffer.data(), size));
+    if (size > 0) sink(std::string_view(buffer.data(), size));
   };
   bool goesOn = true;
   for (std::size_t reads = 0; goesOn && !child->hasEnded(); ++reads) {
     child->waitForOutputOrEnd(pace.milliseconds());
     letLinesGather(*child, reads);
-    goesOn = deliver(buffer.size()) && pace.goesOn();
+    deliver(buffer.size());
+    goesOn = pace.goesOn();
   }
   // What was written before the end; a background child may write on, and is not listened to.
   for (std::size_t left = child->bytesWaiting(); goesOn && left > 0 && child->hasOutput();) {
     const std::size_t most = std::min(buffer.size(), left);
-    goesOn = deliver(most);
+    deliver(most);
     left -= most;
   }
-  if (!goesOn) child->end();
-  const int status = child->status();
-  if (goesOn) result.status = status;
+  result.stopped = !goesOn;
+  if (!goesOn) {
+    const std::string rest = child->end();
+    if (!rest.empty()) sink(rest);
+  }
+  result.status = child->status();
   return result;
 }
 

@@ -15,13 +15,14 @@ class ChildProcess;
 
 constexpr int notStarted = -1;
 
-/// What a run came to: what a capture collected, and how it ended: `notStarted` (also for a run that `sink`
-/// or `step` ended), 128 + n for death by signal n, otherwise the tool's own status.
+/// What a run came to: what a capture collected, and how it ended: `notStarted`, 128 + n for death by signal
+/// n (also of one that `step` ended), otherwise the tool's own status.
 struct RunResult {
   std::string text;  ///< bytes, NULs and invalid UTF-8 included; empty for a visible run
   int status = notStarted;
   int systemError = 0;      ///< errno of a failed start
   bool pipeFailed = false;  ///< no pipe could be made (systemError says why)
+  bool stopped = false;     ///< `step` ended it
 };
 
 /// A command line as the tools see it: blanks separate, double quotes group and vanish, nothing is
@@ -34,9 +35,10 @@ struct StartRequest {
   std::string toolFolder;     ///< Windows form, may be empty; where the tools are, a step of the look-up
 };
 
-/// Receives output as it arrives (visible runs). Returning false ends the tool: the run has failed.
-using OutputSink = std::function<bool(std::string_view)>;
-/// Called about every 20 ms while a run waits or its output flows. Returning false ends the tool.
+/// Receives output as it arrives (visible runs), also what a tool still wrote while it was ended.
+using OutputSink = std::function<void(std::string_view)>;
+/// Called about every 20 ms while a run waits or its output flows. Returning false ends the tool and all that
+/// it started.
 using WaitStep = std::function<bool()>;
 
 /// Starts programs. Arguments `/cygdrive/X/...` (also behind an option's "=") become host paths, held

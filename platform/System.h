@@ -2,6 +2,7 @@
 
 #include <string>
 
+#include "platform/Busy.h"
 #include "platform/DriveTable.h"
 #include "platform/Environment.h"
 #include "platform/Files.h"
@@ -18,6 +19,7 @@ struct System {
   Registry& registry;
   UserSettings& settings;
   CommandRunner& runner;
+  Busy& busy;
 };
 
 }  // namespace platform

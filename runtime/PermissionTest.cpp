@@ -12,7 +12,7 @@ std::string permissionsOf(const std::string& line) { return line.size() < 2 ? ""
 
 /// Empty when chmod was silent.
 std::string setAll(const Services& services, const std::string& cygwinPath) {
-  return services.api.RunCapture(services.cygwin.cygwinBin(), "chmod.exe 777 " + cygwinPath);
+  return services.api.RunCapture(services.cygwin.cygwinBin(), "chmod.exe 777 " + cygwinPath).text;
 }
 
 void reportChmod(Log& log, const std::string& said) {
@@ -34,7 +34,8 @@ void RunPermissionTest(const Services& services, const std::function<void()>& sh
   if (!said.empty()) {
     reportChmod(services.log, said);
   } else {
-    const std::string line = services.api.RunCapture(services.cygwin.cygwinBin(), "ls.exe -ln " + cygwinPath);
+    const std::string line =
+        services.api.RunCapture(services.cygwin.cygwinBin(), "ls.exe -ln " + cygwinPath).text;
     if (permissionsOf(line) != allPermissions) {
       services.log.append("ERROR: Permission test failed (chmod.exe)");
       if (services.settings.firstRun()) showNotice();

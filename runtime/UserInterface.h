@@ -11,6 +11,11 @@ enum class Answer { Ok, Cancel, Yes, No };
 /// What an OK or a Yes to a question would do; it decides the answer where no window can ask.
 enum class Consequence { Nothing, MakesSomethingNew, ReplacesSomething };
 
+/// What refuses, or just ends the box.
+inline Answer refusalOf(Buttons buttons) {
+  return buttons == Buttons::YesNo ? Answer::No : buttons == Buttons::Ok ? Answer::Ok : Answer::Cancel;
+}
+
 constexpr const char* programTitle = "Pakrune";
 
 /// What a piece of work needs from whoever sits in front of the program. With windows: real message boxes;
@@ -18,19 +23,21 @@ constexpr const char* programTitle = "Pakrune";
 class UserInterface {
  public:
   virtual ~UserInterface() = default;
-  /// Text may hold CR, LF or CR LF line ends and is plain text.
+  /// Text may hold CR, LF or CR LF line ends and is plain text. Once the job was asked to stop nothing is
+  /// shown any more, and every question is answered with the refusal.
   virtual Answer message(const std::string& text, Buttons buttons, Icon icon,
                          const std::string& title = programTitle,
                          Consequence consequence = Consequence::Nothing) = 0;
   /// Shows a text that can be copied (an input box whose answer is not used).
   virtual void showCommand(const std::string& title, const std::string& prompt, const std::string& text) = 0;
-  virtual void letEventsRun() = 0;  ///< pending events run once, without waiting
-  virtual void repaint() {}         ///< the windows repaint while a tool runs; no input is read
-  /// Output of a visible run: false ends the tool (its window was closed).
-  virtual bool consoleOutput(std::string_view bytes) = 0;
-  virtual bool consoleStep() = 0;  ///< called while a visible run waits; repaints only
+  /// Pending events run once, without waiting; while the gate is held, only those that it lets through.
+  virtual void letEventsRun() = 0;
+  /// A visible run of a tool: its console opens, shows the output as it comes, and closes at its end.
   virtual void consoleOpened(const std::string& title) = 0;
+  virtual void consoleOutput(std::string_view bytes) = 0;
   virtual void consoleClosed() = 0;
+  /// What a console showed can be read after it has closed, so that nobody need repeat it.
+  virtual bool keepsConsole() const { return false; }
 };
 
 /// The log pane. A text that begins with a blank gets the time of day in front (24-hour HH:MM:SS);

@@ -55,38 +55,54 @@ std::string withoutTrailingBackslash(std::string_view path) {
 
 modAPI::modAPI(platform::System system, UserInterface& user) : system_(system), user_(user) {}
 
-std::string modAPI::RunCapture(const std::string& toolFolder, const std::string& commandLine,
-                               const std::string& workingFolder) {
-  SetCurDir(toolFolder);
-  user_.letEventsRun();
-  if (!startsToolsDirectly(osVersion_)) return startFailure;
-  const ToolRunning::Scope running(toolRunning_);
-  platform::RunResult result = system_.runner.capture(
-      {commandLine, workingFolder.empty() ? toolFolder : workingFolder, toolFolder}, [this] {
-        user_.repaint();
-        return true;
-      });
-  if (result.pipeFailed) {
-    user_.message("CreatePipe failed. Error: " + std::to_string(result.systemError), Buttons::Ok, Icon::None);
-    return "";
-  }
-  return result.status == platform::notStarted ? startFailure : std::move(result.text);
+/// A tool that got the signal itself may be gone before anybody ended it.
+ToolResult modAPI::finished(platform::RunResult raw) const {
+  const bool stopped = raw.stopped || (raw.status != 0 && system_.busy.stopRequested());
+  ToolResult result{std::move(raw.text), raw.status, raw.systemError, stopped};
+  if (result.status == platform::notStarted && !stopped) result.text = startFailure;
+  return result;
 }
 
-int modAPI::RunAndWait(const std::string& commandLine, const std::string& workingFolder) {
-  const ToolRunning::Scope running(toolRunning_);
-  lastConsoleText_.clear();
+ToolResult modAPI::RunCapture(const std::string& toolFolder, const std::string& commandLine,
+                              const std::string& workingFolder) {
+  const platform::Busy::Scope busy(system_.busy);
+  SetCurDir(toolFolder);
+  user_.letEventsRun();
+  const platform::Stop stop = system_.busy.stop();
+  if (stop.requested()) return finished({.stopped = true});
+  if (!startsToolsDirectly(osVersion_)) return finished({});
+  platform::RunResult raw = system_.runner.capture(
+      {commandLine, workingFolder.empty() ? toolFolder : workingFolder, toolFolder}, [this, &stop] {
+        user_.letEventsRun();
+        return !stop.requested();
+      });
+  if (raw.pipeFailed) {
+    user_.message("CreatePipe failed. Error: " + std::to_string(raw.systemError), Buttons::Ok, Icon::None);
+    return {"", raw.status, raw.systemError, false};
+  }
+  return finished(std::move(raw));
+}
+
+ToolResult modAPI::RunAndWait(const std::string& commandLine, const std::string& workingFolder) {
+  const platform::Busy::Scope busy(system_.busy);
+  const platform::Stop stop = system_.busy.stop();
+  if (stop.requested()) return finished({.stopped = true});
+  std::string text;
   user_.consoleOpened(firstWord(commandLine));
   // The tools come first in PATH; the current folder may be the user's, where no program is looked for.
-  const platform::RunResult result = system_.runner.runVisible(
+  platform::RunResult raw = system_.runner.runVisible(
       {commandLine, workingFolder.empty() ? currentFolder_ : workingFolder, ""},
-      [this](std::string_view bytes) {
-        lastConsoleText_ += bytes;
-        return user_.consoleOutput(bytes);
+      [this, &text](std::string_view bytes) {
+        text += bytes;
+        user_.consoleOutput(bytes);
       },
-      [this] { return user_.consoleStep(); });
+      [this, &stop] {
+        user_.letEventsRun();
+        return !stop.requested();
+      });
   user_.consoleClosed();
-  return result.status;
+  raw.text = std::move(text);
+  return finished(std::move(raw));
 }
 
 bool modAPI::ProbeTool(const std::string& toolPath) const {

@@ -28,7 +28,6 @@ std::string oneLine(const std::string& text) {
 }
 
 Answer positive(Buttons buttons) { return buttons == Buttons::YesNo ? Answer::Yes : Answer::Ok; }
-Answer negative(Buttons buttons) { return buttons == Buttons::YesNo ? Answer::No : Answer::Cancel; }
 
 bool askedYes() {
   if (isatty(STDIN_FILENO) == 0 || isatty(STDERR_FILENO) == 0) return false;
@@ -46,16 +45,13 @@ Answer BatchUser::message(const std::string& text, Buttons buttons, runtime::Ico
   if (buttons == Buttons::Ok) return Answer::Ok;
   if (yes_ || consequence == Consequence::MakesSomethingNew || askedYes()) return positive(buttons);
   std::cerr << "pakrune: refused (--yes before the switch agrees)\n";
-  return negative(buttons);
+  return runtime::refusalOf(buttons);
 }
 
 void BatchUser::showCommand(const std::string& title, const std::string& prompt, const std::string& text) {
   std::cerr << title << ": " << oneLine(prompt) << '\n' << platform::shownName(text) << '\n';
 }
 
-bool BatchUser::consoleOutput(std::string_view bytes) {
-  std::fwrite(bytes.data(), 1, bytes.size(), stderr);
-  return true;
-}
+void BatchUser::consoleOutput(std::string_view bytes) { std::fwrite(bytes.data(), 1, bytes.size(), stderr); }
 
 }  // namespace shell

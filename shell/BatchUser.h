@@ -15,10 +15,10 @@ class BatchUser : public runtime::UserInterface {
                           const std::string& title, runtime::Consequence consequence) override;
   void showCommand(const std::string& title, const std::string& prompt, const std::string& text) override;
   void letEventsRun() override {}
-  bool consoleOutput(std::string_view bytes) override;
-  bool consoleStep() override { return true; }
+  void consoleOutput(std::string_view bytes) override;
   void consoleOpened(const std::string&) override {}
   void consoleClosed() override {}
+  bool keepsConsole() const override { return true; }
 
  private:
   bool yes_;

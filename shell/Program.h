@@ -27,8 +27,9 @@ struct Host {
   platform::Registry registry;
   platform::UserSettings userSettings;
   platform::HostCommandRunner runner;
+  platform::Busy busy;
 
-  platform::System system() { return {drives, files, environment, registry, userSettings, runner}; }
+  platform::System system() { return {drives, files, environment, registry, userSettings, runner, busy}; }
 };
 
 /// The program-wide values, one object made in main() and handed down by reference.

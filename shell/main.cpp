@@ -4,6 +4,7 @@
 
 #include "platform/HeldName.h"
 #include "platform/Signals.h"
+#include "platform/desktop/Gate.h"
 #include "shell/BatchExtract.h"
 #include "shell/BatchPack.h"
 #include "shell/BatchUser.h"
@@ -72,10 +73,12 @@ int runWindows(shell::Host& host, const CommandLine& commandLine, char* name) {
   QApplication application(one, names);
   QApplication::setApplicationName(QString::fromLatin1(runtime::programTitle));
   QApplication::setQuitOnLastWindowClosed(false);
-  shell::DesktopUser user;
+  shell::DesktopUser user(host.busy);
   shell::Program program(host.system(), host.programFolder, user);
   platform::desktop::DesktopFilePickers pickers(host.drives);
+  platform::desktop::Gate gate(host.busy);
   shell::frmMain window(program, pickers);
+  QObject::connect(&gate, &platform::desktop::Gate::endWanted, &window, &shell::frmMain::endProgram);
   return window.Load(commandLine) ? QApplication::exec() : program.exitStatus;
 }
 

@@ -28,8 +28,7 @@ class Person : public runtime::UserInterface {
     told.push_back(title + "|" + text);
   }
   void letEventsRun() override { ++yields; }
-  bool consoleOutput(std::string_view) override { return true; }
-  bool consoleStep() override { return true; }
+  void consoleOutput(std::string_view) override {}
   void consoleOpened(const std::string& title) override { consoles.push_back(title); }
   void consoleClosed() override {}
 
@@ -99,7 +98,8 @@ class World : public testing::Test {
   platform::UserSettings userSettings_{registry_};
   std::string program_ = drives_.toWindows(root_ + "/prog") + "\\";
   platform::HostCommandRunner commands_{drives_, environment_, program_};
-  platform::System system_{drives_, files_, environment_, registry_, userSettings_, commands_};
+  platform::Busy busy_;
+  platform::System system_{drives_, files_, environment_, registry_, userSettings_, commands_, busy_};
   Person person_;
   Lines log_;
   runtime::Settings stored_{registry_, userSettings_, log_};

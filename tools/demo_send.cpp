@@ -50,7 +50,7 @@ int main(int count, char** words) {
     return 2;
   }
   shell::Host host;
-  shell::DesktopUser user;
+  shell::DesktopUser user(host.busy);
   shell::Program program(host.system(), host.programFolder, user);
   program.log.setOnEntry([](const std::string& line) { std::printf("log %s\n", line.c_str()); });
   shell::prepareTools(program);

@@ -46,11 +46,11 @@ class frameUntar::Progress : public ListingProgress {
   unsigned run_;
 };
 
-frameUntar::frameUntar(runtime::Services services, runtime::MainWindow& mainWindow,
+frameUntar::frameUntar(runtime::Services services, runtime::FilePane& pane,
                        platform::desktop::FilePickers& pickers, QWidget* parent)
     : QGroupBox(parent),
       services_(services),
-      mainWindow_(mainWindow),
+      pane_(pane),
       pickers_(pickers),
       ui_(std::make_unique<Ui::frameUntar>()),
       model_(new ArchiveTreeModel(this)),
@@ -66,7 +66,7 @@ frameUntar::~frameUntar() = default;
 
 void frameUntar::wire() {
   const auto button = [this](QPushButton* sender, void (frameUntar::*handler)()) {
-    connectHandler(sender, &QPushButton::clicked, this, services_.api.toolRunning(), handler);
+    connectHandler(sender, &QPushButton::clicked, this, services_.system.busy, handler);
   };
   button(ui_->cmdGetFile, &frameUntar::cmdGetFile_Click);
   button(ui_->cmdSelectOut, &frameUntar::cmdSelectOut_Click);
@@ -82,7 +82,7 @@ void frameUntar::wireTree() {
   mnuTarTreeRightClick_->setObjectName(QStringLiteral("mnuTarTreeRightClick"));
   QAction* properties = mnuTarTreeRightClick_->addAction(QStringLiteral("Properties"));
   properties->setObjectName(QStringLiteral("mnuTarTreeProperties"));
-  connectHandler(properties, &QAction::triggered, this, services_.api.toolRunning(),
+  connectHandler(properties, &QAction::triggered, this, services_.system.busy,
                  &frameUntar::mnuTarTreeProperties_Click);
   connect(ui_->tarTree, &QTreeView::customContextMenuRequested, this, &frameUntar::tarTree_MouseUp);
   connect(ui_->tarTree, &QTreeView::collapsed, model_,
@@ -105,7 +105,7 @@ void frameUntar::reset() {
 void frameUntar::open() {
   reset();
   emit shown();
-  const std::vector<std::string> selected = mainWindow_.selectedPaths();
+  const std::vector<std::string> selected = pane_.selectedPaths();
   if (selected.size() != 1 || !opensAsArchive(selected.front())) return;
   ui_->txtFileIn->setText(toControl(selected.front()));
   ui_->txtOutLocation->setText(toControl(proposedOutFolder(selected.front())));
@@ -211,7 +211,7 @@ void frameUntar::ExtractArchive(bool all) {
   setEnabled(true);
   if (!result.started) return focusOn(result.focus);
   emit closed();
-  mainWindow_.refreshKeepList();
+  pane_.refreshKeepList();
 }
 
 void frameUntar::cmdUnTarSelected_Click() {
@@ -261,7 +261,7 @@ bool frameUntar::eventFilter(QObject* watched, QEvent* event) {
 }
 
 void frameUntar::tarTree_MouseUp(const QPoint& position) {
-  if (services_.api.toolRunning().active()) return;
+  if (services_.system.busy.held()) return;
   rightClickedNode_ = ArchiveTreeModel::node(ui_->tarTree->indexAt(position));
   if (rightClickedNode_ == 0) return mnuTarTreeRightClick_->hide();
   mnuTarTreeRightClick_->popup(ui_->tarTree->viewport()->mapToGlobal(position));

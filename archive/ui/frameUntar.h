@@ -9,7 +9,7 @@
 #include "archive/ArchiveListing.h"
 #include "archive/ui/ArchiveTreeModel.h"
 #include "platform/desktop/FilePickers.h"
-#include "runtime/MainWindow.h"
+#include "runtime/FilePane.h"
 #include "runtime/Services.h"
 
 class QLineEdit;
@@ -27,8 +27,8 @@ class frameUntar : public QGroupBox {
   Q_OBJECT
 
  public:
-  frameUntar(runtime::Services services, runtime::MainWindow& mainWindow,
-             platform::desktop::FilePickers& pickers, QWidget* parent = nullptr);
+  frameUntar(runtime::Services services, runtime::FilePane& pane, platform::desktop::FilePickers& pickers,
+             QWidget* parent = nullptr);
   ~frameUntar() override;
 
   /// Puts the initial texts, the hint entry and no archive into the frame; with exactly one archive selected,
@@ -80,7 +80,7 @@ class frameUntar : public QGroupBox {
   void mnuTarTreeProperties_Click();
 
   runtime::Services services_;
-  runtime::MainWindow& mainWindow_;
+  runtime::FilePane& pane_;
   platform::desktop::FilePickers& pickers_;
   std::unique_ptr<Ui::frameUntar> ui_;
   ArchiveTreeModel* model_;

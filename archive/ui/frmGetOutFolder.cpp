@@ -22,7 +22,7 @@ bool isFolderName(const std::string& name) {
 frmGetOutFolder::frmGetOutFolder(runtime::Services services, const std::string& startFolder, QWidget* parent)
     : QDialog(parent), services_(services), ui_(std::make_unique<Ui::frmGetOutFolder>()) {
   ui_->setupUi(this);
-  const runtime::ToolRunning& running = services_.api.toolRunning();
+  const platform::Busy& running = services_.system.busy;
   ui_->Drive1->setDrives(services_.system.drives, running);
   ui_->dirList->setDrives(services_.system.drives, running);
   if (ui_->dirList->setPath(startFolder))

@@ -60,18 +60,19 @@ bool acceptedAnyway(const runtime::Services& services, const std::string& path) 
 
 }  // namespace
 
-frmTar::frmTar(const runtime::Services& services, runtime::MainWindow& mainWindow,
+frmTar::frmTar(const runtime::Services& services, runtime::FilePane& pane, runtime::Downloads& downloads,
                platform::desktop::FilePickers& pickers, PackSelection selection, QWidget* parent)
     : QDialog(parent),
       ui_(std::make_unique<Ui::frmTar>()),
       services_(services),
-      mainWindow_(mainWindow),
+      pane_(pane),
+      downloads_(downloads),
       pickers_(pickers),
       selection_(std::move(selection)),
       stageUsr8_(usr8Support(services.settings.usr8())) {
   ui_->setupUi(this);
   const auto wire = [this](auto* sender, auto signal, auto handler) {
-    connectHandler(sender, signal, this, services_.api.toolRunning(), handler);
+    connectHandler(sender, signal, this, services_.system.busy, handler);
   };
   wire(ui_->cmdGetOut, &QPushButton::clicked, &frmTar::cmdGetOut_Click);
   wire(ui_->txtFileOut, &QLineEdit::textChanged, &frmTar::txtFileOut_Change);
@@ -86,10 +87,10 @@ frmTar::~frmTar() = default;
 void frmTar::Form_Load() {
   QStringList owners;
   for (const OwnerEntry& entry : ownerEntries()) owners.append(QString::fromLatin1(entry.name));
-  if (!mainWindow_.setOwnerShown()) owners.removeLast();
+  if (!pane_.setOwnerShown()) owners.removeLast();
   ui_->listOwner->setEntries(owners);
   ui_->cmdGetOut->setIcon(platform::desktop::imageIcon(runtime::getImageIndex("fldrOpen")));
-  ui_->lblAdd->setText(toShown(mainWindow_.selectionText()));
+  ui_->lblAdd->setText(toShown(pane_.selectionText()));
   showFolderOption();
   ui_->txtFileOut->setText(toControl(proposedOutput(selection_, oneFolder(services_, selection_))));
   txtFileOut_Change();
@@ -105,7 +106,7 @@ void frmTar::showFolderOption() {
 }
 
 void frmTar::reject() {
-  if (!busy_ && !services_.api.toolRunning().active()) QDialog::reject();
+  if (!busy_ && !services_.system.busy.held()) QDialog::reject();
 }
 
 void frmTar::cmdGetOut_Click() {
@@ -169,14 +170,15 @@ void frmTar::handOver(const std::string& outputPath) {
   const bool copy = ui_->checkCopyToClipboard->isChecked();
   const bool serial = ui_->checkSerialDownload->isChecked();
   const bool network = ui_->checkNetworkDownload->isChecked();
-  runtime::MainWindow& mainWindow = mainWindow_;  // both outlive the form
+  runtime::FilePane& pane = pane_;  // these outlive the form
+  runtime::Downloads& downloads = downloads_;
   const runtime::Services services = services_;
-  mainWindow.refreshKeepList();
+  pane.refreshKeepList();
   if (copy && !ClipboardCopyFile(services.system.drives, outputPath))
     services.log.append(" Unable to copy to clipboard: " + outputPath);
-  if (serial) mainWindow.showfrmWDXOptions(outputPath);
+  if (serial) downloads.showfrmWDXOptions(outputPath);
   if (network && !self.isNull()) hide();
-  if (network) mainWindow.netSetFile(outputPath);
+  if (network) downloads.netSetFile(outputPath);
   if (!self.isNull()) accept();
 }
 
@@ -184,13 +186,14 @@ bool ClipboardCopyFile(const platform::DriveTable& drives, const std::string& pa
   return platform::desktop::offerFiles(drives, fileDropBlock(path));
 }
 
-TarSelection CheckTarSelection(const runtime::Services& services, runtime::MainWindow& mainWindow,
-                               platform::desktop::FilePickers& pickers, QWidget* parent, bool show) {
-  const TarSelection selected = checkSelection(services, mainWindow);
+TarSelection CheckTarSelection(const runtime::Services& services, runtime::FilePane& pane,
+                               runtime::Downloads& downloads, platform::desktop::FilePickers& pickers,
+                               QWidget* parent, bool show) {
+  const TarSelection selected = checkSelection(services, pane);
   if (selected == TarSelection::Stopped || !show) return selected;
   const bool whole = selected == TarSelection::WholeFolder;
   const QPointer<frmTar> form =
-      new frmTar(services, mainWindow, pickers, packSelection(mainWindow, whole), parent);
+      new frmTar(services, pane, downloads, pickers, packSelection(pane, whole), parent);
   form->exec();
   delete form;
   return selected;

@@ -8,7 +8,8 @@
 #include "archive/PackRunner.h"
 #include "archive/TarSelection.h"
 #include "platform/desktop/FilePickers.h"
-#include "runtime/MainWindow.h"
+#include "runtime/Downloads.h"
+#include "runtime/FilePane.h"
 #include "runtime/Services.h"
 
 namespace Ui {
@@ -22,7 +23,7 @@ class frmTar : public QDialog {
   Q_OBJECT
 
  public:
-  frmTar(const runtime::Services& services, runtime::MainWindow& mainWindow,
+  frmTar(const runtime::Services& services, runtime::FilePane& pane, runtime::Downloads& downloads,
          platform::desktop::FilePickers& pickers, PackSelection selection, QWidget* parent = nullptr);
   ~frmTar() override;
 
@@ -41,7 +42,8 @@ class frmTar : public QDialog {
 
   std::unique_ptr<Ui::frmTar> ui_;
   runtime::Services services_;
-  runtime::MainWindow& mainWindow_;
+  runtime::FilePane& pane_;
+  runtime::Downloads& downloads_;
   platform::desktop::FilePickers& pickers_;
   PackSelection selection_;
   bool stageUsr8_;  ///< as stored when the dialog was loaded
@@ -53,7 +55,8 @@ bool ClipboardCopyFile(const platform::DriveTable& drives, const std::string& pa
 
 /// The button "Create Tar File": checks the selection, asks before the whole folder is packed, and opens
 /// frmTar modally; with `show` false it ends after the checks, and the caller packs `packSelection` itself.
-TarSelection CheckTarSelection(const runtime::Services& services, runtime::MainWindow& mainWindow,
-                               platform::desktop::FilePickers& pickers, QWidget* parent, bool show);
+TarSelection CheckTarSelection(const runtime::Services& services, runtime::FilePane& pane,
+                               runtime::Downloads& downloads, platform::desktop::FilePickers& pickers,
+                               QWidget* parent, bool show);
 
 }  // namespace archive

@@ -47,7 +47,7 @@ Navigation::Navigation(runtime::Services services, platform::desktop::FilePicker
       folders_(folders),
       location_(location),
       Timer1_(this) {
-  const platform::ToolRunning& running = services_.api.toolRunning();
+  const platform::Busy& running = services_.system.busy;
   Timer1_.setObjectName(QStringLiteral("Timer1"));
   Timer1_.setInterval(tick);
   drives_.setDrives(services_.system.drives, running);

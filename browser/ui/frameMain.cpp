@@ -101,12 +101,12 @@ void frameMain::wireFolders() {
 }
 
 void frameMain::wirePane() {
-  const platform::ToolRunning& running = services_.api.toolRunning();
+  const platform::Busy& running = services_.system.busy;
   PaneViews* const pane = ui_->DirPaneViews;
   connect(pane, &PaneViews::selectionChanged, this, &frameMain::getDirPaneSelected);
   const auto whenIdle = [this, &running](void (frameMain::*handler)(int)) {
     return [this, &running, handler](int value) {
-      if (!running.active()) (this->*handler)(value);
+      if (!running.held()) (this->*handler)(value);
     };
   };
   connect(pane, &PaneViews::rowDoubleClicked, this, whenIdle(&frameMain::DirPane_DblClick));
@@ -117,7 +117,7 @@ void frameMain::wirePane() {
 }
 
 void frameMain::wireFiles() {
-  const platform::ToolRunning& running = services_.api.toolRunning();
+  const platform::Busy& running = services_.system.busy;
   connectHandler(ui_->File1, &QListView::clicked, this, running, &frameMain::File1_Click);
   connectHandler(ui_->File1, &QListView::doubleClicked, this, running, &frameMain::File1_DblClick);
   const auto onKey = [this, &running](const QKeySequence& key, void (frameMain::*handler)()) {
@@ -130,7 +130,7 @@ void frameMain::wireFiles() {
 }
 
 void frameMain::wireButtons() {
-  const platform::ToolRunning& running = services_.api.toolRunning();
+  const platform::Busy& running = services_.system.busy;
   const auto onClick = [this, &running](QAbstractButton* button, void (frameMain::*handler)()) {
     connectHandler(button, &QAbstractButton::clicked, this, running, handler);
   };
@@ -223,7 +223,7 @@ void frameMain::refreshNow() {
 }
 
 void frameMain::resetSelection() {
-  selection_.selectedCount = 0;
+  selection_ = {};
   showSelection(GetDir1Path() + "*", false);
 }
 
@@ -344,7 +344,7 @@ void frameMain::DirPane_MouseUp(int row) {
     const SelectionLock lock(*this);
     ui_->DirPaneViews->clearSelected();
   }
-  if (row < 0 || selection_.selectedCount > 1) getDirPaneSelected();
+  if (row < 0 || selection_.selectedCount() > 1) getDirPaneSelected();
 }
 
 void frameMain::DirPane_ColumnClick(int column) { model_.sortBy({column, !model_.order().ascending}); }

@@ -77,7 +77,7 @@ void frmNetloader::wire() {
   tmrTime_->setObjectName(QStringLiteral("tmrTime"));
   tmrTimeout_->setInterval(timeoutInterval);
   tmrTime_->setInterval(timeInterval);
-  const auto& busy = services_.api.toolRunning();
+  const auto& busy = services_.system.busy;
   connectHandler(ui_->cmdSend, &QPushButton::clicked, this, busy, &frmNetloader::cmdSend_Click);
   connectHandler(ui_->cmdExit, &QPushButton::clicked, this, busy, &frmNetloader::cmdExit_Click);
   connectHandler(tmrTimeout_, &QTimer::timeout, this, busy, &frmNetloader::tmrTimeout_Timer);
@@ -108,13 +108,13 @@ void frmNetloader::load(const std::string& sendFilePath) {
 
 void frmNetloader::loadFileMode() {
   const std::string path = platform::desktop::fromControl(ui_->txtfile->text());
-  const std::string listing =
+  const runtime::ToolResult listing =
       services_.api.RunCapture(services_.cygwin.cygwinBin(),
                                "ls -ln " + runtime::ToCygwinPath(listedPath(services_.system.drives, path)));
   // A tool that could not be started names no mode: the boxes stay as they are, clear.
-  if (listing == runtime::startFailure) return;
+  if (!listing.good()) return;
   using runtime::PermissionMode;
-  const PermissionMode mode = PermissionMode::fromModeField(listing);
+  const PermissionMode mode = PermissionMode::fromModeField(listing.text);
   ui_->checkOW->setChecked((mode.owner & PermissionMode::write) != 0);
   ui_->checkOE->setChecked((mode.owner & PermissionMode::execute) != 0);
   ui_->checkUR->setChecked((mode.group & PermissionMode::read) != 0);
@@ -175,7 +175,7 @@ void frmNetloader::unload() {
 }
 
 void frmNetloader::reject() {
-  if (!services_.api.toolRunning().active()) cmdExit_Click();
+  if (!services_.system.busy.held()) cmdExit_Click();
 }
 
 void frmNetloader::cmdExit_Click() {

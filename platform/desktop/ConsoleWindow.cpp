@@ -3,6 +3,7 @@
 #include <QCloseEvent>
 #include <QFontDatabase>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QScrollBar>
 #include <QVBoxLayout>
 
@@ -21,7 +22,6 @@ ConsoleWindow::ConsoleWindow(std::string_view title, QWidget* parent)
     : QWidget(parent, Qt::Window), output_(new QPlainTextEdit(this)) {
   setObjectName(QStringLiteral("console"));
   setWindowTitle(toShown(title));
-  setWindowModality(Qt::ApplicationModal);
   setAttribute(Qt::WA_QuitOnClose, false);
   output_->setObjectName(QStringLiteral("txtConsole"));
   output_->setAccessibleName(tr("Output of the tool"));
@@ -31,6 +31,10 @@ ConsoleWindow::ConsoleWindow(std::string_view title, QWidget* parent)
   auto* layout = new QVBoxLayout(this);
   layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(output_);
+  auto* stop = new QPushButton(tr("Stop"), this);
+  stop->setObjectName(QStringLiteral("cmdStop"));
+  connect(stop, &QPushButton::clicked, this, &ConsoleWindow::stopWanted);
+  layout->addWidget(stop, 0, Qt::AlignRight);
   const QFontMetrics metrics(output_->font());
   resize(metrics.horizontalAdvance(QLatin1Char('0')) * shownColumns + output_->verticalScrollBar()->width(),
          metrics.lineSpacing() * shownLines);
@@ -49,8 +53,8 @@ void ConsoleWindow::append(std::string_view bytes) {
 }
 
 void ConsoleWindow::closeEvent(QCloseEvent* event) {
-  wasClosed_ = true;
-  event->accept();
+  event->ignore();
+  emit stopWanted();
 }
 
 }  // namespace platform::desktop

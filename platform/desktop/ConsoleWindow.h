@@ -8,15 +8,17 @@ class QPlainTextEdit;
 
 namespace platform::desktop {
 
-/// The console of a visible run: shows a tool's output as it comes. While it is open the other windows take
-/// no input. Closing it only notes that; ending the tool is its user's.
+/// The console of a visible run: shows a tool's output as it comes. Its "Stop" and its close box ask for the
+/// run's end; it goes when its owner takes it away.
 class ConsoleWindow : public QWidget {
   Q_OBJECT
 
  public:
   explicit ConsoleWindow(std::string_view title, QWidget* parent = nullptr);
   void append(std::string_view bytes);  ///< UTF-8; a character or a CR LF may be split between two calls
-  bool wasClosed() const { return wasClosed_; }
+
+ signals:
+  void stopWanted();
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -25,7 +27,6 @@ class ConsoleWindow : public QWidget {
   QPlainTextEdit* output_;
   QStringDecoder decoder_{QStringDecoder::Utf8};
   bool endsInReturn_ = false;  // a CR came last; a line feed that follows belongs to it
-  bool wasClosed_ = false;
 };
 
 }  // namespace platform::desktop

@@ -28,9 +28,9 @@ DriveList::DriveList(QWidget* parent) : QComboBox(parent) {
   connect(this, &QComboBox::currentIndexChanged, this, &DriveList::noteChange);
 }
 
-void DriveList::setDrives(DriveTable& drives, const ToolRunning& toolRunning) {
+void DriveList::setDrives(DriveTable& drives, const Busy& busy) {
   drives_ = &drives;
-  toolRunning_ = &toolRunning;
+  busy_ = &busy;
   fill();
 }
 

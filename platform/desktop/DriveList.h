@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
+#include "platform/Busy.h"
 #include "platform/DriveTable.h"
-#include "platform/ToolRunning.h"
 
 namespace platform::desktop {
 
@@ -19,7 +19,7 @@ class DriveList : public QComboBox {
 
   /// Shows these drives; the first is chosen, without a signal. Both must outlive the list. While a tool runs
   /// the user cannot choose.
-  void setDrives(DriveTable& drives, const ToolRunning& toolRunning);
+  void setDrives(DriveTable& drives, const Busy& busy);
 
   std::string drive() const;  ///< "C:", empty before setDrives
   /// Chooses the drive that the text begins with ("D:", "d:\", "D:\pkg\a"). False for one that is not in the
@@ -43,10 +43,10 @@ class DriveList : public QComboBox {
   void readAgain();
   void fill();
   void noteChange();
-  bool busy() const { return toolRunning_ != nullptr && toolRunning_->active(); }
+  bool busy() const { return busy_ != nullptr && busy_->held(); }
 
   DriveTable* drives_ = nullptr;
-  const ToolRunning* toolRunning_ = nullptr;
+  const Busy* busy_ = nullptr;
   QString known_;  // the drive that was last told of
 };
 

@@ -6,9 +6,9 @@
 #include <thread>
 
 namespace platform::desktop {
-void letEventsRun() { QCoreApplication::processEvents(QEventLoop::AllEvents); }
+void letWindowsPaint() { QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents); }
 
-void repaint() { QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents); }
+void letEventsRun() { QCoreApplication::processEvents(QEventLoop::AllEvents); }
 
 void pollWait(std::chrono::nanoseconds nap) {
   QEventLoop loop;

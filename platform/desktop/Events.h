@@ -4,10 +4,8 @@
 
 namespace platform::desktop {
 
-void letEventsRun();  ///< pending events run once, without waiting
-
-/// The windows repaint; user input stays queued. Timers still tick: their handlers ask ToolRunning.
-void repaint();
+void letEventsRun();     ///< pending events run once, without waiting; while the gate is held only
+void letWindowsPaint();  ///< the same without what a person does
 
 /// One step of a loop that waits for something: pending events run; when there were none, it sleeps for
 /// `nap`, to which the system adds some 50 µs.

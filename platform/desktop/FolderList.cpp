@@ -56,9 +56,9 @@ FolderList::FolderList(QWidget* parent) : QListView(parent), model_(new FolderLi
   setTextElideMode(Qt::ElideRight);
 }
 
-void FolderList::setDrives(const DriveTable& drives, const ToolRunning& toolRunning) {
+void FolderList::setDrives(const DriveTable& drives, const Busy& busy) {
   model_->setDrives(drives);
-  toolRunning_ = &toolRunning;
+  busy_ = &busy;
 }
 
 bool FolderList::setPath(const std::string& path) {

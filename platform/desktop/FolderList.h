@@ -3,8 +3,8 @@
 #include <QListView>
 #include <string>
 
+#include "platform/Busy.h"
 #include "platform/DriveTable.h"
-#include "platform/ToolRunning.h"
 #include "platform/desktop/FolderListModel.h"
 
 namespace platform::desktop {
@@ -19,7 +19,7 @@ class FolderList : public QListView {
   explicit FolderList(QWidget* parent = nullptr);
 
   /// Both must outlive the list, which is empty until setPath. While a tool runs the user changes nothing.
-  void setDrives(const DriveTable& drives, const ToolRunning& toolRunning);
+  void setDrives(const DriveTable& drives, const Busy& busy);
 
   /// The open folder: `C:\`, `C:\pkg`; empty before the first setPath that succeeded.
   std::string path() const { return model_->path(); }
@@ -48,10 +48,10 @@ class FolderList : public QListView {
   void showHighlight();
   void click(int row);
   void openParent();
-  bool busy() const { return toolRunning_ != nullptr && toolRunning_->active(); }
+  bool busy() const { return busy_ != nullptr && busy_->held(); }
 
   FolderListModel* model_;
-  const ToolRunning* toolRunning_ = nullptr;
+  const Busy* busy_ = nullptr;
   int pressedRow_ = -1;         // where the left button went down
   bool openedByClick_ = false;  // the last click opened a folder and so moved the rows
 };

@@ -54,34 +54,33 @@ DesktopUser::~DesktopUser() { delete console_; }
 
 runtime::Answer DesktopUser::message(const std::string& text, runtime::Buttons buttons, runtime::Icon icon,
                                      const std::string& title, runtime::Consequence) {
+  if (busy_.held() && busy_.stopRequested()) return runtime::refusalOf(buttons);
   return answerOf(platform::desktop::messageBox(text, title, boxIcon(icon), boxButtons(buttons)));
 }
 
 void DesktopUser::showCommand(const std::string& title, const std::string& prompt, const std::string& text) {
+  if (busy_.held() && busy_.stopRequested()) return;
   platform::desktop::inputBox(title, prompt, text);
 }
 
-void DesktopUser::letEventsRun() { platform::desktop::letEventsRun(); }
-
-void DesktopUser::repaint() { platform::desktop::repaint(); }
-
-bool DesktopUser::consoleStands() const { return !console_.isNull() && !console_->wasClosed(); }
-
-bool DesktopUser::consoleOutput(std::string_view bytes) {
-  if (!consoleStands()) return false;
-  console_->append(bytes);
-  return sinceRepaint_.elapsed() < repaintEvery || consoleStep();
+/// Outside a job nothing filters what a person does, so it waits until the handler is done.
+void DesktopUser::letEventsRun() {
+  busy_.held() ? platform::desktop::letEventsRun() : platform::desktop::letWindowsPaint();
 }
 
-bool DesktopUser::consoleStep() {
-  sinceRepaint_.restart();
-  platform::desktop::letEventsRun();
-  return consoleStands();
+void DesktopUser::consoleOutput(std::string_view bytes) {
+  if (console_.isNull()) return;
+  console_->append(bytes);
+  if (sinceRepaint_.elapsed() >= repaintEvery) {
+    sinceRepaint_.restart();
+    letEventsRun();
+  }
 }
 
 void DesktopUser::consoleOpened(const std::string& title) {
   delete console_;
   console_ = new ConsoleWindow(title, platform::desktop::activeWindow());
+  QObject::connect(console_, &ConsoleWindow::stopWanted, console_, [this] { busy_.requestStop(); });
   console_->show();
   sinceRepaint_.start();
 }

@@ -3,6 +3,7 @@
 #include <QElapsedTimer>
 #include <QPointer>
 
+#include "platform/Busy.h"
 #include "platform/desktop/ConsoleWindow.h"
 #include "runtime/UserInterface.h"
 
@@ -11,6 +12,7 @@ namespace shell {
 /// Whoever sits in front of the windows.
 class DesktopUser : public runtime::UserInterface {
  public:
+  explicit DesktopUser(platform::Busy& busy) : busy_(busy) {}
   ~DesktopUser() override;
 
   runtime::Answer message(const std::string& text, runtime::Buttons buttons, runtime::Icon icon,
@@ -18,14 +20,12 @@ class DesktopUser : public runtime::UserInterface {
                           runtime::Consequence consequence = runtime::Consequence::Nothing) override;
   void showCommand(const std::string& title, const std::string& prompt, const std::string& text) override;
   void letEventsRun() override;
-  void repaint() override;
-  bool consoleOutput(std::string_view bytes) override;
-  bool consoleStep() override;
+  void consoleOutput(std::string_view bytes) override;
   void consoleOpened(const std::string& title) override;
   void consoleClosed() override;
 
  private:
-  bool consoleStands() const;
+  platform::Busy& busy_;
   QPointer<platform::desktop::ConsoleWindow> console_;  // goes with the window that it was opened over
   QElapsedTimer sinceRepaint_;
 };

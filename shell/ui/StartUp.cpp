@@ -173,7 +173,7 @@ void StartUp::showLogged(std::size_t since) {
 bool StartUp::quickPackSelection(const CommandLine& commandLine) {
   selectNamed(commandLine);
   const archive::TarSelection checked =
-      archive::CheckTarSelection(program_.services(), window_, window_.pickers(), nullptr, false);
+      archive::CheckTarSelection(program_.services(), window_, window_, window_.pickers(), nullptr, false);
   program_.exitStatus = 1;
   if (checked == archive::TarSelection::Stopped) return false;
   const std::size_t logged = program_.log.text().size();
@@ -214,7 +214,7 @@ bool StartUp::permissions(const CommandLine& commandLine) {
     return true;
   }
   selectNamed(commandLine);
-  if (program_.selection.selectedCount == 0)
+  if (program_.selection.selectedCount() == 0)
     program_.user.message("This will change permissions for all files and subdirectories under:\r" +
                               window_.browsing().dir1Path(),
                           Buttons::OkCancel, Icon::None, "Warning..");
@@ -233,7 +233,7 @@ bool StartUp::paths(const CommandLine& commandLine) {
   window_.browsing().openDirPane();
   for (const std::string& path : commandLine.fields) window_.browsing().selectRow(runtime::GetFileName(path));
   takeSelection();
-  if (!showWindow() || program_.selection.selectedCount != 1) return true;
+  if (!showWindow() || program_.selection.selectedCount() != 1) return true;
   const std::string& selected = program_.selection.selectedPaths.front();
   if (runtime::IsArchiveName(selected) || selected.ends_with(".ipk")) window_.cmdExtract_Click();
   return true;

@@ -3,13 +3,11 @@
 #include <QCloseEvent>
 #include <QPlainTextEdit>
 #include <QShortcut>
-#include <QSocketNotifier>
 
 #include "archive/ui/frmTar.h"
 #include "browser/ui/ApplyLayout.h"
 #include "download/ui/frmNetloader.h"
 #include "platform/ShellOpen.h"
-#include "platform/Signals.h"
 #include "platform/SystemInfo.h"
 #include "platform/desktop/Handlers.h"
 #include "platform/desktop/Text.h"
@@ -51,7 +49,6 @@ frmMain::frmMain(Program& program, platform::desktop::FilePickers& pickers)
   wireMenus();
   wireKeys();
   wireFrames();
-  wireEndSignals();
   resize(browser::startSize(browser::pixelsPerTwip(*this)));
 }
 
@@ -74,7 +71,7 @@ void frmMain::connectLog() {
 }
 
 void frmMain::wireMenus() {
-  const auto& guard = program_.api.toolRunning();
+  const auto& guard = program_.system.busy;
   const auto wire = [&](QAction* action, auto handler) {
     connectHandler(action, &QAction::triggered, this, guard, handler);
   };
@@ -88,7 +85,7 @@ void frmMain::wireMenus() {
 }
 
 void frmMain::wireKeys() {
-  const auto& guard = program_.api.toolRunning();
+  const auto& guard = program_.system.busy;
   const auto wire = [&](const QKeySequence& keys, auto handler) {
     connectHandler(new QShortcut(keys, this), &QShortcut::activated, this, guard, handler);
   };
@@ -101,7 +98,7 @@ void frmMain::wireKeys() {
 }
 
 void frmMain::wireFrames() {
-  const auto& guard = program_.api.toolRunning();
+  const auto& guard = program_.system.busy;
   connectHandler(frameMain_, &browser::frameMain::createTar, this, guard, &frmMain::cmdTar_Click);
   connectHandler(frameMain_, &browser::frameMain::extractTar, this, guard, &frmMain::cmdExtract_Click);
   connect(frameMain_, &browser::frameMain::archiveOpened, this, &frmMain::openArchive);
@@ -111,18 +108,10 @@ void frmMain::wireFrames() {
   connect(frameUntar_, &archive::frameUntar::closed, this, &frmMain::hideUntar);
 }
 
-/// A signal does what closing the window does. It is not closed: under a modal box it would stay, and the
-/// program with it.
-void frmMain::wireEndSignals() {
-  const int descriptor = platform::endSignalDescriptor();
-  if (descriptor < 0) return;
-  auto* notifier = new QSocketNotifier(descriptor, QSocketNotifier::Read, this);
-  connect(notifier, &QSocketNotifier::activated, this, [this, notifier] {
-    if (program_.api.toolRunning().active()) return;  // the tool has got it too; it stays to be read
-    notifier->setEnabled(false);
-    end();
-    QApplication::exit();
-  });
+/// Ends the program also under a modal box, whose window is not closed.
+void frmMain::endProgram() {
+  end();
+  QApplication::exit();
 }
 
 void frmMain::mnuShowLog_Click() {
@@ -150,7 +139,7 @@ void frmMain::mnuAbout_Click() {
 
 void frmMain::mnuNetwork_Click() {
   getDirPaneSelected();
-  if (program_.selection.selectedCount > 0) showNetloader(program_.selection.selectedPaths.front());
+  if (program_.selection.selectedCount() > 0) showNetloader(program_.selection.selectedPaths.front());
 }
 
 void frmMain::netSetFile(const std::string& path) { showNetloader(path); }
@@ -164,7 +153,9 @@ void frmMain::showfrmWDXOptions(const std::string& path) {
                         runtime::Buttons::Ok, runtime::Icon::Information, "Can't Download");
 }
 
-void frmMain::cmdTar_Click() { archive::CheckTarSelection(program_.services(), *this, pickers_, this, true); }
+void frmMain::cmdTar_Click() {
+  archive::CheckTarSelection(program_.services(), *this, *this, pickers_, this, true);
+}
 
 void frmMain::cmdExtract_Click() { frameUntar_->open(); }
 
@@ -188,7 +179,7 @@ void frmMain::hideUntar() {
 
 void frmMain::updateDownloadMenu() {
   const runtime::Selection& selection = program_.selection;
-  ui_->mnuDownload->setEnabled(frameMain_->isEnabled() && selection.selectedCount == 1 &&
+  ui_->mnuDownload->setEnabled(frameMain_->isEnabled() && selection.selectedCount() == 1 &&
                                program_.system.files.fileExists(selection.selectedPaths.front()));
 }
 
@@ -197,7 +188,7 @@ void frmMain::checkAllKey() {
 }
 
 void frmMain::getDirPaneSelected() { frameMain_->getDirPaneSelected(); }
-std::vector<std::string> frmMain::selectedPaths() const { return program_.selection.paths(); }
+std::vector<std::string> frmMain::selectedPaths() const { return program_.selection.selectedPaths; }
 std::string frmMain::selectionText() const { return frameMain_->selectionText(); }
 std::vector<std::string> frmMain::paneItems() const { return frameMain_->paneItems(); }
 std::string frmMain::GetDir1Path() const { return frameMain_->GetDir1Path(); }
@@ -227,11 +218,12 @@ void frmMain::changeEvent(QEvent* event) {
   if (event->type() == QEvent::FontChange) layOut();
 }
 
+/// A job that runs is asked to stop; the gate tells when it has, and the program ends then.
 void frmMain::closeEvent(QCloseEvent* event) {
-  if (program_.api.toolRunning().active()) return event->ignore();
-  end();
+  program_.system.busy.requestEnd();
+  if (program_.system.busy.held()) return event->ignore();
   event->accept();
-  QApplication::quit();
+  endProgram();
 }
 
 void frmMain::end() {
@@ -241,7 +233,7 @@ void frmMain::end() {
 
 bool frmMain::eventFilter(QObject* watched, QEvent* event) {
   if (watched == ui_->lblHalvoren && event->type() == QEvent::MouseButtonRelease &&
-      !program_.api.toolRunning().active()) {
+      !program_.system.busy.held()) {
     mnuAbout_Click();
     return true;
   }

@@ -9,7 +9,8 @@
 #include "browser/Layout.h"
 #include "browser/ui/frameMain.h"
 #include "platform/desktop/FilePickers.h"
-#include "runtime/MainWindow.h"
+#include "runtime/Downloads.h"
+#include "runtime/FilePane.h"
 #include "shell/CommandLine.h"
 #include "shell/Program.h"
 
@@ -20,7 +21,7 @@ class frmMain;
 namespace shell {
 
 /// The main window: menu bar, browsing area or extract frame, and log pane. Unloading it ends the program.
-class frmMain : public QMainWindow, public runtime::MainWindow {
+class frmMain : public QMainWindow, public runtime::FilePane, public runtime::Downloads {
   Q_OBJECT
 
  public:
@@ -31,7 +32,7 @@ class frmMain : public QMainWindow, public runtime::MainWindow {
   /// Runs the whole start-up. False: the program ends without the window having a life of its own.
   bool Load(const CommandLine& commandLine);
 
-  void getDirPaneSelected() override;
+  void getDirPaneSelected();
   std::vector<std::string> selectedPaths() const override;
   std::string selectionText() const override;
   std::vector<std::string> paneItems() const override;
@@ -48,6 +49,7 @@ class frmMain : public QMainWindow, public runtime::MainWindow {
   /// Opens the network download for a file, modally.
   void showNetloader(const std::string& path);
   bool ended() const { return ended_; }  ///< it was closed, and the program is to end
+  void endProgram();                     ///< remembers the folder and leaves every event loop
   Program& program() { return program_; }
   platform::desktop::FilePickers& pickers() { return pickers_; }
 
@@ -61,7 +63,6 @@ class frmMain : public QMainWindow, public runtime::MainWindow {
   void wireMenus();
   void wireKeys();
   void wireFrames();
-  void wireEndSignals();
   void connectLog();
   void mnuShowLog_Click();
   void mnuAdmin_Click();

@@ -212,7 +212,7 @@ TEST_F(Listing, AMissingEntryTakesALineAndAMissingToolNone) {
   EXPECT_TRUE(modes({"a"}).empty());
 }
 
-TEST_F(Listing, SelectionBeyondItsFirstSizeAndBothWaysOfCounting) {
+TEST_F(Listing, SelectionsAndBothWaysOfCounting) {
   runtime::Selection selection;
   std::vector<std::string> many;
   for (int i = 0; i < 2600; ++i) many.push_back("f" + std::to_string(i));
@@ -221,11 +221,11 @@ TEST_F(Listing, SelectionBeyondItsFirstSizeAndBothWaysOfCounting) {
   fs::create_directory_symlink("target", host("f8"));
   const auto counts = browser::rebuildSelection(selection, files_, "C:\\", many);
   EXPECT_EQ(counts.folders, 2U);
-  EXPECT_EQ(selection.paths().size(), 2600U);
-  EXPECT_EQ(selection.paths().back(), "C:\\f2599");
+  EXPECT_EQ(selection.selectedPaths.size(), 2600U);
+  EXPECT_EQ(selection.selectedPaths.back(), "C:\\f2599");
   EXPECT_EQ(browser::summaryText(browser::rebuildSelection(selection, files_, "C:\\", {"f7", "f8", "f9"})),
             "3 items (1 files, 2 folders)");
-  EXPECT_EQ(selection.selectedCount, 3U);
+  EXPECT_EQ(selection.selectedCount(), 3U);
 }
 
 }  // namespace

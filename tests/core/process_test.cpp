@@ -243,18 +243,20 @@ TEST_F(ProcessTest, StepsComeEvery20MillisecondsWhileOutputFlowsToo) {
 }
 
 TEST_F(ProcessTest, ARunThatIsEndedTakesItsGroupAlongAndHasFailed) {
-  script("tools/t", "trap 'exit 0' TERM; sleep 30 & sleep 0.3; echo go; wait");
+  script("tools/t", "trap 'echo last; exit 0' TERM; sleep 30 & sleep 0.3; echo go; wait");
   const auto begin = Clock::now();
-  EXPECT_EQ(visible("t", [](std::string_view) { return false; }).status, notStarted);
-  EXPECT_EQ(capture("t", [n = 0]() mutable { return ++n < 20; }).status, notStarted);
+  EXPECT_TRUE(runner_
+                  .runVisible(
+                      request("t"), [](std::string_view) {}, [n = 0]() mutable { return ++n < 3; })
+                  .stopped);
+  EXPECT_TRUE(capture("t", [n = 0]() mutable { return ++n < 20; }).stopped);
   EXPECT_LT(Clock::now() - begin, 1900ms);
   script("tools/t", "trap '' TERM; echo $$; sleep 30");
   std::string pid;
-  const RunResult result = visible("t", [&pid](std::string_view bytes) {
-    pid = bytes;
-    return false;
-  });
-  EXPECT_EQ(result.status, notStarted);
+  const RunResult result = runner_.runVisible(
+      request("t"), [&pid](std::string_view bytes) { pid += bytes; }, [&pid] { return pid.empty(); });
+  EXPECT_TRUE(result.stopped);
+  EXPECT_EQ(result.status, 128 + SIGKILL);
   EXPECT_LT(Clock::now() - begin, 10s);
   EXPECT_EQ(kill(std::stoi(pid), 0), -1);
 }

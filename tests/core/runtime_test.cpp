@@ -21,9 +21,8 @@ class RecordingRunner : public platform::CommandRunner {
   platform::RunResult runVisible(const platform::StartRequest& request, const platform::OutputSink& sink,
                                  const platform::WaitStep&) override {
     requests.push_back(request);
-    platform::RunResult result = answer;
-    if (!sink(answer.text)) result.status = platform::notStarted;
-    return result;
+    sink(answer.text);
+    return answer;
   }
   std::vector<platform::StartRequest> requests;
   platform::RunResult answer{"said", 0, 0, false};
@@ -37,7 +36,7 @@ class RuntimeTest : public testworld::World {
   runtime::modAPI recorded() { return runtime::modAPI(recordedSystem_, person_); }
 
   RecordingRunner runner_;
-  platform::System recordedSystem_{drives_, files_, environment_, registry_, userSettings_, runner_};
+  platform::System recordedSystem_{drives_, files_, environment_, registry_, userSettings_, runner_, busy_};
 };
 
 TEST(ModAPI, CygwinPaths) {
@@ -81,8 +80,8 @@ TEST(GetOSVersion, NamesTheSystemsOfTheTable) {
 
 TEST_F(RuntimeTest, CaptureRunsInTheToolFolderUnlessToldOtherwise) {
   runtime::modAPI api = recorded();
-  EXPECT_EQ(api.RunCapture(bin(), "ls.exe -l"), "said");
-  EXPECT_EQ(api.RunCapture(bin(), "ls.exe -l", "C:\\"), "said");
+  EXPECT_EQ(api.RunCapture(bin(), "ls.exe -l").text, "said");
+  EXPECT_EQ(api.RunCapture(bin(), "ls.exe -l", "C:\\").text, "said");
   ASSERT_EQ(runner_.requests.size(), 2U);
   EXPECT_EQ(runner_.requests[0].workingFolder, bin());
   EXPECT_EQ(runner_.requests[1].workingFolder, "C:\\");
@@ -90,10 +89,10 @@ TEST_F(RuntimeTest, CaptureRunsInTheToolFolderUnlessToldOtherwise) {
   EXPECT_EQ(api.currentFolder(), bin());
   EXPECT_EQ(person_.yields, 2);
   runner_.answer = {"", platform::notStarted, 2, false};
-  EXPECT_EQ(api.RunCapture(bin(), "gone"), runtime::startFailure);
+  EXPECT_EQ(api.RunCapture(bin(), "gone").text, runtime::startFailure);
   EXPECT_TRUE(person_.told.empty());
   runner_.answer.pipeFailed = true;
-  EXPECT_EQ(api.RunCapture(bin(), "ls.exe"), "");
+  EXPECT_EQ(api.RunCapture(bin(), "ls.exe").text, "");
   EXPECT_EQ(person_.told, std::vector<std::string>{"Pakrune|CreatePipe failed. Error: 2"});
 }
 
@@ -101,11 +100,11 @@ TEST_F(RuntimeTest, OlderSystemsStartNoTools) {
   runtime::modAPI api = recorded();
   for (const char* version : {"95", "98", "3.51", "4.0", "Failed"}) {
     api.setOsVersion(version);
-    EXPECT_EQ(api.RunCapture(bin(), "ls.exe"), runtime::startFailure);
+    EXPECT_EQ(api.RunCapture(bin(), "ls.exe").text, runtime::startFailure);
   }
   EXPECT_TRUE(runner_.requests.empty());
   api.setOsVersion("NT");
-  EXPECT_EQ(api.RunCapture(bin(), "ls.exe"), "said");
+  EXPECT_EQ(api.RunCapture(bin(), "ls.exe").text, "said");
 }
 
 TEST_F(RuntimeTest, VisibleRunsKeepTheirTextAndStatus) {
@@ -113,12 +112,13 @@ TEST_F(RuntimeTest, VisibleRunsKeepTheirTextAndStatus) {
   api.SetCurDir("C:\\");
   api.SetCurDir("C:\\nowhere");
   runner_.answer.status = 2;
-  EXPECT_EQ(api.RunAndWait("tar.exe -cf x"), 2);
-  EXPECT_EQ(api.lastConsoleText(), "said");
+  const runtime::ToolResult run = api.RunAndWait("tar.exe -cf x");
+  EXPECT_EQ(run.status, 2);
+  EXPECT_EQ(run.text, "said");
   EXPECT_EQ(runner_.requests[0].workingFolder, "C:\\");
   EXPECT_EQ(runner_.requests[0].toolFolder, "");  // the current folder may be the user's
   EXPECT_EQ(person_.consoles, std::vector<std::string>{"tar.exe"});
-  EXPECT_FALSE(api.toolRunning().active());
+  EXPECT_FALSE(busy_.held());
 }
 
 TEST_F(RuntimeTest, ProbeAsksOnlyWhetherTheFileIsThere) {

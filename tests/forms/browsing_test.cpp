@@ -150,10 +150,10 @@ TEST_F(Browser, SelectionFollowsMouseAndKeys) {
   EXPECT_EQ(summary(), "1 items (1 files, 0 folders)");
   EXPECT_TRUE(child<QWidget>("cmdDos2Unix")->isEnabled());
   QTest::keyClick(tree(), Qt::Key_Down, Qt::ShiftModifier);
-  EXPECT_EQ(selection_.paths(), (Names{"C:\\a.tgz", "C:\\b.txt"}));
+  EXPECT_EQ(selection_.selectedPaths, (Names{"C:\\a.tgz", "C:\\b.txt"}));
   click("sub", Qt::ControlModifier);
   EXPECT_EQ(summary(), "3 items (2 files, 1 folders)");
-  EXPECT_EQ(selection_.paths(), (Names{"C:\\sub", "C:\\a.tgz", "C:\\b.txt"}));
+  EXPECT_EQ(selection_.selectedPaths, (Names{"C:\\sub", "C:\\a.tgz", "C:\\b.txt"}));
   EXPECT_FALSE(child<QWidget>("cmdDos2Unix")->isEnabled());
   EXPECT_TRUE(child<QLineEdit>("txtSelect")->toolTip().contains("3 items"));
   QTest::mouseClick(tree()->viewport(), Qt::LeftButton, {}, emptyPlace());
@@ -162,7 +162,7 @@ TEST_F(Browser, SelectionFollowsMouseAndKeys) {
   changes.clear();
   press("checkAll");
   EXPECT_EQ(changes.count(), 1);
-  EXPECT_EQ(selection_.selectedCount, 5U);
+  EXPECT_EQ(selection_.selectedCount(), 5U);
   EXPECT_TRUE(tree()->hasFocus());
 }
 
@@ -172,7 +172,7 @@ TEST_F(Browser, DoubleClickOpensFoldersAndArchives) {
   EXPECT_EQ(frame_->dir1Path(), "C:\\sub");
   EXPECT_EQ(shown(), (Names{"inner", "one"}));
   EXPECT_EQ(summary(), "C:\\sub\\*");
-  EXPECT_EQ(selection_.selectedCount, 0U);
+  EXPECT_EQ(selection_.selectedCount(), 0U);
   EXPECT_TRUE(tree()->hasFocus());
   press("cmdDirPaneUp");
   EXPECT_EQ(frame_->dir1Path(), "C:\\");
@@ -230,7 +230,7 @@ TEST_F(Browser, ColumnsSortBothWays) {
   EXPECT_EQ(caption(1), "Filename <");
   EXPECT_EQ(shown(), (Names{"C.c", "b.txt", "a.tgz", "zeta", "sub"}));
   frame_->getDirPaneSelected();
-  EXPECT_EQ(selection_.paths(), Names{"C:\\b.txt"});
+  EXPECT_EQ(selection_.selectedPaths, Names{"C:\\b.txt"});
   press("cmdRefreshFiles");
   EXPECT_EQ(shown().front(), "C.c") << "sorted again after a listing";
 }
@@ -240,15 +240,15 @@ TEST_F(Browser, RefreshKeepsExactlyWhatIsStillThere) {
   fs::remove(host("b.txt"));
   write("B.txt");
   press("cmdRefreshFiles");
-  EXPECT_EQ(selection_.paths(), Names{"C:\\zeta"});
+  EXPECT_EQ(selection_.selectedPaths, Names{"C:\\zeta"});
   press("optShowHidden");
-  EXPECT_EQ(selection_.paths(), Names{"C:\\zeta"});
+  EXPECT_EQ(selection_.selectedPaths, Names{"C:\\zeta"});
   ASSERT_EQ(shown()[2], ".hidden");
   EXPECT_TRUE(tree()->model()->index(2, 0).data(Qt::ForegroundRole).isValid());
   EXPECT_FALSE(tree()->model()->index(3, 0).data(Qt::ForegroundRole).isValid());
   EXPECT_TRUE(frame_->selectRow(".hidden"));
   EXPECT_FALSE(frame_->selectRow("gone"));
-  EXPECT_EQ(selection_.selectedCount, 2U);
+  EXPECT_EQ(selection_.selectedCount(), 2U);
 }
 
 TEST_F(Browser, FilterAndPattern) {
@@ -348,12 +348,12 @@ TEST_F(Browser, OneSelectionInAllViews) {
     frame_->setViewMode(mode);
     frame_->refreshKeepList();
     EXPECT_TRUE(icons->isVisible());
-    EXPECT_EQ(selection_.paths(), Names{"C:\\b.txt"});
+    EXPECT_EQ(selection_.selectedPaths, Names{"C:\\b.txt"});
     EXPECT_EQ(icons->viewMode(), mode == 0 ? QListView::IconMode : QListView::ListMode);
   }
   QTest::mouseClick(icons->viewport(), Qt::LeftButton, {},
                     icons->visualRect(icons->model()->index(0, 0)).center());
-  EXPECT_EQ(selection_.paths(), Names{"C:\\sub"});
+  EXPECT_EQ(selection_.selectedPaths, Names{"C:\\sub"});
   QTest::keyClick(icons, Qt::Key_Return);
   EXPECT_EQ(frame_->dir1Path(), "C:\\sub");
 }
@@ -371,7 +371,7 @@ TEST_F(Browser, RequestsDuringAListingAreDoneOnceAfterIt) {
   frame_->refreshKeepList();
   EXPECT_EQ(shown(), (Names{"inner", "one"}));
   EXPECT_EQ(shown(1), (Names{"drwxr-xr-x", "-rw-r--r--"}));
-  EXPECT_EQ(selection_.selectedCount, 0U);
+  EXPECT_EQ(selection_.selectedCount(), 0U);
   visits = 0;
   int listings = 0;
   QObject::connect(tree()->model(), &QAbstractItemModel::modelReset, frame_, [&] { ++listings; });
@@ -403,7 +403,7 @@ TEST_F(Browser, HostileNamesStayThemselves) {
   ASSERT_EQ(mkfifo(host("fifo").c_str(), 0600), 0);
   press("cmdRefreshFiles");
   press("checkAll");
-  const Names paths = selection_.paths();
+  const Names paths = selection_.selectedPaths;
   EXPECT_EQ(paths.size(), 11U);
   EXPECT_NE(std::find(paths.begin(), paths.end(), "C:\\" + platform::holdName("bad\xFF.txt")), paths.end());
   for (const std::string& mode : shown(1)) EXPECT_EQ(mode.size(), 10U);
@@ -411,7 +411,7 @@ TEST_F(Browser, HostileNamesStayThemselves) {
   for (const char* text : {"new\\x0Aline", "bad\\xFF.txt", "q\"uo\\te", "<b>x"})
     EXPECT_NE(std::find(names.begin(), names.end(), text), names.end()) << text;
   press("cmdRefreshFiles");
-  EXPECT_EQ(selection_.paths(), paths);
+  EXPECT_EQ(selection_.selectedPaths, paths);
 }
 
 TEST_F(Browser, FileListMirrorsTheFolder) {

@@ -103,13 +103,13 @@ class Disk : public testing::Test {
 
   QTemporaryDir folder;
   platform::DriveTable drives{{{'C', host("c")}, {'D', host("d")}}};
-  platform::ToolRunning toolRunning;
+  platform::Busy busy;
 };
 
 TEST_F(Disk, DriveListTellsOfEachChangeOnce) {
   DriveList list;
   QSignalSpy changes(&list, &DriveList::driveChanged);
-  list.setDrives(drives, toolRunning);
+  list.setDrives(drives, busy);
   EXPECT_EQ(list.drive(), "C:");
   EXPECT_EQ(list.currentText(), QString("C: [c]"));
   EXPECT_EQ(list.itemText(2), QString("Z: [/]"));
@@ -121,7 +121,7 @@ TEST_F(Disk, DriveListTellsOfEachChangeOnce) {
   QTest::keyClick(&list, Qt::Key_Down);
   EXPECT_EQ(list.drive(), "Z:");
   EXPECT_EQ(changes.size(), 2);
-  const platform::ToolRunning::Scope running(toolRunning);
+  const platform::Busy::Scope running(busy);
   QTest::keyClick(&list, Qt::Key_Up);
   EXPECT_EQ(list.drive(), "Z:");
 }
@@ -130,7 +130,7 @@ TEST_F(Disk, DriveListKeepsAVolumeThatHasGone) {
   platform::DriveTable home = platform::DriveTable::fromText("", host("c"));
   home.showVolumes({host("d")});
   DriveList list;
-  list.setDrives(home, toolRunning);
+  list.setDrives(home, busy);
   ASSERT_TRUE(list.setDrive("D:"));
   QSignalSpy changes(&list, &DriveList::driveChanged);
   home.showVolumes({});
@@ -147,7 +147,7 @@ TEST_F(Disk, DriveListKeepsAVolumeThatHasGone) {
 class Folders : public Disk {
  protected:
   Folders() {
-    list.setDrives(drives, toolRunning);
+    list.setDrives(drives, busy);
     list.resize(220, 300);
     list.show();
     EXPECT_TRUE(list.setPath("C:\\a"));
@@ -264,7 +264,7 @@ TEST_F(Folders, RefreshKeepsPathAndHighlight) {
 }
 
 TEST_F(Folders, NothingMovesWhileAToolRuns) {
-  const platform::ToolRunning::Scope running(toolRunning);
+  const platform::Busy::Scope running(busy);
   click(2);
   QTest::keyClick(&list, Qt::Key_Backspace);
   EXPECT_EQ(list.path(), "C:\\a");

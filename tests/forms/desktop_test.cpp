@@ -90,7 +90,8 @@ TEST(DesktopUser, BoxIsExactlyTheGivenOne) {
        QMessageBox::Yes, Answer::Yes},
       {Buttons::YesNo, Icon::None, QMessageBox::NoIcon, QMessageBox::Yes | QMessageBox::No,
        QMessageBox::NoButton, Answer::No}};
-  shell::DesktopUser user;
+  platform::Busy busy;
+  shell::DesktopUser user(busy);
   for (const Case& c : cases) {
     onNextModal<QMessageBox>([&](QMessageBox& box) {
       EXPECT_EQ(box.text(), QString("<b>one</b>\ntwo & three"));
@@ -114,25 +115,30 @@ TEST(DesktopUser, BoxOutlivesItsWindowBeingUnloaded) {
     EXPECT_EQ(box.parentWidget(), window);
     delete window;
   });
-  shell::DesktopUser user;
+  platform::Busy busy;
+  shell::DesktopUser user(busy);
   EXPECT_EQ(user.message("q", Buttons::YesNo, Icon::None), Answer::No);
 }
 
 TEST(DesktopUser, ConsoleShowsOutputAndClosingItEndsTheRun) {
-  shell::DesktopUser user;
+  platform::Busy busy;
+  shell::DesktopUser user(busy);
+  const platform::Busy::Scope job(busy);
   user.consoleOpened("tar.exe");
-  EXPECT_TRUE(user.consoleOutput("caf\xC3"));
-  EXPECT_TRUE(user.consoleOutput("\xA9\r"));
-  EXPECT_TRUE(user.consoleOutput("\nend"));
-  EXPECT_TRUE(user.consoleStep());
-  QWidget* console = QApplication::activeModalWidget();
-  ASSERT_NE(console, nullptr);
+  user.consoleOutput("caf\xC3");
+  user.consoleOutput("\xA9\r");
+  user.consoleOutput("\nend");
+  QApplication::processEvents();
+  QPointer<QWidget> console;
+  for (QWidget* window : QApplication::topLevelWidgets())
+    if (window->objectName() == "console") console = window;
+  ASSERT_FALSE(console.isNull());
   EXPECT_EQ(console->findChild<QPlainTextEdit*>()->toPlainText(), QString::fromUtf8("caf\xC3\xA9\nend"));
   console->close();
-  EXPECT_FALSE(user.consoleStep());
-  EXPECT_FALSE(user.consoleOutput("late"));
+  EXPECT_TRUE(busy.stopRequested());
+  EXPECT_TRUE(console->isVisible());  // it goes when the run has ended
   user.consoleClosed();
-  EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
+  EXPECT_TRUE(console.isNull());
 }
 
 TEST(InputBox, PlainPromptAndTheTextOrNothing) {

@@ -67,7 +67,7 @@ class MainTest : public testworld::World {
   }
   QAction* action(const char* name) { return find<QAction>(name); }
   std::string logText() { return find<QPlainTextEdit>("txtLog")->toPlainText().toStdString(); }
-  std::vector<std::string> selected() const { return program_object_.selection.paths(); }
+  std::vector<std::string> selected() const { return program_object_.selection.selectedPaths; }
   void storeFirstRun() {
     registry_.write(platform::Hive::LocalMachine, key, "FirstRun", {platform::ValueType::Text, "1"});
   }
@@ -150,7 +150,7 @@ TEST_F(MainTest, KeysWorkFromEveryControl) {
     control->setFocus();
     QTest::keyClick(control, Qt::Key_A, Qt::ControlModifier);
     const bool editable = box != nullptr && !box->isReadOnly();
-    EXPECT_EQ(program_object_.selection.selectedCount == static_cast<std::size_t>(files), !editable)
+    EXPECT_EQ(program_object_.selection.selectedCount() == static_cast<std::size_t>(files), !editable)
         << control->objectName().toStdString();
     window_.browsing().openDirPane();
   }

@@ -23,8 +23,7 @@ using platform::desktop::FileRequest;
 using platform::desktop::ScrollList;
 
 /// The main window's side: what is selected, and what was asked of it.
-struct FakeMainWindow : runtime::MainWindow {
-  void getDirPaneSelected() override {}
+struct FakeMainWindow : runtime::FilePane, runtime::Downloads {
   std::vector<std::string> selectedPaths() const override { return selected; }
   std::string selectionText() const override { return "1 items <b>"; }
   std::vector<std::string> paneItems() const override { return items; }
@@ -80,7 +79,7 @@ class TarFormTest : public testworld::World {
       stayedOpen_ = form->isVisible();
       if (stayedOpen_) form->findChild<QPushButton*>("cmdCancel")->click();
     });
-    return CheckTarSelection(services(), window_, pickers_, nullptr, true);
+    return CheckTarSelection(services(), window_, window_, pickers_, nullptr, true);
   }
   void select(const std::vector<std::string>& names) {
     window_.selected.clear();
@@ -167,15 +166,16 @@ TEST_F(TarFormTest, TheWholeFolderMayHoldItsParentEntry) {
 
 TEST_F(TarFormTest, ChecksStopBeforeAnythingIsShown) {
   person_.agrees = false;
-  EXPECT_EQ(CheckTarSelection(services(), window_, pickers_, nullptr, true), TarSelection::Stopped);
+  EXPECT_EQ(CheckTarSelection(services(), window_, window_, pickers_, nullptr, true), TarSelection::Stopped);
   EXPECT_TRUE(window_.selected.empty());
   person_.agrees = true;
-  EXPECT_EQ(CheckTarSelection(services(), window_, pickers_, nullptr, false), TarSelection::WholeFolder);
+  EXPECT_EQ(CheckTarSelection(services(), window_, window_, pickers_, nullptr, false),
+            TarSelection::WholeFolder);
   select({"gone"});
-  EXPECT_EQ(CheckTarSelection(services(), window_, pickers_, nullptr, true), TarSelection::Stopped);
+  EXPECT_EQ(CheckTarSelection(services(), window_, window_, pickers_, nullptr, true), TarSelection::Stopped);
   select({});
   window_.folder = "C:\\gone\\";
-  EXPECT_EQ(CheckTarSelection(services(), window_, pickers_, nullptr, true), TarSelection::Stopped);
+  EXPECT_EQ(CheckTarSelection(services(), window_, window_, pickers_, nullptr, true), TarSelection::Stopped);
   EXPECT_EQ(person_.told.back(),
             "Unable to locate path|The selected directory no longer exists\rTry clicking Refresh");
 }

@@ -40,9 +40,8 @@ void onNextModal(std::function<void(Window&)> act, int tries = 400) {
   });
 }
 
-class MainWindow : public runtime::MainWindow {
+class Pane : public runtime::FilePane {
  public:
-  void getDirPaneSelected() override {}
   std::vector<std::string> selectedPaths() const override { return selected; }
   std::string selectionText() const override { return ""; }
   std::vector<std::string> paneItems() const override { return {}; }
@@ -50,8 +49,6 @@ class MainWindow : public runtime::MainWindow {
   void selectAllRows() override {}
   void refreshKeepList() override { ++refreshes; }
   bool setOwnerShown() const override { return true; }
-  void netSetFile(const std::string&) override {}
-  void showfrmWDXOptions(const std::string&) override {}
 
   std::vector<std::string> selected;
   int refreshes = 0;
@@ -126,7 +123,7 @@ class UntarTest : public testworld::World {
   Sitter sitter_;
   runtime::modAPI api2_{system_, sitter_};
   runtime::Services services_{system_, api2_, cygwin_, sitter_, log_, stored_};
-  MainWindow window_;
+  Pane window_;
   Pickers pickers_;
   frameUntar frame_{services_, window_, pickers_};
   std::string events_;
