@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 namespace platform {
 namespace {
@@ -43,17 +44,34 @@ void eachEntry(std::string_view path, char separator, Use use) {
   }
 }
 
+/// The same for the program's own form, in which quotes keep a semicolon inside an entry and vanish.
+template <typename Use>
+void eachWindowsEntry(std::string_view path, Use use) {
+  std::string entry;
+  bool quoted = false;
+  const auto finish = [&] {
+    if (!entry.empty()) use(std::exchange(entry, {}));
+  };
+  for (const char c : path) {
+    if (c == '"')
+      quoted = !quoted;
+    else if (c == ';' && !quoted)
+      finish();
+    else
+      entry += c;
+  }
+  finish();
+}
+
 void appendEntry(std::string& path, char separator, std::string_view entry) {
   if (!path.empty()) path += separator;
   path += entry;
 }
 
-/// An entry with a semicolon in it would become two that mean something else, so it is left out.
 std::string toWindowsPath(const DriveTable& drives, std::string_view hostPath) {
   std::string path;
   eachEntry(hostPath, ':', [&](std::string_view entry) {
-    if (entry.find(';') != std::string_view::npos) return;
-    appendEntry(path, ';', entry.front() == '/' ? drives.toWindows(entry) : std::string(entry));
+    appendEntry(path, ';', pathEntry(entry.front() == '/' ? drives.toWindows(entry) : std::string(entry)));
   });
   return path;
 }
@@ -61,7 +79,7 @@ std::string toWindowsPath(const DriveTable& drives, std::string_view hostPath) {
 /// Relative entries, "." among them, name nothing; a colon would split an entry.
 std::string toHostPath(const DriveTable& drives, std::string_view windowsPath) {
   std::string path;
-  eachEntry(windowsPath, ';', [&](std::string_view entry) {
+  eachWindowsEntry(windowsPath, [&](const std::string& entry) {
     const auto folder = drives.toHost(entry);
     if (folder && folder->find(':') == std::string::npos) appendEntry(path, ':', *folder);
   });
@@ -75,6 +93,11 @@ auto findName(Values& values, std::string_view name) {
 }
 
 }  // namespace
+
+std::string pathEntry(std::string_view folder) {
+  const std::string entry(folder);
+  return entry.find(';') == std::string::npos ? entry : '"' + entry + '"';
+}
 
 Environment::Environment(const DriveTable& drives, const char* const* hostEnvironment) : drives_(drives) {
   for (; *hostEnvironment != nullptr; ++hostEnvironment) {
@@ -114,7 +137,7 @@ std::vector<std::string> Environment::forChild() const {
 
 std::vector<std::string> Environment::pathEntries() const {
   std::vector<std::string> entries;
-  eachEntry(get(pathName), ';', [&entries](std::string_view entry) { entries.emplace_back(entry); });
+  eachWindowsEntry(get(pathName), [&entries](std::string entry) { entries.push_back(std::move(entry)); });
   return entries;
 }
 

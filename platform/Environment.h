@@ -8,6 +8,9 @@
 
 namespace platform {
 
+/// A folder as an entry of the program's PATH: in double quotes where a semicolon would cut it.
+std::string pathEntry(std::string_view folder);
+
 /// The environment as the program sees it: PATH is in Windows form (`C:\x;Z:\usr\bin`, entries between
 /// semicolons) and is found under any case of "Path"; other names are exact. Made from the host's at start.
 class Environment {

@@ -1,7 +1,6 @@
 #include "platform/Registry.h"
 
 #include <fcntl.h>
-#include <pwd.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
@@ -16,6 +15,7 @@
 
 #include "platform/RegistryText.h"
 #include "platform/Replacement.h"
+#include "platform/TypedPath.h"
 
 namespace platform {
 namespace {
@@ -63,12 +63,23 @@ Loaded load(const std::string& path) {
   return {State::Damaged, {}, "too large"};
 }
 
+/// Root may run with the home folder of a user: what it makes below that belongs to the user. What the path
+/// stands for is never followed away from there.
+void giveToHomesOwner(const std::string& path) {
+  const std::string home = homeFolder();
+  struct stat owner {};
+  if (geteuid() != 0 || !path.starts_with(home + '/') || stat(home.c_str(), &owner) != 0) return;
+  // Refused, it stays root's, and only the next start of the user's tells.
+  if (owner.st_uid != 0 && lchown(path.c_str(), owner.st_uid, owner.st_gid) != 0) return;
+}
+
 /// Keeps a second instance away for as long as it lives. The lock file stays: removing it could leave two
 /// instances with a lock each.
 class Lock {
  public:
   explicit Lock(const std::string& path)
       : file_(open((path + ".lock").c_str(), O_RDONLY | O_CREAT | O_NONBLOCK | O_CLOEXEC, 0644)) {
+    giveToHomesOwner(path + ".lock");
     const auto end = std::chrono::steady_clock::now() + lockPatience;
     while (file_ && !(held_ = flock(file_.get(), LOCK_EX | LOCK_NB) == 0)) {
       if (errno != EWOULDBLOCK || std::chrono::steady_clock::now() > end) return;
@@ -85,9 +96,13 @@ class Lock {
 /// Makes the folder of a file and its missing parents, open to the user alone.
 void makeFolderOf(const fs::path& file) {
   const fs::path folder = file.parent_path();
-  if (folder.empty() || mkdir(folder.c_str(), S_IRWXU) == 0 || errno != ENOENT) return;
-  makeFolderOf(folder);
-  mkdir(folder.c_str(), S_IRWXU);
+  if (folder.empty()) return;
+  if (mkdir(folder.c_str(), S_IRWXU) != 0) {
+    if (errno != ENOENT) return;
+    makeFolderOf(folder);
+    if (mkdir(folder.c_str(), S_IRWXU) != 0) return;
+  }
+  giveToHomesOwner(folder);
 }
 
 /// What a link stands for, whether or not that exists; the path itself where it is no link.
@@ -115,7 +130,10 @@ bool replace(const std::string& path, std::string_view bytes) {
     if (foreign && fchown(file.get(), old->st_uid, old->st_gid) != 0 && geteuid() == 0) return false;
     if (fchmod(file.get(), old->st_mode & 0777) != 0) return false;
   }
-  return file.sync() && file.commit();
+  const bool isNew = !file.replaced();
+  if (!file.sync() || !file.commit()) return false;
+  if (isNew) giveToHomesOwner(path);
+  return true;
 }
 
 std::string freeNameBeside(const std::string& path) {
@@ -128,13 +146,6 @@ std::string freeNameBeside(const std::string& path) {
 
 std::string storeKey(std::string_view application, std::string_view section) {
   return std::string("Settings\\").append(application).append("\\").append(section);
-}
-
-std::string homeFolder() {
-  const char* const home = std::getenv("HOME");
-  if (home != nullptr && *home == '/') return home;
-  const passwd* const user = getpwuid(geteuid());
-  return user == nullptr ? "/" : user->pw_dir;
 }
 
 }  // namespace

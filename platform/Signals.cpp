@@ -42,6 +42,7 @@ void catchEndSignals() {
     wakeDescriptor = ends[1];
   }
   signal(SIGCHLD, SIG_DFL);  // where a caller ignores it, no tool's status could be read
+  signal(SIGPIPE, SIG_IGN);  // a reader that has gone is a failed write
   struct sigaction action {};
   action.sa_handler = catchSignal;
   action.sa_flags = SA_RESTART;

@@ -7,7 +7,8 @@ namespace platform {
 /// SIGINT, SIGTERM and SIGHUP while a tool runs: passed on to the tool's process group, so that the run ends
 /// and cleans up after itself; the program then ends by its own choice.
 
-/// Installs the handlers (a signal that is ignored, as under nohup, stays ignored). Once, in main().
+/// Installs the handlers (a signal that is ignored, as under nohup, stays ignored); SIGPIPE becomes a failed
+/// write. Once, in main().
 void catchEndSignals();
 
 int endSignal();            ///< the first such signal that arrived, 0 for none

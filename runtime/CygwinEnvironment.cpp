@@ -77,7 +77,7 @@ void CygwinEnvironment::CheckCygwinTools() {
 }
 
 void CygwinEnvironment::SetCygwinEnvironment() {
-  std::string path = withEntryInFront(system_.environment.get(pathName), cygwinBin_);
+  std::string path = withEntryInFront(system_.environment.get(pathName), platform::pathEntry(cygwinBin_));
   if (path.find(";.;") == std::string::npos) path = path.starts_with(';') ? "." + path : ".;" + path;
   system_.environment.set(pathName, path);
   system_.environment.set("CYGWIN", "ntsec smbntsec");

@@ -36,6 +36,8 @@ class UserInterface {
   virtual void consoleOpened(const std::string& title) = 0;
   virtual void consoleOutput(std::string_view bytes) = 0;
   virtual void consoleClosed() = 0;
+  /// Every question that could be asked is agreed to beforehand.
+  virtual bool agrees() const { return false; }
   /// What a console showed can be read after it has closed, so that nobody need repeat it.
   virtual bool keepsConsole() const { return false; }
 };

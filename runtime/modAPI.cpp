@@ -69,7 +69,7 @@ ToolResult modAPI::RunCapture(const std::string& toolFolder, const std::string& 
   SetCurDir(toolFolder);
   user_.letEventsRun();
   const platform::Stop stop = system_.busy.stop();
-  if (stop.requested()) return finished({.stopped = true});
+  if (stop.requested()) return finished({"", platform::notStarted, 0, false, true});
   if (!startsToolsDirectly(osVersion_)) return finished({});
   platform::RunResult raw = system_.runner.capture(
       {commandLine, workingFolder.empty() ? toolFolder : workingFolder, toolFolder}, [this, &stop] {
@@ -86,7 +86,7 @@ ToolResult modAPI::RunCapture(const std::string& toolFolder, const std::string& 
 ToolResult modAPI::RunAndWait(const std::string& commandLine, const std::string& workingFolder) {
   const platform::Busy::Scope busy(system_.busy);
   const platform::Stop stop = system_.busy.stop();
-  if (stop.requested()) return finished({.stopped = true});
+  if (stop.requested()) return finished({"", platform::notStarted, 0, false, true});
   std::string text;
   user_.consoleOpened(firstWord(commandLine));
   // The tools come first in PATH; the current folder may be the user's, where no program is looked for.

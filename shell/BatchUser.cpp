@@ -1,11 +1,13 @@
 #include "shell/BatchUser.h"
 
+#include <poll.h>
 #include <unistd.h>
 
 #include <cstdio>
 #include <iostream>
 
 #include "platform/HeldName.h"
+#include "platform/Signals.h"
 
 namespace shell {
 namespace {
@@ -29,22 +31,33 @@ std::string oneLine(const std::string& text) {
 
 Answer positive(Buttons buttons) { return buttons == Buttons::YesNo ? Answer::Yes : Answer::Ok; }
 
+/// False also when an end signal comes first.
+bool inputWaits() {
+  pollfd waited[] = {{STDIN_FILENO, POLLIN, 0}, {platform::endSignalDescriptor(), POLLIN, 0}};
+  while (platform::endSignal() == 0)
+    if (poll(waited, 2, -1) > 0 && waited[0].revents != 0) return platform::endSignal() == 0;
+  return false;
+}
+
 bool askedYes() {
   if (isatty(STDIN_FILENO) == 0 || isatty(STDERR_FILENO) == 0) return false;
-  std::cerr << "  [y/N] ";
+  std::cerr << "  [y/N] " << std::flush;
   std::string line;
-  return std::getline(std::cin, line) && (line == "y" || line == "Y" || line == "yes");
+  return inputWaits() && std::getline(std::cin, line) && (line == "y" || line == "Y" || line == "yes");
 }
 
 }  // namespace
 
 Answer BatchUser::message(const std::string& text, Buttons buttons, runtime::Icon, const std::string& title,
                           Consequence consequence) {
+  if (platform::endSignal() != 0) return runtime::refusalOf(buttons);
+  const bool question = buttons != Buttons::Ok;
+  if (question && yes_) return positive(buttons);
   const bool named = !title.empty() && title != runtime::programTitle;
   std::cerr << "pakrune: " << (named ? title + ": " : std::string()) << oneLine(text) << '\n';
-  if (buttons == Buttons::Ok) return Answer::Ok;
-  if (yes_ || consequence == Consequence::MakesSomethingNew || askedYes()) return positive(buttons);
-  std::cerr << "pakrune: refused (--yes before the switch agrees)\n";
+  if (!question) return Answer::Ok;
+  if (consequence == Consequence::MakesSomethingNew || askedYes()) return positive(buttons);
+  if (platform::endSignal() == 0) std::cerr << "pakrune: refused (--yes before the switch agrees)\n";
   return runtime::refusalOf(buttons);
 }
 

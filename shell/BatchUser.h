@@ -5,8 +5,8 @@
 namespace shell {
 
 /// Whoever runs the program without windows: messages are lines on standard error. A question that only makes
-/// something new is answered with its OK; one that would replace or lose something is refused unless `yes`
-/// stands, and asked on a terminal.
+/// something new is answered with its OK; one that would replace or lose something is refused, and asked on a
+/// terminal. With `yes` all are agreed to, without a word. After an end signal nothing is said or asked.
 class BatchUser : public runtime::UserInterface {
  public:
   explicit BatchUser(bool yes) : yes_(yes) {}
@@ -18,6 +18,7 @@ class BatchUser : public runtime::UserInterface {
   void consoleOutput(std::string_view bytes) override;
   void consoleOpened(const std::string&) override {}
   void consoleClosed() override {}
+  bool agrees() const override { return yes_; }
   bool keepsConsole() const override { return true; }
 
  private:

@@ -1,5 +1,6 @@
 #include "shell/CommandLine.h"
 
+#include <algorithm>
 #include <array>
 
 namespace shell {
@@ -62,27 +63,42 @@ bool standsInQuotes(std::string_view argument) {
 /// Makes the command-line text from what stands behind our own options.
 class TextMaker {
  public:
-  TextMaker(const TranslatePath& toWindows, const HoldName& hold) : toWindows_(toWindows), hold_(hold) {}
+  TextMaker(const TranslatePath& translate, const HoldName& hold) : translate_(translate), hold_(hold) {}
 
-  std::string make(const std::vector<std::string>& arguments) const {
+  std::string make(const std::vector<std::string>& arguments) {
     if (arguments.empty()) return "";
     const Switch* const found = findSwitch(arguments.front());
     if (found == nullptr) return paths(arguments);
     return found->form == Form::Folder ? folder(arguments) : record(arguments, found->form);
   }
+  const std::string& problem() const { return problem_; }
 
  private:
-  std::string paths(const std::vector<std::string>& arguments) const;
-  std::string folder(const std::vector<std::string>& arguments) const;
-  std::string record(const std::vector<std::string>& arguments, Form form) const;
-  std::string quoted(const std::string& argument) const {
-    return standsInQuotes(argument) ? argument : '"' + toWindows_(argument) + '"';
+  std::string paths(const std::vector<std::string>& arguments);
+  std::string folder(const std::vector<std::string>& arguments);
+  std::string record(const std::vector<std::string>& arguments, Form form);
+  std::string quoted(const std::string& argument) {
+    return standsInQuotes(argument) ? argument : '"' + toWindows(argument) + '"';
   }
-  std::string uncut(const std::string& path) const;
+  std::string toWindows(std::string_view typed);
 
-  const TranslatePath& toWindows_;
+  const TranslatePath& translate_;
   const HoldName& hold_;
+  std::string problem_;
 };
+
+/// An empty text names nothing, not the caller's folder. One with a problem stands as typed, but does not cut
+/// a record.
+std::string TextMaker::toWindows(std::string_view typed) {
+  if (typed.empty()) return "";
+  const platform::TypedPath path = translate_(typed);
+  if (path) return path.path;
+  if (problem_.empty()) problem_ = path.problem;
+  std::string text(typed);
+  std::replace_if(
+      text.begin(), text.end(), [](char c) { return c == '\r' || c == '\n'; }, ' ');
+  return text;
+}
 
 /// Shells complete the name of a folder with a slash.
 std::string_view withoutTrailingSlash(std::string_view name) {
@@ -91,43 +107,30 @@ std::string_view withoutTrailingSlash(std::string_view name) {
 }
 
 /// A single argument may be a whole list already, in which case it stands in quotes.
-std::string TextMaker::paths(const std::vector<std::string>& arguments) const {
+std::string TextMaker::paths(const std::vector<std::string>& arguments) {
   if (arguments.size() == 1)
-    return standsInQuotes(arguments.front()) ? arguments.front() : toWindows_(arguments.front());
+    return standsInQuotes(arguments.front()) ? arguments.front() : toWindows(arguments.front());
   std::string text;
   for (const std::string& argument : arguments) text.append(text.empty() ? "" : " ").append(quoted(argument));
   return text;
 }
 
 /// The folder stands in the same argument as the switch, or is the next one. What follows is never read.
-std::string TextMaker::folder(const std::vector<std::string>& arguments) const {
+std::string TextMaker::folder(const std::vector<std::string>& arguments) {
   const std::string& first = arguments.front();
-  if (const auto inside = folderOf(first)) return "-d \"" + toWindows_(*inside) + '"';
+  if (const auto inside = folderOf(first)) return "-d \"" + toWindows(*inside) + '"';
   return arguments.size() == 1 ? first : first + ' ' + quoted(arguments[1]);
 }
 
-std::string TextMaker::record(const std::vector<std::string>& arguments, Form form) const {
+std::string TextMaker::record(const std::vector<std::string>& arguments, Form form) {
   std::vector<std::string> fields = split(arguments.front(), fieldEnd);
   fields.insert(fields.end(), arguments.begin() + 1, arguments.end());
   std::string text = fields.front();
   for (std::size_t i = 1; i < fields.size(); ++i) {
     const bool isFolder = i == 1 || (i == 3 && form == Form::Extract);
-    text.append(fieldEnd).append(isFolder ? uncut(toWindows_(fields[i]))
-                                          : hold_(withoutTrailingSlash(fields[i])));
+    text.append(fieldEnd).append(isFolder ? toWindows(fields[i]) : hold_(withoutTrailingSlash(fields[i])));
   }
   return text;
-}
-
-/// A Windows path stays as it was typed, so it may still hold what would cut the record.
-std::string TextMaker::uncut(const std::string& path) const {
-  std::string out;
-  for (const char c : path) {
-    if (c == '\r' || c == '\n')
-      out += hold_({&c, 1});
-    else
-      out += c;
-  }
-  return out;
 }
 
 /// False for what is no option of ours.
@@ -159,12 +162,18 @@ CommandLine parseCommandLine(std::string_view text) {
   return line;
 }
 
-HostArguments readArguments(const std::vector<std::string>& arguments, const TranslatePath& toWindows,
+HostArguments readArguments(const std::vector<std::string>& arguments, const TranslatePath& translate,
                             const HoldName& hold) {
   HostArguments out;
   auto first = arguments.begin();
   while (first != arguments.end() && takeOption(*first, out)) ++first;
-  out.text = TextMaker(toWindows, hold).make({first, arguments.end()});
+  if (first != arguments.end() && first->starts_with("--")) {
+    out.unknown = *first;
+    return out;
+  }
+  TextMaker maker(translate, hold);
+  out.text = maker.make({first, arguments.end()});
+  out.problem = maker.problem();
   return out;
 }
 

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/TypedPath.h"
+
 namespace shell {
 
 enum class Form { Normal, Folder, Open, Extract, Pack, QuickPack, Permissions, Paths };
@@ -30,21 +32,23 @@ CommandLine parseCommandLine(std::string_view text);
 struct HostArguments {
   bool help = false;
   bool version = false;
-  bool batch = false;  ///< --batch
-  bool yes = false;    ///< --yes
-  std::string text;    ///< the command-line text in Windows form
+  bool batch = false;   ///< --batch
+  bool yes = false;     ///< --yes
+  std::string unknown;  ///< a word before the switch that begins with "--" and is no option
+  std::string text;     ///< the command-line text in Windows form
+  /// Why a path names nothing here, of the first such; it stands in the text as it was typed.
+  std::string problem;
 };
 
-/// How a native path (absolute or relative to the caller's folder) becomes a Windows path; a text that is one
-/// already stays.
-using TranslatePath = std::function<std::string(std::string_view)>;
+/// How a typed path becomes one of the program's (platform::typedPath with the caller's folder).
+using TranslatePath = std::function<platform::TypedPath(std::string_view)>;
 using HoldName = std::function<std::string(std::string_view)>;
 
 /// Makes the command-line text from argv (program name left out). One argument with CR LF fields and one
 /// argument a field both give a record; folder fields and path lists are translated; name fields are put in
 /// held form. An argument of "-d" or of a path list that begins and ends with a double quote is taken as it
 /// stands.
-HostArguments readArguments(const std::vector<std::string>& arguments, const TranslatePath& toWindows,
+HostArguments readArguments(const std::vector<std::string>& arguments, const TranslatePath& translate,
                             const HoldName& hold);
 
 }  // namespace shell

@@ -19,23 +19,25 @@ std::string hostProgramFolder() {
   return failed ? std::string("/") : path.parent_path().string();
 }
 
+/// Empty for a folder that has been deleted.
 std::string hostCallerFolder() {
   std::error_code failed;
   const auto path = std::filesystem::current_path(failed);
-  return failed ? std::string("/") : path.string();
+  return failed ? std::string() : path.string();
 }
 
 }  // namespace
 
 Host::Host()
-    : callerFolder(hostCallerFolder()),
-      drives(platform::DriveTable::fromText(variable("PAKRUNE_DRIVES"), variable("HOME"))),
+    : drives(platform::DriveTable::fromText(variable("PAKRUNE_DRIVES"), variable("HOME"))),
       files(drives),
       environment(drives, environ),
       registry(platform::Registry::forUser()),
       userSettings(registry),
       runner(drives, environment, drives.toWindows(hostProgramFolder())) {
   programFolder = runtime::withTrailingBackslash(drives.toWindows(hostProgramFolder()));
+  const std::string caller = hostCallerFolder();
+  if (!caller.empty()) callerFolder = drives.toWindows(caller);
 }
 
 Program::Program(platform::System host, std::string exePath, runtime::UserInterface& whoever)

@@ -20,7 +20,7 @@ struct Host {
   Host& operator=(const Host&) = delete;
 
   std::string programFolder;  ///< Windows form, trailing backslash
-  std::string callerFolder;   ///< host path of the folder that the program was started in
+  std::string callerFolder;   ///< where the program was started, Windows form; empty: that folder is gone
   platform::DriveTable drives;
   platform::Files files;
   platform::Environment environment;

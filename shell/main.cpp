@@ -4,11 +4,13 @@
 
 #include "platform/HeldName.h"
 #include "platform/Signals.h"
+#include "platform/StandardStreams.h"
+#include "platform/desktop/DisplayCheck.h"
 #include "platform/desktop/Gate.h"
 #include "shell/BatchExtract.h"
 #include "shell/BatchPack.h"
+#include "shell/BatchTools.h"
 #include "shell/BatchUser.h"
-#include "shell/CallerPaths.h"
 #include "shell/CommandLine.h"
 #include "shell/ui/DesktopUser.h"
 #include "shell/ui/frmMain.h"
@@ -38,7 +40,7 @@ constexpr const char* usage =
     "  --help, --version\n"
     "\n"
     "Folders and paths may be native or Windows paths. Exit status of -qpack and -extract:\n"
-    "0 done, 1 refused or failed.\n";
+    "0 done, 1 refused or failed, 128 + n ended by signal n.\n";
 
 bool isSet(const char* name) {
   const char* const value = std::getenv(name);
@@ -48,32 +50,31 @@ bool isSet(const char* name) {
 bool hasDisplay() { return isSet("DISPLAY") || isSet("WAYLAND_DISPLAY") || isSet("QT_QPA_PLATFORM"); }
 
 shell::HostArguments argumentsOf(const shell::Host& host, int argc, char** argv) {
-  const auto toWindows = [&host](std::string_view path) {
-    return shell::toWindowsPath(host.drives, host.callerFolder, path);
+  const auto translate = [&host](std::string_view text) {
+    return platform::typedPath(host.drives, text, host.callerFolder);
   };
-  return shell::readArguments({argv + 1, argv + argc}, toWindows, platform::holdName);
+  return shell::readArguments({argv + 1, argv + argc}, translate, platform::holdName);
 }
 
+bool isQuiet(Form form) { return form == Form::QuickPack || form == Form::Extract; }
+
 int runBatch(shell::Host& host, const CommandLine& commandLine, bool yes) {
-  if (commandLine.form != Form::QuickPack && commandLine.form != Form::Extract) {
-    std::cerr << "pakrune: no display; without one only -qpack, -extract, --help and --version work\n";
-    return failed;
-  }
   shell::BatchUser user(yes);
   shell::Program program(host.system(), host.programFolder, user);
   program.log.setOnEntry([](const std::string& entry) { std::cerr << platform::shownName(entry) << '\n'; });
+  const platform::Busy::Scope job(host.busy);
   return commandLine.form == Form::QuickPack ? shell::batchPack(program, commandLine.fields, yes)
                                              : shell::batchExtract(program, commandLine.fields, yes);
 }
 
 /// Qt gets the program's name only, so that a file called "-style" is none of its options.
-int runWindows(shell::Host& host, const CommandLine& commandLine, char* name) {
+int runWindows(shell::Host& host, const CommandLine& commandLine, bool yes, char* name) {
   int one = 1;
   char* names[] = {name, nullptr};
   QApplication application(one, names);
   QApplication::setApplicationName(QString::fromLatin1(runtime::programTitle));
   QApplication::setQuitOnLastWindowClosed(false);
-  shell::DesktopUser user(host.busy);
+  shell::DesktopUser user(host.busy, yes && isQuiet(commandLine.form));
   shell::Program program(host.system(), host.programFolder, user);
   platform::desktop::DesktopFilePickers pickers(host.drives);
   platform::desktop::Gate gate(host.busy);
@@ -82,9 +83,28 @@ int runWindows(shell::Host& host, const CommandLine& commandLine, char* name) {
   return window.Load(commandLine) ? QApplication::exec() : program.exitStatus;
 }
 
+int refuse(const std::string& why) {
+  shell::say(why);
+  return failed;
+}
+
+int run(shell::Host& host, const shell::HostArguments& arguments, char* name) {
+  if (!arguments.unknown.empty())
+    return refuse("there is no option " + arguments.unknown + "; --help lists them");
+  const CommandLine commandLine = shell::parseCommandLine(arguments.text);
+  const bool quiet = isQuiet(commandLine.form);
+  if (arguments.batch && !quiet) return refuse("--batch stands before -qpack or -extract only");
+  const bool windows = !arguments.batch && hasDisplay() && (!quiet || platform::desktop::displayOpens(name));
+  if (windows) return runWindows(host, commandLine, arguments.yes, name);
+  if (!quiet) return refuse("no display; without one only -qpack, -extract, --help and --version work");
+  if (!arguments.problem.empty()) return refuse(arguments.problem);
+  return runBatch(host, commandLine, arguments.yes);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+  platform::openStandardStreams();
   platform::catchEndSignals();
   shell::Host host;
   const shell::HostArguments arguments = argumentsOf(host, argc, argv);
@@ -92,9 +112,7 @@ int main(int argc, char** argv) {
     std::cout << (arguments.help ? usage : "pakrune " PAKRUNE_VERSION "\n");
     return 0;
   }
-  const CommandLine commandLine = shell::parseCommandLine(arguments.text);
-  const int status = arguments.batch || !hasDisplay() ? runBatch(host, commandLine, arguments.yes)
-                                                      : runWindows(host, commandLine, argv[0]);
+  const int status = run(host, arguments, argv[0]);
   const int signal = platform::endSignal();
   return signal == 0 ? status : signalled + signal;
 }

@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -27,13 +28,17 @@ class Person : public runtime::UserInterface {
   void showCommand(const std::string& title, const std::string&, const std::string& text) override {
     told.push_back(title + "|" + text);
   }
-  void letEventsRun() override { ++yields; }
+  void letEventsRun() override {
+    ++yields;
+    if (onYield) onYield();
+  }
   void consoleOutput(std::string_view) override {}
   void consoleOpened(const std::string& title) override { consoles.push_back(title); }
   void consoleClosed() override {}
 
   bool agrees = true;
   int yields = 0;
+  std::function<void()> onYield;
   std::vector<std::string> told;
   std::vector<std::string> consoles;
 };

@@ -55,6 +55,8 @@ DesktopUser::~DesktopUser() { delete console_; }
 runtime::Answer DesktopUser::message(const std::string& text, runtime::Buttons buttons, runtime::Icon icon,
                                      const std::string& title, runtime::Consequence) {
   if (busy_.held() && busy_.stopRequested()) return runtime::refusalOf(buttons);
+  if (agrees_ && buttons != runtime::Buttons::Ok)
+    return buttons == runtime::Buttons::YesNo ? runtime::Answer::Yes : runtime::Answer::Ok;
   return answerOf(platform::desktop::messageBox(text, title, boxIcon(icon), boxButtons(buttons)));
 }
 

@@ -12,7 +12,8 @@ namespace shell {
 /// Whoever sits in front of the windows.
 class DesktopUser : public runtime::UserInterface {
  public:
-  explicit DesktopUser(platform::Busy& busy) : busy_(busy) {}
+  /// `agrees`: what the quiet forms would ask is agreed to beforehand.
+  explicit DesktopUser(platform::Busy& busy, bool agrees = false) : busy_(busy), agrees_(agrees) {}
   ~DesktopUser() override;
 
   runtime::Answer message(const std::string& text, runtime::Buttons buttons, runtime::Icon icon,
@@ -20,12 +21,14 @@ class DesktopUser : public runtime::UserInterface {
                           runtime::Consequence consequence = runtime::Consequence::Nothing) override;
   void showCommand(const std::string& title, const std::string& prompt, const std::string& text) override;
   void letEventsRun() override;
+  bool agrees() const override { return agrees_; }
   void consoleOutput(std::string_view bytes) override;
   void consoleOpened(const std::string& title) override;
   void consoleClosed() override;
 
  private:
   platform::Busy& busy_;
+  bool agrees_;
   QPointer<platform::desktop::ConsoleWindow> console_;  // goes with the window that it was opened over
   QElapsedTimer sinceRepaint_;
 };

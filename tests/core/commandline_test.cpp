@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include "platform/HeldName.h"
-#include "shell/CallerPaths.h"
 
 using shell::CommandLine;
 using shell::Form;
@@ -14,10 +13,9 @@ namespace {
 
 const platform::DriveTable drives({{'C', "/home/u"}, {'D', "/mnt/d"}});
 
-std::string toWindows(std::string_view text) { return shell::toWindowsPath(drives, "/home/u/here", text); }
-
 HostArguments read(const Texts& arguments) {
-  return shell::readArguments(arguments, toWindows, platform::holdName);
+  const auto translate = [](std::string_view text) { return platform::typedPath(drives, text, "C:\\here"); };
+  return shell::readArguments(arguments, translate, platform::holdName);
 }
 
 CommandLine parsed(const Texts& arguments) { return shell::parseCommandLine(read(arguments).text); }
@@ -64,17 +62,6 @@ TEST(CommandLine, PathListsAreCutBetweenQuotes) {
   EXPECT_EQ(shell::parseCommandLine("\"C:\\a\"  \"C:\\c\"").fields, Texts{"C:\\a  C:\\c"});
 }
 
-TEST(CallerPaths, TranslatesWhatIsNoWindowsPath) {
-  for (const char* path : {"C:\\p", "q:/p", "\\\\server\\share", ""}) EXPECT_EQ(toWindows(path), path);
-  EXPECT_EQ(toWindows("/cygdrive/d/x"), "D:\\x");
-  EXPECT_EQ(toWindows("/cygdrive/q/x"), "Z:\\cygdrive\\q\\x");
-  EXPECT_EQ(toWindows("/etc"), "Z:\\etc");
-  EXPECT_EQ(toWindows("."), "C:\\here");
-  EXPECT_EQ(toWindows("../a b"), "C:\\here\\..\\a b");
-  EXPECT_EQ(toWindows("C:\\a:b/c?"), "C:\\" + platform::holdName("a:b") + "/" + platform::holdName("c?"));
-  EXPECT_EQ(toWindows("C:p\\\xFF"), "C:\\here\\" + platform::holdName("C:p\\\xFF"));
-}
-
 TEST(Arguments, OurOptionsStandBeforeTheSwitchOnly) {
   const HostArguments some = read({"--yes", "--batch", "-qpack", "/home/u/p", "--help"});
   EXPECT_TRUE(some.yes && some.batch);
@@ -82,6 +69,8 @@ TEST(Arguments, OurOptionsStandBeforeTheSwitchOnly) {
   EXPECT_EQ(some.text, "-qpack\r\nC:\\p\r\n--help");
   EXPECT_TRUE(read({"--version"}).version);
   EXPECT_TRUE(read({"--help", "x"}).help);
+  EXPECT_EQ(read({"--yes", "--bach", "-qpack", "p"}).unknown, "--bach");
+  EXPECT_EQ(read({"--yes", "-qpack", "p"}).unknown, "");
   EXPECT_EQ(read({}).text, "");
   EXPECT_EQ(read({""}).text, "");
 }
@@ -102,7 +91,10 @@ TEST(Arguments, NoNameOrFolderCutsARecord) {
   EXPECT_EQ(line.fields,
             (Texts{"-pack", "C:\\here\\" + platform::holdName("x\r\ny"), platform::holdName(name),
                    platform::holdName("C:\\p"), platform::holdName("d\xFF")}));
-  EXPECT_EQ(parsed({"-pack", "C:\\x\r\ny", "a"}).fields[1], "C:\\x" + platform::holdName("\r\n") + "y");
+  EXPECT_EQ(parsed({"-pack", "C:/x\r\ny", "a"}).fields[1], "C:\\x" + platform::holdName("\r\n") + "y");
+  const HostArguments nowhere = read({"-extract", "Q:\\x\r\ny", "a.tgz", "\\\\server\\share"});
+  EXPECT_EQ(nowhere.problem, "There is no drive 'Q:'");  // the first one
+  EXPECT_EQ(shell::parseCommandLine(nowhere.text).fields.size(), 4U);
 }
 
 TEST(Arguments, AFolderMayHoldBlanksAndQuotes) {

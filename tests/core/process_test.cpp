@@ -189,11 +189,14 @@ TEST_F(ProcessTest, AChildHasACleanWorld) {
 
 TEST_F(ProcessTest, TheEnvironmentIsOursToSay) {
   const std::string hostPath = "PATH=:/usr/bin:.:" + host("disk") + "/x:rel:/a;b:/usr/bin/";
-  const char* const start[] = {hostPath.c_str(), "Path=other",  "LC_ALL=de_DE",    "POSIXLY_CORRECT=1",
-                               "GZIP=-1",        "KEPT=a=b",    "KEPT=second",     "noEquals",
-                               "TAR_OPTIONS=-h", "=nameless=x", "LS_BLOCK_SIZE=1", nullptr};
+  // Every name that the tools would take something from.
+  const char* const start[] = {hostPath.c_str(),  "LANGUAGE=de", "PIGZ=-1",         "BZIP=-1",
+                               "BZIP2=-1",        "LBZIP2=-1",   "TIME_STYLE=+%s",  "BLOCK_SIZE=1",
+                               "QUOTING_STYLE=c", "Path=other",  "LC_ALL=de_DE",    "POSIXLY_CORRECT=1",
+                               "GZIP=-1",         "KEPT=a=b",    "KEPT=second",     "noEquals",
+                               "TAR_OPTIONS=-h",  "=nameless=x", "LS_BLOCK_SIZE=1", nullptr};
   platform::Environment environment(drives_, start);
-  EXPECT_EQ(environment.get("pAtH"), "Z:\\usr\\bin;.;C:\\x;rel;Z:\\usr\\bin");
+  EXPECT_EQ(environment.get("pAtH"), "Z:\\usr\\bin;.;C:\\x;rel;\"Z:\\a;b\";Z:\\usr\\bin");
   EXPECT_EQ(environment.get("kept"), "");
   environment.set("Path",
                   ".;C:\\t\\;;" + environment.get("PATH") + ";Q:\\gone;\\\\s\\x;C:\\a\xEF\x80\xBA;.;");
@@ -202,14 +205,15 @@ TEST_F(ProcessTest, TheEnvironmentIsOursToSay) {
   std::sort(child.begin(), child.end());
   EXPECT_EQ(child,
             (Words{"CYGWIN=ntsec", "KEPT=a=b", "LC_ALL=C.UTF-8",
-                   "PATH=" + host("disk") + "/t:/usr/bin:" + host("disk") + "/x:/usr/bin",
+                   "PATH=" + host("disk") + "/t:/usr/bin:" + host("disk") + "/x:/a;b:/usr/bin",
                    "QUOTING_STYLE=escape", "TAR_OPTIONS=--sort=name --no-unquote", "TZ=:/etc/localtime"}));
   environment.set("TZ", "");  // universal time
   child = environment.forChild();
   EXPECT_EQ(std::count(child.begin(), child.end(), "TZ="), 1);
   EXPECT_EQ(std::count(child.begin(), child.end(), "TZ=:/etc/localtime"), 0);
   EXPECT_EQ(environment.pathEntries()[1], "C:\\t\\");
-  EXPECT_EQ(environment.pathEntries().size(), 11U);
+  EXPECT_EQ(environment.pathEntries()[6], "Z:\\a;b");
+  EXPECT_EQ(environment.pathEntries().size(), 12U);
 }
 
 TEST_F(ProcessTest, ACaptureWaitsForABackgroundChildAVisibleRunDoesNot) {

@@ -235,6 +235,21 @@ TEST_F(RegistryTest, RootLeavesTheFileToItsUser) {
   EXPECT_TRUE(asOrdinaryUser([this] { return get("a") == "2" && set("a", "3"); }));
 }
 
+TEST_F(RegistryTest, WhatRootMakesBelowAUsersHomeBelongsToTheUser) {
+  if (geteuid() != 0) GTEST_SKIP() << "needs root";
+  const std::string home = root_ + "/home";
+  ASSERT_EQ(mkdir(home.c_str(), 0755) + chown(home.c_str(), 65534, 65534), 0);
+  setenv("HOME", home.c_str(), 1);
+  unsetenv("XDG_CONFIG_HOME");
+  ASSERT_TRUE(Registry::forUser().write(Hive::LocalMachine, key, "a", {ValueType::Text, "1"}));
+  for (const char* made : {"/.config", "/.config/pakrune", "/.config/pakrune/registry.txt",
+                           "/.config/pakrune/registry.txt.lock"}) {
+    struct stat status {};
+    EXPECT_EQ(stat((home + made).c_str(), &status), 0) << made;
+    EXPECT_EQ(status.st_uid, 65534U) << made;
+  }
+}
+
 TEST_F(RegistryTest, SecondInstancesWaitForEachOther) {
   std::vector<std::thread> writers;
   for (int w = 0; w < 4; ++w)

@@ -1,5 +1,10 @@
+#include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/file.h>
 #include <sys/stat.h>
+
+#include <csignal>
+#include <thread>
 
 #include "runtime/DirExists.h"
 #include "runtime/PermissionTest.h"
@@ -121,6 +126,61 @@ TEST_F(RuntimeTest, VisibleRunsKeepTheirTextAndStatus) {
   EXPECT_FALSE(busy_.held());
 }
 
+TEST_F(RuntimeTest, AStopEndsARunAndLetsNoneBegin) {
+  const platform::Busy::Scope job(busy_);
+  person_.onYield = [this] { person_.yields > 2 ? busy_.requestStop() : void(); };
+  const runtime::ToolResult ended = api_.RunCapture(bin(), "sleep 30");
+  EXPECT_TRUE(ended.stopped);
+  EXPECT_EQ(ended.status, 128 + SIGTERM);
+  const runtime::ToolResult visible = api_.RunAndWait("sleep 30");
+  const runtime::ToolResult captured = api_.RunCapture(bin(), "ls.exe");
+  for (const auto& never : {visible, captured}) {
+    EXPECT_TRUE(never.stopped && !never.good());
+    EXPECT_EQ(never.status, platform::notStarted);
+  }
+  EXPECT_TRUE(person_.consoles.empty());
+}
+
+TEST_F(RuntimeTest, HowARunEndedIsSaidInWords) {
+  const std::string bash = "Z:\\bin\\bash -c ";
+  EXPECT_EQ(runtime::howItEnded(api_.RunCapture(bin(), bash + "\"kill -9 $$\""), "tar"),
+            "tar was ended by signal 9");
+  EXPECT_EQ(runtime::howItEnded(api_.RunCapture(bin(), bash + "\"exit 3\""), "tar"),
+            "tar ended with exit code 3");
+  EXPECT_EQ(runtime::howItEnded(api_.RunCapture(bin(), "nowhere"), "tar"),
+            "tar could not be started: No such file or directory");
+}
+
+TEST(Busy, RemembersTheWidestWishAndDoesItOnceAfterwards) {
+  using Width = platform::Busy::Width;
+  platform::Busy busy;
+  std::string done;
+  const auto deed = [&](const char* name) { return [&done, name] { done += name; }; };
+  busy.whenFree(Width::Relist, deed("now "));
+  {
+    const platform::Busy::Scope job(busy);
+    {
+      const platform::Busy::Scope step(busy);
+      busy.whenFree(Width::OpenFolder, deed("first "));
+      busy.whenFree(Width::OpenFolder, deed("later "));
+      busy.whenFree(Width::Relist, deed("list "));
+    }
+    EXPECT_EQ(done, "now ");
+    busy.requestStop();
+    EXPECT_TRUE(busy.stopRequested());
+  }
+  EXPECT_EQ(done, "now later ");
+  {
+    const platform::Busy::Scope next(busy);
+    EXPECT_FALSE(busy.stopRequested());  // a stop is one job's
+    busy.whenFree(Width::Relist, deed("never"));
+    busy.requestEnd();
+  }
+  EXPECT_EQ(done, "now later ");
+  const platform::Busy::Scope late(busy);
+  EXPECT_TRUE(busy.stopRequested());  // the program ends: nothing begins
+}
+
 TEST_F(RuntimeTest, ProbeAsksOnlyWhetherTheFileIsThere) {
   write("tool.exe");
   EXPECT_TRUE(api_.ProbeTool("C:\\tool.exe"));
@@ -161,6 +221,17 @@ TEST_F(RuntimeTest, SearchPathGetsTheToolsInFront) {
   environment_.set("Path", ";" + bin() + ";.;");
   cygwin_.SetCygwinEnvironment();
   EXPECT_EQ(path(), ";" + bin() + ";.;");
+}
+
+TEST_F(RuntimeTest, AProgramFolderMayHoldASemicolon) {
+  fs::rename(root_ + "/prog", root_ + "/pr;og");
+  const std::string folder = drives_.toWindows(root_ + "/pr;og") + "\\";
+  runtime::CygwinEnvironment cygwin(system_, api_, person_, folder);
+  environment_.set("Path", "C:\\x");
+  cygwin.FindCygwinRoot();
+  cygwin.CheckCygwinTools();
+  EXPECT_EQ(path(), ".;\"" + folder + "bin\\\";C:\\x");
+  EXPECT_EQ(api_.RunAndWait("tar.exe --version").status, 0);  // found through the search path alone
 }
 
 TEST_F(RuntimeTest, MissingToolsAreReportedOnce) {
@@ -218,6 +289,16 @@ TEST_F(RuntimeTest, PermissionTestTellsWhatFailed) {
   EXPECT_TRUE(test().starts_with("ERROR: Unable to Set Permissions (chmod.exe)\r\n777 "));
   removeTool("chmod.exe");
   EXPECT_EQ(test(), "ERROR: Unable to Set Permissions (chmod.exe)\n");
+  const int other = open((root_ + "/prog").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  ASSERT_EQ(flock(other, LOCK_EX), 0);  // another program's test runs
+  std::thread ends([other] {
+    std::this_thread::sleep_for(std::chrono::milliseconds(150));
+    close(other);
+  });
+  const auto begin = std::chrono::steady_clock::now();
+  test();
+  EXPECT_GT(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(100));
+  ends.join();
   fs::create_directory(root_ + "/prog/test123456789");
   log_.all.clear();
   runtime::RunPermissionTest(services(), [] {});
