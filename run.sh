@@ -5,8 +5,7 @@ set -euo pipefail
 cd "$(dirname "$0")"
 tools/setup.sh build
 echo "== building"
-cmake --preset release >build.log 2>&1 || { cat build.log >&2; exit 1; }
-cmake --build --preset release --target app >>build.log 2>&1 || { tail -40 build.log >&2; exit 1; }
+tools/build.sh release --target app
 
 folder=$PWD/build/examples/kt500-app
 if [ "${1:-}" != --demo ] && [ -n "${DISPLAY:-}${WAYLAND_DISPLAY:-}" ]; then

@@ -23,7 +23,9 @@ for package in "${packages[@]}"; do
 done
 [ ${#missing[@]} -gt 0 ] || exit 0
 echo "== installing: ${missing[*]}"
-install=(apt-get install -y -qq --no-install-recommends "${missing[@]}")
+# A fresh system may run its own updates: their locks are waited for.
+patience=600 # seconds
+install=(apt-get install -y -qq -o "DPkg::Lock::Timeout=$patience" --no-install-recommends "${missing[@]}")
 if [ "$(id -u)" = 0 ]; then
   as_root=()
 elif command -v sudo >/dev/null; then
@@ -32,5 +34,16 @@ else
   echo "As root, run: apt-get update && ${install[*]}" >&2
   exit 1
 fi
-"${as_root[@]}" apt-get update -qq
+update() { # apt-get update does not wait for the lists' lock, only says that it could not get it
+  local said
+  for ((waited = 0; ; waited += 5)); do
+    said=$("${as_root[@]}" apt-get update -qq 2>&1) && return 0
+    if [ "$waited" -ge "$patience" ] || ! grep -q 'Could not get lock' <<<"$said"; then
+      echo "$said" >&2
+      return 1
+    fi
+    sleep 5
+  done
+}
+update
 "${as_root[@]}" "${install[@]}" >/dev/null
