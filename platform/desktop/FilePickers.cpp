@@ -3,11 +3,15 @@
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
+#include <QFileInfo>
+#include <QLineEdit>
 #include <QPointer>
 #include <algorithm>
 
 #include "platform/HeldName.h"
+#include "platform/TypedPath.h"
 #include "platform/desktop/ActiveWindow.h"
+#include "platform/desktop/MessageBox.h"
 #include "platform/desktop/Text.h"
 
 namespace platform::desktop {
@@ -45,6 +49,32 @@ int chosenFilter(const QFileDialog& dialog, const FileRequest& request) {
   return request.filterIndex;
 }
 
+/// What is typed into the name field passes the border for typed paths; a name that is there by that very
+/// spelling (one that was clicked) is what it says. A desktop's own dialog reads its field itself.
+class TypingFileDialog : public QFileDialog {
+ public:
+  TypingFileDialog(const DriveTable& drives, QWidget* parent) : QFileDialog(parent), drives_(drives) {}
+
+  void accept() override {
+    auto* const field = findChild<QLineEdit*>(QStringLiteral("fileNameEdit"));
+    const QString text = field == nullptr ? QString() : field->text();
+    if (!text.isEmpty() && !QFileInfo::exists(directory().filePath(text)) && !read(*field)) return;
+    QFileDialog::accept();
+  }
+
+ private:
+  bool read(QLineEdit& field) const {
+    const std::string folder = drives_.toWindows(QFile::encodeName(directory().absolutePath()).toStdString());
+    const TypedPath typed = typedPath(drives_, fromControl(field.text()), folder);
+    const auto host = typed ? drives_.toHost(typed.path) : std::nullopt;
+    if (host) field.setText(QFile::decodeName(QByteArray::fromStdString(*host)));
+    if (!typed) messageBox(typed.problem, "Error..", BoxIcon::Critical, BoxButtons::Ok);
+    return host.has_value();
+  }
+
+  const DriveTable& drives_;
+};
+
 /// Its window may be unloaded while the dialog waits and takes the dialog along.
 std::string ask(const QPointer<QFileDialog>& dialog, const DriveTable& drives) {
   const bool accepted = dialog->exec() == QDialog::Accepted;
@@ -56,7 +86,7 @@ std::string ask(const QPointer<QFileDialog>& dialog, const DriveTable& drives) {
 }
 
 QFileDialog* makeDialog(const DriveTable& drives, const std::string& title, const std::string& startFolder) {
-  auto* dialog = new QFileDialog(activeWindow());
+  auto* dialog = new TypingFileDialog(drives, activeWindow());
   dialog->setWindowTitle(toShown(title));
   dialog->setSupportedSchemes({QStringLiteral("file")});
   dialog->setDirectory(hostFolder(drives, startFolder));

@@ -2,14 +2,12 @@
 
 #include <QCloseEvent>
 #include <QPlainTextEdit>
-#include <QShortcut>
 
 #include "archive/ui/frmTar.h"
 #include "browser/ui/ApplyLayout.h"
 #include "download/ui/frmNetloader.h"
 #include "platform/ShellOpen.h"
 #include "platform/SystemInfo.h"
-#include "platform/desktop/Handlers.h"
 #include "platform/desktop/Text.h"
 #include "shell/ui/StartUp.h"
 #include "shell/ui/frmAbout.h"
@@ -17,8 +15,6 @@
 
 namespace shell {
 namespace {
-
-using platform::desktop::connectHandler;
 
 constexpr const char* helpFile = "Pakrune.chm";
 
@@ -46,8 +42,7 @@ frmMain::frmMain(Program& program, platform::desktop::FilePickers& pickers)
   frameUntar_ = new archive::frameUntar(program.services(), *this, pickers, ui_->client);
   frameUntar_->hide();
   frameUntar_->setEnabled(false);
-  wireMenus();
-  wireKeys();
+  wireActions();
   wireFrames();
   resize(browser::startSize(browser::pixelsPerTwip(*this)));
 }
@@ -70,37 +65,36 @@ void frmMain::connectLog() {
   });
 }
 
-void frmMain::wireMenus() {
-  const auto& guard = program_.system.busy;
-  const auto wire = [&](QAction* action, auto handler) {
-    connectHandler(action, &QAction::triggered, this, guard, handler);
-  };
-  wire(ui_->mnuExit, &frmMain::close);
-  wire(ui_->mnuAdmin, &frmMain::mnuAdmin_Click);
-  wire(ui_->mnuShowLog, &frmMain::mnuShowLog_Click);
-  wire(ui_->mnuNetwork, &frmMain::mnuNetwork_Click);
-  wire(ui_->mnuContent, &frmMain::mnuContent_Click);
-  wire(ui_->mnuAbout, &frmMain::mnuAbout_Click);
+/// Menus and keys.
+void frmMain::wireActions() {
+  using platform::desktop::WhileBusy;
+  const auto mayDownload = [this] { return mayDownload_; };
+  actions_ = new platform::desktop::ActionTable(
+      *this, program_.system.busy,
+      {
+          {"mnuExit", [this] { close(); }, {}, WhileBusy::Acts},
+          {"mnuAdmin", [this] { mnuAdmin_Click(); }},
+          {"mnuShowLog", [this] { mnuShowLog_Click(); }, {}, WhileBusy::Acts},
+          {"mnuDownload", {}, mayDownload},
+          {"mnuNetwork", [this] { mnuNetwork_Click(); }, mayDownload},
+          {"mnuContent", [this] { mnuContent_Click(); }},
+          {"mnuAbout", [this] { mnuAbout_Click(); }},
+          {.name = "keyHelp", .handler = [this] { mnuContent_Click(); }, .keys = Qt::Key_F1},
+          {.name = "keyRefresh",
+           .handler = [this] { refreshKeepList(); },
+           .whileBusy = WhileBusy::Remembered,
+           .keys = Qt::Key_F5},
+          {.name = "keySelectAll", .handler = [this] { checkAllKey(); }, .keys = Qt::CTRL | Qt::Key_A},
+      });
   ui_->lblHalvoren->installEventFilter(this);
-}
-
-void frmMain::wireKeys() {
-  const auto& guard = program_.system.busy;
-  const auto wire = [&](const QKeySequence& keys, auto handler) {
-    connectHandler(new QShortcut(keys, this), &QShortcut::activated, this, guard, handler);
-  };
-  wire(Qt::Key_F1, &frmMain::mnuContent_Click);
-  wire(Qt::Key_F5, &frmMain::refreshKeepList);
-  wire(Qt::CTRL | Qt::Key_A, &frmMain::checkAllKey);
   // A box that only shows text would keep Ctrl+A for itself.
   for (auto* box : findChildren<QWidget*>())
     if (!isTextBox(box)) box->installEventFilter(this);
 }
 
 void frmMain::wireFrames() {
-  const auto& guard = program_.system.busy;
-  connectHandler(frameMain_, &browser::frameMain::createTar, this, guard, &frmMain::cmdTar_Click);
-  connectHandler(frameMain_, &browser::frameMain::extractTar, this, guard, &frmMain::cmdExtract_Click);
+  connect(frameMain_, &browser::frameMain::createTar, this, &frmMain::cmdTar_Click);
+  connect(frameMain_, &browser::frameMain::extractTar, this, &frmMain::cmdExtract_Click);
   connect(frameMain_, &browser::frameMain::archiveOpened, this, &frmMain::openArchive);
   connect(frameMain_, &browser::frameMain::selectionChanged, this, &frmMain::updateDownloadMenu);
   connect(frameMain_, &browser::frameMain::dividerDragged, this, &frmMain::divider_MouseMove);
@@ -162,8 +156,8 @@ void frmMain::cmdExtract_Click() { frameUntar_->open(); }
 void frmMain::openArchive(const std::string& path) { frameUntar_->open(path); }
 
 void frmMain::showUntar() {
-  ui_->mnuDownload->setEnabled(false);
   frameMain_->setEnabled(false);
+  updateDownloadMenu();
   frameUntar_->show();
   frameUntar_->setEnabled(true);
   frameUntar_->raise();
@@ -179,8 +173,9 @@ void frmMain::hideUntar() {
 
 void frmMain::updateDownloadMenu() {
   const runtime::Selection& selection = program_.selection;
-  ui_->mnuDownload->setEnabled(frameMain_->isEnabled() && selection.selectedCount() == 1 &&
-                               program_.system.files.fileExists(selection.selectedPaths.front()));
+  mayDownload_ = frameMain_->isEnabled() && selection.selectedCount() == 1 &&
+                 program_.system.files.fileExists(selection.selectedPaths.front());
+  actions_->update();
 }
 
 void frmMain::checkAllKey() {
@@ -232,8 +227,8 @@ void frmMain::end() {
 }
 
 bool frmMain::eventFilter(QObject* watched, QEvent* event) {
-  if (watched == ui_->lblHalvoren && event->type() == QEvent::MouseButtonRelease &&
-      !program_.system.busy.held()) {
+  const bool idle = !program_.system.busy.held();
+  if (watched == ui_->lblHalvoren && event->type() == QEvent::MouseButtonRelease && idle) {
     mnuAbout_Click();
     return true;
   }

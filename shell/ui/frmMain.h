@@ -8,6 +8,7 @@
 #include "archive/ui/frameUntar.h"
 #include "browser/Layout.h"
 #include "browser/ui/frameMain.h"
+#include "platform/desktop/Actions.h"
 #include "platform/desktop/FilePickers.h"
 #include "runtime/Downloads.h"
 #include "runtime/FilePane.h"
@@ -60,8 +61,7 @@ class frmMain : public QMainWindow, public runtime::FilePane, public runtime::Do
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
-  void wireMenus();
-  void wireKeys();
+  void wireActions();
   void wireFrames();
   void connectLog();
   void mnuShowLog_Click();
@@ -84,6 +84,8 @@ class frmMain : public QMainWindow, public runtime::FilePane, public runtime::Do
   browser::frameMain* frameMain_;
   archive::frameUntar* frameUntar_;
   browser::Layout layout_;
+  platform::desktop::ActionTable* actions_ = nullptr;  // a child
+  bool mayDownload_ = false;
   bool logShown_ = false;
   bool ended_ = false;
 };

@@ -15,6 +15,7 @@
 #include <functional>
 #include <optional>
 
+#include "platform/HeldName.h"
 #include "platform/desktop/FilePickers.h"
 #include "platform/desktop/InputBox.h"
 #include "platform/desktop/Locale.h"
@@ -184,6 +185,30 @@ TEST(FilePickers, ChosenFileIsAWindowsPath) {
   }
   onNextModal<QFileDialog>([](QFileDialog& dialog) { static_cast<QDialog&>(dialog).accept(); });
   EXPECT_EQ(pickers.folder("Please select an output folder.", "C:\\"), "C:\\");
+}
+
+TEST(FilePickers, WhatIsTypedIsReadAsEverywhere) {
+  const QTemporaryDir folder;
+  const platform::DriveTable drives({{'C', folder.path().toStdString()}});
+  DesktopFilePickers pickers(drives);
+  ASSERT_TRUE(QDir(folder.path()).mkpath("sub"));
+  QFile odd(folder.filePath("x\\y.tgz"));
+  ASSERT_TRUE(odd.open(QIODevice::WriteOnly));
+  const auto typed = [&](const char* text) {
+    onNextModal<QFileDialog>([&](QFileDialog& dialog) {
+      dialog.findChild<QLineEdit*>("fileNameEdit")->setText(text);
+      QTimer::singleShot(0, [] {
+        if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) box->close();
+      });
+      static_cast<QDialog&>(dialog).accept();
+      if (dialog.isVisible()) dialog.reject();  // a problem keeps it open
+    });
+    return pickers.saveFile({"t", "C:\\", "A (*.tgz)|*.tgz|", 1, ""});
+  };
+  EXPECT_EQ(typed("C:\\sub\\a:b.tgz"), "C:\\sub\\" + platform::holdName("a:b.tgz"));
+  EXPECT_EQ(typed("sub\\a.tgz"), "C:\\sub\\a.tgz");
+  EXPECT_EQ(typed("x\\y.tgz"), "C:\\" + platform::holdName("x\\y.tgz"));
+  EXPECT_EQ(typed("Q:\\a.tgz"), "");
 }
 
 TEST(Locale, DatesAndNumbers) {

@@ -9,7 +9,6 @@
 #include <functional>
 
 #include "platform/HeldName.h"
-#include "shell/CallerPaths.h"
 #include "shell/ui/frmMain.h"
 #include "tests/World.h"
 
@@ -52,7 +51,7 @@ class MainTest : public testworld::World {
 
   bool load(const std::vector<std::string>& arguments) {
     const auto toWindows = [this](std::string_view path) {
-      return shell::toWindowsPath(drives_, root_ + "/disk", path);
+      return platform::typedPath(drives_, path, "C:\\");
     };
     const auto text = shell::readArguments(arguments, toWindows, platform::holdName).text;
     const bool goesOn = window_.Load(shell::parseCommandLine(text));
