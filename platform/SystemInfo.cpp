@@ -5,7 +5,6 @@
 #include <unistd.h>
 
 #include <charconv>
-#include <chrono>
 #include <cstdlib>
 #include <string_view>
 
@@ -50,11 +49,6 @@ bool isUserAnAdmin() {
   const std::string_view answer = variable("PAKRUNE_ADMIN");
   if (answer == "0" || answer == "1") return answer == "1";
   return geteuid() == 0 || mayChangeOwners();
-}
-
-std::uint32_t tickCount() {
-  const auto now = std::chrono::steady_clock::now().time_since_epoch();
-  return static_cast<std::uint32_t>(std::chrono::duration_cast<std::chrono::milliseconds>(now).count());
 }
 
 }  // namespace platform

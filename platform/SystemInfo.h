@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -18,7 +17,5 @@ std::optional<SystemVersion> systemVersion();
 
 /// Who may change owners (effective uid 0 or CAP_CHOWN), unless PAKRUNE_ADMIN (0 or 1) says otherwise.
 bool isUserAnAdmin();
-
-std::uint32_t tickCount();  ///< milliseconds, wraps
 
 }  // namespace platform

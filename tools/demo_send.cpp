@@ -10,7 +10,7 @@
 
 #include "download/ui/frmNetloader.h"
 #include "shell/BatchTools.h"
-#include "shell/CallerPaths.h"
+#include "platform/TypedPath.h"
 #include "shell/Program.h"
 #include "shell/ui/DesktopUser.h"
 
@@ -58,7 +58,7 @@ int main(int count, char** words) {
   QObject::connect(&boxes, &QTimer::timeout, answerBox);
   boxes.start(lookEvery);
   download::frmNetloader form(program.services(),
-                              shell::toWindowsPath(host.drives, host.callerFolder, words[1]));
+                              platform::typedPath(host.drives, words[1], host.callerFolder).path);
   QTimer::singleShot(0, &form, [&form, words] { fillAndSend(form, words[2]); });
   form.exec();
   return program.log.text().find(" Successfully sent ") != std::string::npos ? 0 : 1;

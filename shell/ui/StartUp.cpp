@@ -8,6 +8,7 @@
 #include "runtime/ArchiveKind.h"
 #include "runtime/PermissionTest.h"
 #include "shell/BatchPack.h"
+#include "shell/BatchTools.h"
 #include "shell/ui/Dialog.h"
 #include "shell/ui/frmPermsError.h"
 
@@ -61,9 +62,7 @@ void StartUp::checkPrivileges() {
 }
 
 void StartUp::prepareTools() {
-  program_.cygwin.AddDotToPath();
-  program_.cygwin.FindCygwinRoot();
-  program_.cygwin.CheckCygwinTools();
+  shell::prepareTools(program_);
   const std::string version = runtime::GetOSVersion(platform::systemVersion());
   program_.api.setOsVersion(version);
   if (version.starts_with('9'))
