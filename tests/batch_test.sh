@@ -80,6 +80,53 @@ for arguments in "" "-d pkg" "-pack pkg a.txt" pkg; do
   run 1 $arguments
   [ "$(wc -l <"$world/err")" = 1 ] || fail "not one line: '$arguments'"
 done
+says() { # STATUS TEXT ARGUMENT...
+  local expected=$1 text=$2
+  shift 2
+  run "$expected" "$@"
+  grep -qF -- "$text" "$world/err" || fail "not said: $text"
+}
+says 1 "no option --bach" --bach -qpack pkg a.txt
+says 1 "--batch stands before" --batch -d pkg
+says 1 "no drive 'Q:'" -extract pkg pkg.tgz 'Q:\out'
+says 1 "network path" -qpack '\\server\share' a.txt
+
+# Started in a folder that has been deleted; with its standard streams closed; under a display that is none.
+mkdir gone && cd gone && rmdir ../gone
+says 1 "is gone" -qpack pkg a.txt
+cd "$HOME"
+status=0
+"$pakrune" --yes -qpack pkg "b c" >&- 2>&- <&- || status=$?
+[ "$status" = 0 ] && tar -tf "pkg/b c.tgz" >/dev/null || fail "closed streams: status $status"
+DISPLAY=:77 run 0 --yes -qpack pkg "b c"
+[ "$(cat "$world/out")" = "$HOME/pkg/b c.tgz" ] || fail "no display that opens: $(cat "$world/out")"
+
+# A name with a colon is that folder, not another one.
+mkdir out1 && echo mine >out1/a.txt
+run 0 -extract pkg "b c.tgz" 'C:\out:1'
+[ -f "out:1/b c" ] && [ "$(cat out1/a.txt)" = mine ] || fail "C:\\out:1 led elsewhere"
+run 0 --yes -qpack C:/pkg/usr8 set.ini
+holds ../usr8/ ../usr8/set.ini
+
+# An end signal: soon, with its own status, and nothing is made or printed.
+truncate -s 3G pkg/large
+before=$(cksum <pkg/pkg.tgz)
+for signal in TERM HUP; do
+  "$pakrune" --yes -qpack pkg large a.txt "b c" >"$world/out" 2>"$world/err" &
+  child=$!
+  sleep 0.6
+  begin=${EPOCHREALTIME/./}
+  kill -"$signal" "$child"
+  status=0
+  wait "$child" || status=$?
+  [ "$status" = $((128 + $(kill -l "$signal"))) ] || fail "status $status after SIG$signal"
+  [ $((${EPOCHREALTIME/./} - begin)) -lt 1000000 ] || fail "SIG$signal took long"
+  [ ! -s "$world/out" ] && [ "$(cksum <pkg/pkg.tgz)" = "$before" ] || fail "SIG$signal left something"
+  grep -q " Stopped: " "$world/err" || fail "no word of SIG$signal"
+  ls -A "$TMPDIR" pkg | grep -q _PK && fail "SIG$signal left a scratch folder"
+done
+rm pkg/large
+
 run 0 --help
 grep -q -- -qpack "$world/out" || fail "--help says nothing of -qpack"
 run 0 --version
