@@ -42,8 +42,16 @@ bool StartUp::run(const CommandLine& commandLine) {
   enterProgramFolder();
   checkPrivileges();
   prepareTools();
-  if (!dispatch(commandLine) || window_.ended()) return false;
-  return window_.isVisible() || showWindow();
+  const bool goesOn = dispatch(commandLine) && !ends() && (window_.isVisible() || showWindow());
+  busy_.reset();
+  return goesOn && !ends();
+}
+
+/// What a person would do next in the window.
+void StartUp::begin(void (frmMain::*action)()) {
+  window_.browsing().setLoading(false);
+  busy_.reset();
+  if (!ends()) (window_.*action)();
 }
 
 void StartUp::enterProgramFolder() {
@@ -103,11 +111,11 @@ bool StartUp::act(const CommandLine& commandLine) {
 
 /// False when it has been closed, before or now.
 bool StartUp::showWindow() {
-  if (window_.ended()) return false;
+  if (ends()) return false;
   window_.show();
   window_.activateWindow();
   program_.user.letEventsRun();
-  if (window_.ended()) return false;
+  if (ends()) return false;
   window_.browsing().goToSelected();
   return true;
 }
@@ -147,15 +155,14 @@ bool StartUp::openArchiveView(const CommandLine& commandLine) {
     normalTail();
     return true;
   }
-  if (showWindow()) window_.cmdExtract_Click();
+  if (showWindow()) begin(&frmMain::cmdExtract_Click);
   return true;
 }
 
 bool StartUp::pack(const CommandLine& commandLine) {
   selectNamed(commandLine);
   if (!showWindow()) return false;
-  window_.browsing().setLoading(false);
-  window_.cmdTar_Click();
+  begin(&frmMain::cmdTar_Click);
   return true;
 }
 
@@ -234,7 +241,7 @@ bool StartUp::paths(const CommandLine& commandLine) {
   takeSelection();
   if (!showWindow() || program_.selection.selectedCount() != 1) return true;
   const std::string& selected = program_.selection.selectedPaths.front();
-  if (runtime::IsArchiveName(selected) || selected.ends_with(".ipk")) window_.cmdExtract_Click();
+  if (runtime::IsArchiveName(selected) || selected.ends_with(".ipk")) begin(&frmMain::cmdExtract_Click);
   return true;
 }
 

@@ -1,16 +1,19 @@
 #pragma once
 
+#include <optional>
+
 #include "shell/CommandLine.h"
 #include "shell/ui/frmMain.h"
 
 namespace shell {
 
 /// What loading the main window does, in its order: folder, privileges, tools, permission test, and what the
-/// command line asks for. A step that fails is skipped. The locks are released however it ends, and the
-/// window is then shown unless the program ends.
+/// command line asks for. A step that fails is skipped. It holds the gate, except where it opens a window to
+/// work in. The locks are released however it ends, and the window is then shown unless the program ends.
 class StartUp {
  public:
-  explicit StartUp(frmMain& window) : window_(window), program_(window.program()) {}
+  explicit StartUp(frmMain& window)
+      : window_(window), program_(window.program()), busy_(std::in_place, program_.system.busy) {}
 
   /// False: the program ends.
   bool run(const CommandLine& commandLine);
@@ -33,9 +36,12 @@ class StartUp {
   void takeSelection();
   bool showWindow();
   void showLogged(std::size_t since);
+  bool ends() const { return window_.ended() || program_.system.busy.endRequested(); }
+  void begin(void (frmMain::*action)());
 
   frmMain& window_;
   Program& program_;
+  std::optional<platform::Busy::Scope> busy_;
 };
 
 }  // namespace shell

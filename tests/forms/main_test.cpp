@@ -1,5 +1,7 @@
 #include <QAction>
 #include <QApplication>
+#include <QCheckBox>
+#include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPlainTextEdit>
@@ -34,6 +36,12 @@ class NoPickers : public platform::desktop::FilePickers {
   std::string saveFile(const platform::desktop::FileRequest&) override { return ""; }
   std::string folder(const std::string&, const std::string&) override { return ""; }
 };
+
+QStringList labels(const QWidget& window) {
+  QStringList texts;
+  for (const QLabel* label : window.findChildren<QLabel*>()) texts.append(label->text());
+  return texts;
+}
 
 /// A main window over a disk of its own; `load` starts it as the arguments say.
 class MainTest : public testworld::World {
@@ -155,6 +163,38 @@ TEST_F(MainTest, KeysWorkFromEveryControl) {
   }
 }
 
+TEST_F(MainTest, HelpIsAskedForByKeyAndMenu) {
+  load({});
+  QTest::keyClick(&window_, Qt::Key_F1);
+  action("mnuContent")->trigger();
+  EXPECT_EQ(QString::fromStdString(logText()).count(" Unable to open: " + QString::fromStdString(program_) +
+                                                    "Pakrune.chm"),
+            2);
+}
+
+TEST_F(MainTest, WhileAJobRunsMenusDoNothingAndClosingStopsIt) {
+  load({"-d", "C:\\pkg"});
+  {
+    const platform::Busy::Scope job(busy_);
+    action("mnuAdmin")->trigger();
+    action("mnuAbout")->trigger();
+    QTest::keyClick(&window_, Qt::Key_A, Qt::ControlModifier);
+    write("pkg/late");
+    QTest::keyClick(&window_, Qt::Key_F5);
+    EXPECT_TRUE(windowPerson_.told.empty() && selected().empty());
+    EXPECT_EQ(window_.findChild<QDialog*>("frmAbout"), nullptr);
+    EXPECT_EQ(window_.paneItems().size(), 3U);
+  }
+  EXPECT_EQ(window_.paneItems().size(), 4U);  // listed again once it was over
+  {
+    const platform::Busy::Scope job(busy_);
+    action("mnuExit")->trigger();
+    EXPECT_TRUE(busy_.stopRequested());
+    EXPECT_TRUE(window_.isVisible());
+  }
+  EXPECT_TRUE(busy_.endRequested());
+}
+
 TEST_F(MainTest, AboutOpensFromTheLabelAndTheMenu) {
   load({});
   QTest::mouseClick(find("lblHalvoren"), Qt::LeftButton);
@@ -184,13 +224,36 @@ TEST_F(MainTest, WithoutPrivilegesTheNoticeComesOnlyOnTheFirstRun) {
   storeFirstRun();
   bool noticed = false;
   onNextModal([&noticed](QWidget& modal) {
-    noticed = modal.objectName() == "Dialog";
+    noticed = modal.objectName() == "Dialog" && modal.windowTitle() == "Pakrune: Admin Error";
+    EXPECT_EQ(labels(modal),
+              QStringList({"You must have Administrative privileges to change file permissions/ownership.",
+                           "These features may not work unless you obtain proper privileges.",
+                           "Please contact your system Administrator for more information."}));
     modal.close();
   });
   load({});
   EXPECT_TRUE(noticed);
   EXPECT_NE(logText().find("\nYou don't have administrative privileges!"), std::string::npos);
   EXPECT_FALSE(program_object_.isAdmin);
+}
+
+TEST_F(MainTest, WhereModesDoNotStickANoticeSaysSo) {
+  fs::remove(root_ + "/prog/bin/chmod.exe");
+  link("true", "chmod.exe");
+  storeFirstRun();
+  onNextModal([](QWidget& modal) {
+    EXPECT_EQ(modal.windowTitle(), QString("Pakrune: Notice"));
+    EXPECT_EQ(
+        labels(modal),
+        QStringList({"Pakrune has detected that the 'Set Permissions' feature will most likely NOT work.",
+                     "This is due to one or more of the following reasons:",
+                     "- You do not have proper privileges on the machine where this application resides",
+                     "- Permissions cannot be modified for files/folders residing on a FAT32 partition"}));
+    modal.findChild<QCheckBox*>("checkNoShow")->click();
+    modal.findChild<QPushButton*>("OKButton")->click();
+  });
+  load({});
+  EXPECT_FALSE(stored_.firstRun());
 }
 
 TEST_F(MainTest, MissingToolsAreReportedAndTheWindowOpens) {
