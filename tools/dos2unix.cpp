@@ -1,118 +1,254 @@
-// dos2unix FILE...: turns CR LF into LF in each file, which keeps its mode and owner. --safe and -U, which
-// the program passes, ask for what is done anyway. -q says nothing about a success.
+// dos2unix [--safe] [-U] [-q] [--] FILE...: turns CR LF into LF. A file that looks binary is left alone and
+// said so. --safe and -U ask for what is done anyway; -q says nothing about a success.
+//
+// Each file is converted into a new one beside it; when all are written the system is told once to keep them,
+// and only then they take the old ones' places. A file with several names is written anew in its place, out
+// of such a copy, which is removed last. So neither a crash nor a full disk costs more than the conversion.
 
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
+#include <optional>
+#include <set>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
+#include "dos2unix_text.h"
 #include "platform/Descriptor.h"
 
 namespace {
 
 using platform::Descriptor;
 
-enum class Result { Converted, Binary, Failed };
+constexpr std::size_t blockSize = std::size_t{1} << 20;
+constexpr const char* changedMeanwhile = "it was changed while it was being converted";
 
-bool readAll(int file, std::string& text) {
-  std::vector<char> block(64 * 1024);
-  while (true) {
-    const ssize_t count = read(file, block.data(), block.size());
-    if (count == 0) return true;
-    if (count < 0 && errno != EINTR) return false;
-    if (count > 0) text.append(block.data(), static_cast<std::size_t>(count));
-  }
+volatile std::sig_atomic_t ended = 0;
+void noteEnd(int number) { ended = number; }
+
+/// A converted copy that waits for its turn.
+struct Waiting {
+  std::string name;  ///< as it was given
+  std::string path;  ///< what it stands for, links followed
+  std::string copy;
+  struct stat old;
+};
+
+std::string systemError() { return std::strerror(errno); }
+
+std::optional<std::size_t> readBlock(int file, char* to) {
+  ssize_t count = 0;
+  do count = read(file, to, blockSize);
+  while (count < 0 && errno == EINTR);
+  return count < 0 ? std::nullopt : std::optional(static_cast<std::size_t>(count));
 }
 
-bool writeAll(int file, std::string_view text) {
-  while (!text.empty()) {
-    const ssize_t count = write(file, text.data(), text.size());
-    if (count < 0 && errno != EINTR) return false;
-    if (count > 0) text.remove_prefix(static_cast<std::size_t>(count));
+bool writeAll(int file, const char* bytes, std::size_t size) {
+  while (size > 0) {
+    const ssize_t count = write(file, bytes, size);
+    if (count < 0 && errno == EINTR) continue;
+    if (count <= 0) return false;
+    bytes += count;
+    size -= static_cast<std::size_t>(count);
   }
   return true;
 }
 
-/// A CR that stands alone, or before another CR, is not a line end and stays.
-std::string withUnixLineEnds(const std::string& text) {
-  std::string out;
-  out.reserve(text.size());
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if (text[i] != '\r' || i + 1 == text.size() || text[i + 1] != '\n') out += text[i];
+/// Names, values and access lists; false where one cannot be kept.
+bool copyExtendedAttributes(int from, int to) {
+  const ssize_t size = flistxattr(from, nullptr, 0);
+  if (size <= 0) return size == 0 || errno == ENOTSUP;
+  std::string names(static_cast<std::size_t>(size), '\0');
+  if (flistxattr(from, names.data(), names.size()) != size) return false;
+  for (std::size_t at = 0; at < names.size(); at += std::strlen(names.c_str() + at) + 1) {
+    const char* const name = names.c_str() + at;
+    const ssize_t length = fgetxattr(from, name, nullptr, 0);
+    std::string value(length < 0 ? 0 : static_cast<std::size_t>(length), '\0');
+    if (length < 0 || fgetxattr(from, name, value.data(), value.size()) != length ||
+        fsetxattr(to, name, value.data(), value.size(), 0) != 0)
+      return false;
   }
-  return out;
+  return true;
 }
 
-/// A new file beside the old one takes its place once it is whole. Where the owner cannot be kept, nothing is
-/// changed.
-bool replaceFile(const std::string& path, const struct stat& old, std::string_view text) {
-  std::string name = path.substr(0, path.rfind('/') + 1) + ".dos2unix-XXXXXX";
-  Descriptor file(mkostemp(name.data(), O_CLOEXEC));
-  if (!file) return false;
+/// Owner before mode: a change of owner takes the set-user-id bit.
+bool copyAttributes(int from, int to, const struct stat& old) {
   struct stat made {};
-  bool good = writeAll(file.get(), text) && fstat(file.get(), &made) == 0;
-  if (good && (made.st_uid != old.st_uid || made.st_gid != old.st_gid))
-    good = fchown(file.get(), old.st_uid, old.st_gid) == 0;
-  good = good && fchmod(file.get(), old.st_mode & 07777) == 0 && fsync(file.get()) == 0 && file.closeNow() &&
-         rename(name.c_str(), path.c_str()) == 0;
-  if (good) return true;
+  if (fstat(to, &made) != 0) return false;
+  const bool foreign = made.st_uid != old.st_uid || made.st_gid != old.st_gid;
+  return (!foreign || fchown(to, old.st_uid, old.st_gid) == 0) && copyExtendedAttributes(from, to) &&
+         fchmod(to, old.st_mode & 07777) == 0;
+}
+
+class Converter {
+ public:
+  explicit Converter(bool quiet) : quiet_(quiet) {}
+
+  void take(const std::string& name);  ///< looks at a file, and converts it into a copy
+  void finish();                       ///< puts all copies into their places
+  bool good() const { return good_; }
+
+ private:
+  bool scan(int file, dos2unix::Scan& found);
+  bool writeConverted(int from, int to);
+  bool makeCopy(int file, Waiting& waiting);
+  bool keep();
+  void place(const Waiting& waiting);
+  bool rewrite(const Waiting& waiting);
+  void failed(const std::string& name, const std::string& why);
+
+  bool quiet_;
+  bool good_ = true;
+  std::unique_ptr<char[]> block_ = std::make_unique<char[]>(blockSize + 1);
+  std::vector<Waiting> waiting_;
+  std::set<std::pair<dev_t, ino_t>> seen_;
+};
+
+void Converter::failed(const std::string& name, const std::string& why) {
+  good_ = false;
+  std::printf("dos2unix: %s: %s\n", dos2unix::shown(name).c_str(), why.c_str());
+}
+
+bool Converter::scan(int file, dos2unix::Scan& found) {
+  while (!found.binary() && ended == 0) {
+    const auto count = readBlock(file, block_.get());
+    if (!count || *count == 0) return count.has_value();
+    found.add({block_.get(), *count});
+  }
+  return true;
+}
+
+bool Converter::writeConverted(int from, int to) {
+  bool carriedCr = false;
+  while (ended == 0) {
+    // Room for the CR that ended the block before: whether it goes shows only now.
+    char* const begin = block_.get() + 1;
+    const auto count = readBlock(from, begin);
+    if (!count) return false;
+    if (*count == 0) return !carriedCr || writeAll(to, "\r", 1);
+    *block_.get() = '\r';
+    const bool carried = carriedCr;
+    const std::size_t size =
+        dos2unix::convert(begin - (carried ? 1 : 0), *count + (carried ? 1 : 0), carriedCr);
+    if (!writeAll(to, begin - (carried ? 1 : 0), size)) return false;
+  }
+  errno = EINTR;
+  return false;
+}
+
+bool Converter::makeCopy(int file, Waiting& waiting) {
+  waiting.copy = waiting.path.substr(0, waiting.path.rfind('/') + 1) + ".dos2unix-XXXXXX";
+  Descriptor copy(mkostemp(waiting.copy.data(), O_CLOEXEC));
+  if (!copy) return false;
+  const bool whole = lseek(file, 0, SEEK_SET) == 0 && writeConverted(file, copy.get()) &&
+                     copyAttributes(file, copy.get(), waiting.old) && copy.closeNow();
+  if (whole) return true;
   const int error = errno;
-  unlink(name.c_str());
+  unlink(waiting.copy.c_str());
   errno = error;
   return false;
 }
 
-/// A link's file is converted, and the link stays one.
-std::string realName(const std::string& path) {
-  char* const found = realpath(path.c_str(), nullptr);
-  const std::string real = found == nullptr ? "" : found;
-  std::free(found);
-  return real;
+void Converter::take(const std::string& name) {
+  const std::unique_ptr<char, decltype(&std::free)> real(realpath(name.c_str(), nullptr), std::free);
+  if (!real) return failed(name, systemError());
+  Waiting waiting{name, real.get(), "", {}};
+  const Descriptor file(open(real.get(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+  if (!file || fstat(file.get(), &waiting.old) != 0) return failed(name, systemError());
+  if (!S_ISREG(waiting.old.st_mode))
+    return failed(name, S_ISDIR(waiting.old.st_mode) ? "it is a folder" : "it is no regular file");
+  dos2unix::Scan found;
+  if (!scan(file.get(), found)) return failed(name, systemError());
+  if (found.binary()) {
+    std::printf("dos2unix: skipping binary file %s\n", dos2unix::shown(name).c_str());
+    return;
+  }
+  if (found.hasDosLines()) {
+    if (!seen_.emplace(waiting.old.st_dev, waiting.old.st_ino).second) return;  // under another name
+    if (!makeCopy(file.get(), waiting)) return failed(name, systemError());
+    waiting_.push_back(std::move(waiting));
+  } else if (!quiet_) {
+    std::printf("dos2unix: %s has unix line ends already\n", dos2unix::shown(name).c_str());
+  }
 }
 
-Result convert(const std::string& path) {
-  const std::string real = realName(path);
-  if (real.empty()) return Result::Failed;
-  const Descriptor file(open(real.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
-  struct stat status {};
-  if (!file || fstat(file.get(), &status) != 0) return Result::Failed;
-  if (!S_ISREG(status.st_mode)) {
-    errno = S_ISDIR(status.st_mode) ? EISDIR : EINVAL;
-    return Result::Failed;
+/// One sync a file system, however many files.
+bool Converter::keep() {
+  std::set<dev_t> done;
+  for (const Waiting& waiting : waiting_) {
+    if (!done.insert(waiting.old.st_dev).second) continue;
+    const Descriptor copy(open(waiting.copy.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
+    if (!copy || syncfs(copy.get()) != 0) return false;
   }
-  std::string text;
-  if (!readAll(file.get(), text)) return Result::Failed;
-  if (text.find('\0') != std::string::npos) return Result::Binary;
-  const std::string converted = withUnixLineEnds(text);
-  if (converted.size() == text.size()) return Result::Converted;
-  return replaceFile(real, status, converted) ? Result::Converted : Result::Failed;
+  return true;
 }
 
-bool handle(const std::string& path, bool quiet) {
-  switch (convert(path)) {
-    case Result::Converted:
-      if (!quiet) std::printf("dos2unix: converting file %s to unix format\n", path.c_str());
-      return true;
-    case Result::Binary:
-      std::printf("dos2unix: skipping binary file %s\n", path.c_str());
-      return true;
-    case Result::Failed:
-      std::printf("dos2unix: %s: %s\n", path.c_str(), std::strerror(errno));
-      return false;
+/// The other names stay names of the same file. Should this fail half-way, the copy is whole, and stays.
+bool Converter::rewrite(const Waiting& waiting) {
+  const Descriptor copy(open(waiting.copy.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
+  Descriptor file(open(waiting.path.c_str(), O_WRONLY | O_CLOEXEC));
+  if (!copy || !file) return false;
+  off_t size = 0;
+  while (true) {
+    const auto count = readBlock(copy.get(), block_.get());
+    if (!count || !writeAll(file.get(), block_.get(), *count)) return false;
+    if (*count == 0) break;
+    size += static_cast<off_t>(*count);
   }
-  return false;
+  // Writing takes the set-user-id bit.
+  return ftruncate(file.get(), size) == 0 && fchmod(file.get(), waiting.old.st_mode & 07777) == 0 &&
+         fsync(file.get()) == 0 && file.closeNow() && unlink(waiting.copy.c_str()) == 0;
+}
+
+void Converter::place(const Waiting& waiting) {
+  struct stat now {};
+  const struct stat& old = waiting.old;
+  const bool same = lstat(waiting.path.c_str(), &now) == 0 && now.st_ino == old.st_ino &&
+                    now.st_dev == old.st_dev && now.st_size == old.st_size &&
+                    now.st_mtim.tv_sec == old.st_mtim.tv_sec && now.st_mtim.tv_nsec == old.st_mtim.tv_nsec;
+  if (!same) {
+    unlink(waiting.copy.c_str());
+    return failed(waiting.name, changedMeanwhile);
+  }
+  if (now.st_nlink > 1) {
+    if (!rewrite(waiting))
+      return failed(waiting.name,
+                    systemError() + "; the whole converted file is " + dos2unix::shown(waiting.copy));
+  } else if (rename(waiting.copy.c_str(), waiting.path.c_str()) != 0) {
+    const std::string why = systemError();
+    unlink(waiting.copy.c_str());
+    return failed(waiting.name, why);
+  }
+  if (!quiet_) std::printf("dos2unix: converted %s to unix format\n", dos2unix::shown(waiting.name).c_str());
+}
+
+void Converter::finish() {
+  const bool kept = ended == 0 && keep();
+  const std::string why = ended == 0 ? systemError() : "the run was ended";
+  for (const Waiting& waiting : waiting_) {
+    if (kept && ended == 0) {
+      place(waiting);
+    } else {
+      unlink(waiting.copy.c_str());
+      failed(waiting.name, ended == 0 ? why : "the run was ended");
+    }
+  }
 }
 
 }  // namespace
 
 int main(int count, char** words) {
+  for (const int number : {SIGINT, SIGTERM, SIGHUP}) std::signal(number, noteEnd);
   bool quiet = false;
   bool optionsEnded = false;
   std::vector<std::string> files;
@@ -125,13 +261,23 @@ int main(int count, char** words) {
     } else if (word == "-q") {
       quiet = true;
     } else if (word != "--safe" && word != "-U") {
-      std::printf("dos2unix: unknown option %s\n", word.c_str());
+      std::printf("dos2unix: unknown option %s\n", dos2unix::shown(word).c_str());
       return 1;
     }
   }
-  bool good = true;
-  for (const std::string& file : files) good = handle(file, quiet) && good;
-  // The program reads this as "nothing failed", so one bad file among good ones is not missed.
+  Converter converter(quiet);
+  for (const std::string& file : files) {
+    if (ended != 0) break;
+    converter.take(file);
+  }
+  converter.finish();
+  // The caller reads this as "nothing failed", so one bad file among good ones is not missed.
+  const bool good = converter.good() && ended == 0;
   if (good && !quiet) std::printf("dos2unix: done.\n");
-  return good && std::fflush(stdout) == 0 ? 0 : 1;
+  const bool written = std::fflush(stdout) == 0;
+  if (ended != 0) {
+    std::signal(ended, SIG_DFL);
+    std::raise(ended);
+  }
+  return good && written ? 0 : 1;
 }

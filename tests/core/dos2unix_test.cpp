@@ -1,0 +1,137 @@
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/xattr.h>
+
+#include <csignal>
+
+#include "tests/OrdinaryUser.h"
+#include "tests/World.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+/// The built program, as the runner starts it.
+class Dos2UnixTest : public testworld::World {
+ protected:
+  Dos2UnixTest() { fs::current_path(host("")); }
+  ~Dos2UnixTest() override { fs::current_path("/"); }
+
+  /// Its output; the status is kept.
+  std::string run(const std::string& files) {
+    const std::string tool =
+        fs::read_symlink("/proc/self/exe").parent_path().parent_path() / "bin/dos2unix.exe";
+    std::string text = output("'" + tool + "' --safe -U  " + files + " 2>&1; echo $?");
+    text.pop_back();
+    status_ = text.back() - '0';
+    text.pop_back();
+    return text;
+  }
+  static struct stat statusOf(const std::string& path) {
+    struct stat status {};
+    EXPECT_EQ(stat(path.c_str(), &status), 0) << path;
+    return status;
+  }
+  bool clean() const { return output("ls -A " + host("") + " | grep -c dos2unix- || true") == "0\n"; }
+
+  int status_ = 0;
+};
+
+TEST_F(Dos2UnixTest, OnlyLineEndsChange) {
+  const std::string large = std::string((1 << 20) - 1, 'x') + "\r\ny\r";  // a line end between two blocks
+  const std::vector<std::pair<std::string, std::string>> texts = {
+      {"a\r\nb\r\n", "a\nb\n"},
+      {"a\rb\r\r\nc", "a\rb\r\nc"},
+      {"\r\n", "\n"},
+      {"no end\r\nlast\r", "no end\nlast\r"},
+      {"\t\v\f\b\x1B[1m\r\n\x1A", "\t\v\f\b\x1B[1m\n\x1A"},
+      {"caf\xC3\xA9 \xE9\r\n", "caf\xC3\xA9 \xE9\n"},
+      {large, std::string((1 << 20) - 1, 'x') + "\ny\r"},
+      {"", ""}};
+  std::string names;
+  for (std::size_t i = 0; i < texts.size(); ++i) {
+    write(std::to_string(i), texts[i].first);
+    names += std::to_string(i) + ' ';
+  }
+  EXPECT_TRUE(run(names).ends_with("dos2unix: done.\n"));
+  EXPECT_EQ(status_, 0);
+  for (std::size_t i = 0; i < texts.size(); ++i)
+    EXPECT_TRUE(bytes(std::to_string(i)) == texts[i].second) << i;
+  EXPECT_TRUE(clean());
+}
+
+TEST_F(Dos2UnixTest, BinaryFilesAreLeftAloneAndSaidSo) {
+  const std::vector<std::string> texts = {std::string("a\0\r\n", 4), "a\x01\r\n", "\x7F\r\n", "\x1A\r\n",
+                                          std::string("\xFF\xFE"
+                                                      "a\0\r\0\n\0",
+                                                      8)};
+  for (std::size_t i = 0; i < texts.size(); ++i) {
+    write("b", texts[i]);
+    EXPECT_EQ(run("b"), "dos2unix: skipping binary file b\ndos2unix: done.\n") << i;
+    EXPECT_EQ(bytes("b"), texts[i]);
+  }
+}
+
+TEST_F(Dos2UnixTest, AFileKeepsAllButItsBytes) {
+  write("f", "a\r\n");
+  write("same", "a\n");
+  const bool root = geteuid() == 0;
+  if (root) {
+    ASSERT_EQ(chown(host("f").c_str(), 500, 1), 0);
+  }
+  chmod(host("f").c_str(), 04751);
+  const bool attributes = setxattr(host("f").c_str(), "user.note", "kept", 4, 0) == 0;
+  fs::create_symlink("f", host("link"));
+  fs::last_write_time(host("same"), fs::file_time_type::clock::now() - std::chrono::hours(1));
+  const struct stat before = statusOf(host("same"));
+  run("link same");
+  EXPECT_EQ(bytes("f"), "a\n");
+  EXPECT_TRUE(fs::is_symlink(host("link")));
+  const struct stat now = statusOf(host("f"));
+  EXPECT_EQ(now.st_mode & 07777, 04751U);
+  EXPECT_TRUE(!root || (now.st_uid == 500 && now.st_gid == 1));
+  char value[5] = "";
+  EXPECT_TRUE(!attributes || getxattr(host("f").c_str(), "user.note", value, 4) == 4);
+  EXPECT_EQ(statusOf(host("same")).st_mtim.tv_nsec, before.st_mtim.tv_nsec);
+  EXPECT_EQ(statusOf(host("same")).st_ino, before.st_ino);
+}
+
+TEST_F(Dos2UnixTest, OtherNamesStayNamesOfTheFile) {
+  write("one", "a\r\n\r\n");
+  chmod(host("one").c_str(), 04755);
+  fs::create_hard_link(host("one"), host("two"));
+  EXPECT_TRUE(run("one two").ends_with("done.\n"));
+  EXPECT_EQ(bytes("two"), "a\n\n");
+  EXPECT_EQ(statusOf(host("one")).st_ino, statusOf(host("two")).st_ino);
+  EXPECT_EQ(statusOf(host("one")).st_mode & 07777, 04755U);
+  EXPECT_TRUE(clean());
+}
+
+TEST_F(Dos2UnixTest, WhatCannotBeConvertedIsNamedAndNeverCalledDone) {
+  write("good", "a\r\n");
+  fs::create_directory(host("folder"));
+  ASSERT_EQ(mkfifo(host("pipe").c_str(), 0600), 0);
+  const std::string said = run("gone folder pipe good 'x: done.\nskipping binary file'");
+  EXPECT_EQ(status_, 1);
+  EXPECT_EQ(bytes("good"), "a\n");
+  EXPECT_TRUE(
+      said.starts_with("dos2unix: gone: No such file or directory\ndos2unix: folder: it is a folder\n"
+                       "dos2unix: pipe: it is no regular file\n"
+                       "dos2unix: x: \\x64one.\\x0A\\x73kipping binary file: No such"))
+      << said;
+  EXPECT_EQ(said.find("done."), std::string::npos);
+}
+
+TEST_F(Dos2UnixTest, AFullDiskOrAClosedFolderLosesNothing) {
+  const std::string text(100'000, 'x');
+  write("f", text + "\r\n");
+  const std::string limited = "sh -c 'ulimit -f 1; trap \"\" XFSZ; exec ";
+  const std::string tool =
+      fs::read_symlink("/proc/self/exe").parent_path().parent_path() / "bin/dos2unix.exe";
+  const std::string said = output(limited + tool + " f'");
+  EXPECT_TRUE(said.starts_with("failed: dos2unix: f: File too large")) << said;
+  EXPECT_EQ(bytes("f"), text + "\r\n");
+  EXPECT_TRUE(clean());
+}
+
+}  // namespace

@@ -1,0 +1,75 @@
+#include "dos2unix_text.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace dos2unix {
+namespace {
+
+constexpr char endMark = 0x1A;
+constexpr std::string_view lookedFor[] = {"done.", "skipping binary file"};
+
+/// Without a branch, so that the compiler takes many bytes at a time.
+bool holdsControls(std::string_view block) {
+  unsigned found = 0;
+  for (const char c : block) {
+    const auto byte = static_cast<unsigned char>(c);
+    const unsigned low = byte < 0x20;
+    const unsigned text = (byte >= '\b') & (byte <= '\r');
+    found |= (low & (text ^ 1U) & (byte != 0x1B)) | (byte == 0x7F);
+  }
+  return found != 0;
+}
+
+std::string escaped(char c) {
+  constexpr std::string_view digits = "0123456789ABCDEF";
+  const auto byte = static_cast<unsigned char>(c);
+  return {'\\', 'x', digits[byte >> 4], digits[byte & 0xF]};
+}
+
+}  // namespace
+
+void Scan::add(std::string_view block) {
+  if (block.empty()) return;
+  binary_ = binary_ || endMark_;  // something follows it
+  endMark_ = block.back() == endMark;
+  if (endsInCr_ && block.front() == '\n') dosLines_ = true;
+  endsInCr_ = block.back() == '\r';
+  dosLines_ = dosLines_ || block.find("\r\n") != block.npos;
+  if (endMark_) block.remove_suffix(1);
+  binary_ = binary_ || holdsControls(block);
+}
+
+std::size_t convert(char* block, std::size_t size, bool& carriedCr) {
+  char* to = block;
+  const char* from = block;
+  const char* const end = block + size;
+  carriedCr = false;
+  while (from != end) {
+    const auto* cr = static_cast<const char*>(std::memchr(from, '\r', static_cast<std::size_t>(end - from)));
+    const char* const stop = cr == nullptr ? end : cr;
+    const auto length = static_cast<std::size_t>(stop - from);
+    if (to != from) std::memmove(to, from, length);
+    to += length;
+    from = stop;
+    if (cr == nullptr) break;
+    ++from;
+    carriedCr = from == end;
+    if (!carriedCr && *from != '\n') *to++ = '\r';
+  }
+  return static_cast<std::size_t>(to - block);
+}
+
+std::string shown(std::string_view name) {
+  std::string text;
+  for (std::size_t i = 0; i < name.size(); ++i) {
+    const bool word = std::any_of(std::begin(lookedFor), std::end(lookedFor), [&](std::string_view looked) {
+      return name.substr(i).starts_with(looked);
+    });
+    const auto byte = static_cast<unsigned char>(name[i]);
+    text += word || byte < 0x20 || byte >= 0x7F || byte == '\\' ? escaped(name[i]) : std::string(1, name[i]);
+  }
+  return text;
+}
+
+}  // namespace dos2unix
