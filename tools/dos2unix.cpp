@@ -32,9 +32,12 @@ using platform::Descriptor;
 
 constexpr std::size_t blockSize = std::size_t{1} << 20;
 constexpr const char* changedMeanwhile = "it was changed while it was being converted";
+constexpr const char* endedMeanwhile = "the run was ended";
 
 volatile std::sig_atomic_t ended = 0;
 void noteEnd(int number) { ended = number; }
+
+enum class Kind { Dos, Unix, Binary };
 
 /// A converted copy that waits for its turn.
 struct Waiting {
@@ -99,9 +102,9 @@ class Converter {
   bool good() const { return good_; }
 
  private:
-  bool scan(int file, dos2unix::Scan& found);
-  bool writeConverted(int from, int to);
-  bool makeCopy(int file, Waiting& waiting);
+  bool writeBlock(int to, std::size_t count, bool& carriedCr);
+  static bool openCopy(Waiting& waiting, Descriptor& copy);
+  std::optional<Kind> copyConverted(int file, Waiting& waiting);
   bool keep();
   void place(const Waiting& waiting);
   bool rewrite(const Waiting& waiting);
@@ -119,44 +122,49 @@ void Converter::failed(const std::string& name, const std::string& why) {
   std::printf("dos2unix: %s: %s\n", dos2unix::shown(name).c_str(), why.c_str());
 }
 
-bool Converter::scan(int file, dos2unix::Scan& found) {
-  while (!found.binary() && ended == 0) {
-    const auto count = readBlock(file, block_.get());
-    if (!count || *count == 0) return count.has_value();
-    found.add({block_.get(), *count});
-  }
-  return true;
+/// `from` may begin with a CR that the block before ended in: whether it goes shows only now.
+bool Converter::writeBlock(int to, std::size_t count, bool& carriedCr) {
+  const bool carried = carriedCr;
+  char* const begin = block_.get() + (carried ? 0 : 1);
+  if (carried) *begin = '\r';
+  const std::size_t size = dos2unix::convert(begin, count + (carried ? 1 : 0), carriedCr);
+  return writeAll(to, begin, size);
 }
 
-bool Converter::writeConverted(int from, int to) {
+bool Converter::openCopy(Waiting& waiting, Descriptor& copy) {
+  waiting.copy = waiting.path.substr(0, waiting.path.rfind('/') + 1) + ".dos2unix-XXXXXX";
+  copy = Descriptor(mkostemp(waiting.copy.data(), O_CLOEXEC));
+  if (!copy) waiting.copy.clear();
+  return static_cast<bool>(copy);
+}
+
+/// Reads once where the first block has a line end to convert, as most files do. nullopt: an error.
+std::optional<Kind> Converter::copyConverted(int file, Waiting& waiting) {
+  Descriptor copy;
+  dos2unix::Scan found;
   bool carriedCr = false;
-  while (ended == 0) {
-    // Room for the CR that ended the block before: whether it goes shows only now.
-    char* const begin = block_.get() + 1;
-    const auto count = readBlock(from, begin);
-    if (!count) return false;
-    if (*count == 0) return !carriedCr || writeAll(to, "\r", 1);
-    *block_.get() = '\r';
-    const bool carried = carriedCr;
-    const std::size_t size =
-        dos2unix::convert(begin - (carried ? 1 : 0), *count + (carried ? 1 : 0), carriedCr);
-    if (!writeAll(to, begin - (carried ? 1 : 0), size)) return false;
+  for (bool first = true; ended == 0; first = false) {
+    const auto count = readBlock(file, block_.get() + 1);
+    if (!count) return std::nullopt;
+    if (*count == 0) break;
+    found.add({block_.get() + 1, *count});
+    if (found.binary()) return Kind::Binary;
+    if (!copy && found.hasDosLines()) {
+      if (!openCopy(waiting, copy)) return std::nullopt;
+      if (!first) {  // from the beginning, writing now
+        if (lseek(file, 0, SEEK_SET) != 0) return std::nullopt;
+        found = {};
+        continue;
+      }
+    }
+    if (copy && !writeBlock(copy.get(), *count, carriedCr)) return std::nullopt;
   }
   errno = EINTR;
-  return false;
-}
-
-bool Converter::makeCopy(int file, Waiting& waiting) {
-  waiting.copy = waiting.path.substr(0, waiting.path.rfind('/') + 1) + ".dos2unix-XXXXXX";
-  Descriptor copy(mkostemp(waiting.copy.data(), O_CLOEXEC));
-  if (!copy) return false;
-  const bool whole = lseek(file, 0, SEEK_SET) == 0 && writeConverted(file, copy.get()) &&
+  if (ended != 0) return std::nullopt;
+  if (!copy) return Kind::Unix;
+  const bool whole = (!carriedCr || writeAll(copy.get(), "\r", 1)) &&
                      copyAttributes(file, copy.get(), waiting.old) && copy.closeNow();
-  if (whole) return true;
-  const int error = errno;
-  unlink(waiting.copy.c_str());
-  errno = error;
-  return false;
+  return whole ? std::optional(Kind::Dos) : std::nullopt;
 }
 
 void Converter::take(const std::string& name) {
@@ -167,19 +175,20 @@ void Converter::take(const std::string& name) {
   if (!file || fstat(file.get(), &waiting.old) != 0) return failed(name, systemError());
   if (!S_ISREG(waiting.old.st_mode))
     return failed(name, S_ISDIR(waiting.old.st_mode) ? "it is a folder" : "it is no regular file");
-  dos2unix::Scan found;
-  if (!scan(file.get(), found)) return failed(name, systemError());
-  if (found.binary()) {
-    std::printf("dos2unix: skipping binary file %s\n", dos2unix::shown(name).c_str());
+  if (!seen_.emplace(waiting.old.st_dev, waiting.old.st_ino).second) return;  // under another name
+  const std::optional<Kind> kind = copyConverted(file.get(), waiting);
+  if (kind == Kind::Dos) {
+    waiting_.push_back(std::move(waiting));
     return;
   }
-  if (found.hasDosLines()) {
-    if (!seen_.emplace(waiting.old.st_dev, waiting.old.st_ino).second) return;  // under another name
-    if (!makeCopy(file.get(), waiting)) return failed(name, systemError());
-    waiting_.push_back(std::move(waiting));
-  } else if (!quiet_) {
+  const std::string why = systemError();
+  if (!waiting.copy.empty()) unlink(waiting.copy.c_str());
+  if (!kind)
+    failed(name, ended == 0 ? why : endedMeanwhile);
+  else if (*kind == Kind::Binary)
+    std::printf("dos2unix: skipping binary file %s\n", dos2unix::shown(name).c_str());
+  else if (!quiet_)
     std::printf("dos2unix: %s has unix line ends already\n", dos2unix::shown(name).c_str());
-  }
 }
 
 /// One sync a file system, however many files.
@@ -234,13 +243,13 @@ void Converter::place(const Waiting& waiting) {
 
 void Converter::finish() {
   const bool kept = ended == 0 && keep();
-  const std::string why = ended == 0 ? systemError() : "the run was ended";
+  const std::string why = systemError();
   for (const Waiting& waiting : waiting_) {
     if (kept && ended == 0) {
       place(waiting);
     } else {
       unlink(waiting.copy.c_str());
-      failed(waiting.name, ended == 0 ? why : "the run was ended");
+      failed(waiting.name, ended == 0 ? why : endedMeanwhile);
     }
   }
 }
