@@ -91,6 +91,11 @@ std::optional<std::time_t> Files::modifiedTime(std::string_view path) const {
   return status->st_mtime;
 }
 
+bool Files::isLink(std::string_view path) const {
+  const auto status = statusOf(drives_.toHost(path), AT_SYMLINK_NOFOLLOW);
+  return status && S_ISLNK(status->st_mode);
+}
+
 std::string Files::fullName(std::string_view path) const {
   const std::optional<std::string> host = drives_.toHost(path);
   if (drives_.isRoot(path) || !statusOf(host, AT_SYMLINK_NOFOLLOW)) return "";

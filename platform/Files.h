@@ -23,6 +23,7 @@ class Files {
   bool entryExists(std::string_view path) const;                       ///< a dangling link exists too (lstat)
   std::optional<std::uint64_t> fileSize(std::string_view path) const;  ///< bytes
   std::optional<std::time_t> modifiedTime(std::string_view path) const;
+  bool isLink(std::string_view path) const;  ///< a symbolic one, wherever it leads
   std::string fullName(
       std::string_view path) const;  ///< name on disk exactly as found, or empty (a case-exact Dir())
 
