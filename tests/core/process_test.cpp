@@ -189,9 +189,11 @@ TEST_F(ProcessTest, AChildHasACleanWorld) {
 
 TEST_F(ProcessTest, TheEnvironmentIsOursToSay) {
   const std::string hostPath = "PATH=:/usr/bin:.:" + host("disk") + "/x:rel:/a;b:/usr/bin/";
-  const char* const start[] = {hostPath.c_str(), "Path=other",  "LC_ALL=de_DE",    "POSIXLY_CORRECT=1",
-                               "GZIP=-1",        "KEPT=a=b",    "KEPT=second",     "noEquals",
-                               "TAR_OPTIONS=-h", "=nameless=x", "LS_BLOCK_SIZE=1", nullptr};
+  const char* const start[] = {hostPath.c_str(), "Path=other",   "LC_ALL=de_DE",    "POSIXLY_CORRECT=1",
+                               "GZIP=-1",        "KEPT=a=b",     "KEPT=second",     "noEquals",
+                               "TAR_OPTIONS=-h", "=nameless=x",  "LS_BLOCK_SIZE=1", "LANGUAGE=de",
+                               "PIGZ=-1",        "BZIP=-1",      "BZIP2=-1",        "LBZIP2=-1",
+                               "TIME_STYLE=+%s", "BLOCK_SIZE=1", "QUOTING_STYLE=c", nullptr};
   platform::Environment environment(drives_, start);
   EXPECT_EQ(environment.get("pAtH"), "Z:\\usr\\bin;.;C:\\x;rel;Z:\\usr\\bin");
   EXPECT_EQ(environment.get("kept"), "");
