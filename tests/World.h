@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -21,17 +22,24 @@ class Person : public runtime::UserInterface {
   runtime::Answer message(const std::string& text, runtime::Buttons buttons, runtime::Icon,
                           const std::string& title, runtime::Consequence) override {
     told.push_back(title + "|" + text);
+    if (onMessage) onMessage();
     if (buttons == runtime::Buttons::YesNo) return agrees ? runtime::Answer::Yes : runtime::Answer::No;
     return agrees ? runtime::Answer::Ok : runtime::Answer::Cancel;
   }
   void showCommand(const std::string& title, const std::string&, const std::string& text) override {
     told.push_back(title + "|" + text);
   }
-  void letEventsRun() override { ++yields; }
+  void letEventsRun() override {
+    ++yields;
+    if (onEvents) onEvents();
+  }
   void consoleOutput(std::string_view) override {}
   void consoleOpened(const std::string& title) override { consoles.push_back(title); }
-  void consoleClosed() override {}
+  void consoleClosed() override {
+    if (onClosed) onClosed();
+  }
 
+  std::function<void()> onMessage, onEvents, onClosed;
   bool agrees = true;
   int yields = 0;
   std::vector<std::string> told;
