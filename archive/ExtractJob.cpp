@@ -73,6 +73,7 @@ bool ExtractJob::moveIn(const std::string& from) {
   bool all = entries.has_value();
   for (const auto& entry : entries.value_or(std::vector<platform::Files::Entry>())) {
     const std::string target = plan_.outFolder + entry.name;
+    if (entry.name == ScratchFolder::lockName) continue;
     if (files.rename(from + '\\' + entry.name, target)) continue;
     services_.log.append(" Unable to write file: " + target);
     all = false;

@@ -1,145 +1,89 @@
 #include "archive/PackJob.h"
 
-#include <string_view>
+#include <algorithm>
 
-#include "archive/ListingLine.h"
-#include "archive/NamesFile.h"
-#include "platform/CopyAttributes.h"
-#include "platform/ResolvedPath.h"
+#include "archive/PackList.h"
+#include "archive/PackRun.h"
 
 namespace archive {
 namespace {
 
+using runtime::Answer;
 using runtime::Buttons;
+using runtime::Consequence;
 using runtime::Icon;
+using runtime::JobEnd;
 
-constexpr int filesChanged = 1;  ///< tar's status when a file changed while it was read
-constexpr int fatalError = 2;
-
-constexpr const char* missingFiles =
-    "Error: Unable to locate necessary program files.\rTry reinstalling the application";
-constexpr const char* unknownError = "Error: An unknown error occurred.\rTry reinstalling Pakrune or Cygwin";
-constexpr const char* failedPrompt =
-    "Error: Unable to run necessary program files.\r\r"
-    "If Cygwin is installed, make sure that the 'tar' package was also installed.\r"
-    "Otherwise, try reinstalling Pakrune\r\rThe command that attempted to run is below:";
+/// A name without a folder lies in the folder that is shown.
+std::string wholeOutputPath(std::string path, const std::string& currentFolder) {
+  std::replace(path.begin(), path.end(), '/', '\\');
+  const bool whole = path.starts_with('\\') || (path.size() > 2 && path[1] == ':');
+  return whole ? path : runtime::withTrailingBackslash(currentFolder) + path;
+}
 
 }  // namespace
 
-PackJob::PackJob(const runtime::Services& services, PackPlan plan)
+PackJob::PackJob(const runtime::Services& services, PackSelection selection, PackSettings settings)
     : services_(services),
-      plan_(std::move(plan)),
-      roots_(packedRoots(services_.system.drives, plan_.list, staged(), plan_.insideUsr8)) {}
-
-PackOutcome PackJob::run() {
-  std::optional<Staging> staging;
-  if (staged()) {
-    staging.emplace(services_.system, services_.api, services_.cygwin, services_.log);
-    if (!staging->copy(plan_.list, plan_.insideUsr8)) return PackOutcome::Failed;
-  }
-  if (!openPlace() || !writeList()) return refuseToWrite();
-  const std::string command = tarCommand(plan_.settings, plan_.kind, plan_.mode, plan_.list, listText_,
-                                         staging ? staging->tmpFolder() : "", file_);
-  const runtime::ToolResult run = services_.api.RunAndWait(command);
-  staging.reset();
-  return finish(run, command);
+      selection_(std::move(selection)),
+      settings_(std::move(settings)),
+      kind_(runtime::archiveKind(settings_.outputPath)) {
+  settings_.outputPath = wholeOutputPath(settings_.outputPath, selection_.currentFolder);
+  result_.path = settings_.outputPath;
 }
 
-/// Beside the output where that is not packed: then a rename is enough, whatever the size. A staged run
-/// packs its own copies, so every place is free.
-bool PackJob::openPlace() {
+PackResult PackJob::run() {
+  const platform::Busy& busy = services_.system.busy;
+  if (!busy.stopRequested() && mayWrite() && mayReplace() && settleMode()) result_.end = create();
+  // What asks after a stop is refused, which is no answer of the user's.
+  if (result_.end == JobEnd::Refused && busy.stopRequested()) result_.end = JobEnd::Stopped;
+  if (result_.end == JobEnd::Stopped) services_.log.append(" Stopped: creating " + result_.path);
+  return result_;
+}
+
+bool PackJob::refuse(const std::string& problem, const char* title) {
+  services_.user.message(problem, Buttons::Ok, Icon::Critical, title);
+  return false;
+}
+
+bool PackJob::mayWrite() {
   const platform::Files& files = services_.system.files;
-  const std::string folder = runtime::getFilePath(target());
-  if (!files.folderExists(folder)) return false;
-  if (staged() || memberName(roots_, platform::resolvedPath(services_.system.drives, folder + "_PK")).empty())
-    place_.emplace(files, services_.log, folder);
-  if (!place_ || !*place_) place_.emplace(files, services_.log, services_.api.GetTempDir());
-  if (!*place_) return false;
-  file_ = place_->path() + '\\' + runtime::GetFileName(target());
-  const bool appends = plan_.mode == 'r' && files.fileExists(target());
-  return !appends || files.copyFile(target(), file_);
-}
-
-/// The output, and the place where no free one was found, stay out of the folders that hold them.
-std::string PackJob::exclusions() const {
-  std::string text;
-  for (const std::string& path : {target(), place_->path()}) {
-    const std::string member = memberName(roots_, platform::resolvedPath(services_.system.drives, path));
-    if (!member.empty()) text += "\"--exclude=" + member + "\" ";
+  if (!kind_ || *kind_ == runtime::ArchiveKind::Ipk) {
+    result_.unknownExtension = true;
+    return refuse("Unrecognized Tar file extension", "Output file error..");
   }
-  return text.empty() ? text : "--anchored --no-wildcards " + text;
+  if (files.folderExists(result_.path)) return refuse("'" + result_.path + "' is a folder");
+  if (files.isSpecial(result_.path)) return refuse("'" + result_.path + "' is not a file");
+  return true;
 }
 
-bool PackJob::writeList() {
-  const bool allBelowUsr8 = staged() && plan_.insideUsr8;
-  const std::string names = allBelowUsr8 ? "" : quotedNames(plan_.list.names);
-  listText_ = exclusions();
-  if (names.size() <= longestNameList) {
-    listText_ += names;
-    return true;
-  }
-  const std::string namesFile = place_->path() + "\\names";
-  listText_ += namesFileOptions(namesFile);
-  return services_.system.files.writeText(namesFile, namesFileText(plan_.list.names));
+bool PackJob::mayReplace() {
+  replaces_ = services_.system.files.entryExists(result_.path);
+  if (!replaces_) return true;
+  return services_.user.message("'" + result_.path + "' already exists.\rOverwrite?", Buttons::YesNo,
+                                Icon::None, runtime::programTitle,
+                                Consequence::ReplacesSomething) == Answer::Yes;
 }
 
-/// The command as a person would type it: without staging, and with the archive's own name.
-std::string PackJob::statedCommand() const {
-  return tarCommand(plan_.settings, plan_.kind, plan_.mode, plan_.list, quotedNames(plan_.list.names), "",
-                    target());
+/// Whether the run goes on; an append to a compressed archive becomes a new file when the user agrees.
+bool PackJob::settleMode() {
+  if (!settings_.append || result_.path.ends_with("tar")) return true;
+  if (services_.user.message("Unable to append to a compressed tar archive\rCreate a new file instead?",
+                             Buttons::OkCancel, Icon::None, "Unable to Append",
+                             Consequence::MakesSomethingNew) != Answer::Ok)
+    return false;
+  settings_.append = false;
+  result_.madeNew = true;
+  return true;
 }
 
-/// The archive keeps mode and owner of the one that it replaces.
-bool PackJob::moveToTarget() {
-  const platform::Files& files = services_.system.files;
-  if (files.fileExists(target())) platform::copyModeAndOwner(services_.system.drives, target(), file_);
-  return files.rename(file_, target()) || files.copyFile(file_, target());
-}
-
-PackOutcome PackJob::finish(const runtime::ToolResult& run, const std::string& command) {
-  if (run.status != 0 && run.status != filesChanged) {
-    reportFailure(run, command);
-    return PackOutcome::Failed;
-  }
-  if (!services_.system.files.fileExists(file_)) return PackOutcome::Failed;
-  if (!moveToTarget()) return refuseToWrite();
-  if (run.status == 0) {
-    services_.log.append(" Created file: " + target());
-    return PackOutcome::Created;
-  }
-  logRemarks(run);
-  services_.log.append(" Archive kept, though files changed while they were read: " + target());
-  services_.user.message(unknownError, Buttons::Ok, Icon::None);
-  return PackOutcome::Failed;
-}
-
-PackOutcome PackJob::refuseToWrite() {
-  services_.log.append(" Unable to write file: " + target());
-  showFailedCommand();
-  return PackOutcome::Failed;
-}
-
-void PackJob::reportFailure(const runtime::ToolResult& run, const std::string& command) {
-  const bool earlier = services_.system.files.entryExists(target());
-  logRemarks(run);
-  if (run.status == fatalError) services_.log.append(" Failed command: " + command);
-  services_.log.append(" Partial archive removed" +
-                       std::string(earlier ? ", the earlier file is unchanged: " : ": ") + target());
-  if (run.status == platform::notStarted)
-    services_.user.message(missingFiles, Buttons::Ok, Icon::Critical);
-  else if (run.status == fatalError)
-    showFailedCommand();
-  else
-    services_.user.message(unknownError, Buttons::Ok, Icon::None);
-}
-
-void PackJob::showFailedCommand() {
-  services_.user.showCommand(std::string(runtime::programTitle) + ": Error", failedPrompt, statedCommand());
-}
-
-void PackJob::logRemarks(const runtime::ToolResult& run) {
-  for (const std::string_view line : completeLines(run.text))
-    if (isRemark(line)) services_.log.append(std::string(line));
+JobEnd PackJob::create() {
+  NameList list = nameList(services_.system.files, settings_, selection_);
+  services_.cygwin.SetCygwinEnvironment();
+  services_.api.SetCurDir(services_.cygwin.cygwinBin());
+  const char mode = settings_.append ? 'r' : 'c';
+  return PackRun(services_, {settings_, *kind_, mode, std::move(list), insideUsr8(selection_), replaces_})
+      .run();
 }
 
 }  // namespace archive

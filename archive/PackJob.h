@@ -2,51 +2,40 @@
 
 #include <optional>
 #include <string>
-#include <vector>
 
 #include "archive/PackCommand.h"
-#include "archive/PackRunner.h"
-#include "archive/PackedRoots.h"
-#include "archive/Staging.h"
+#include "runtime/JobEnd.h"
+#include "runtime/Services.h"
 
 namespace archive {
 
-/// All that is settled before tar starts.
-struct PackPlan {
-  PackSettings settings;
-  runtime::ArchiveKind kind;
-  char mode;  ///< 'c', or 'r' to append
-  NameList list;
-  bool insideUsr8;  ///< the current folder is usr8 itself
+struct PackResult {
+  runtime::JobEnd end = runtime::JobEnd::Refused;
+  std::string path;               ///< of the output, whole; made when the end is Done
+  bool unknownExtension = false;  ///< refused because of the output's name
+  bool madeNew = false;           ///< an append became a new file, as the user agreed
 };
 
-/// One run of tar: it writes a file of its own inside nothing that is packed, which replaces the output
-/// only when it is good. A run that fails changes nothing.
+/// Creates an archive: every check, question and message of the archive dialog's "Create Tar", the staging of
+/// usr8, the tar run and its exit code. Whoever starts it holds the gate and has taken the selection once.
 class PackJob {
  public:
-  PackJob(const runtime::Services& services, PackPlan plan);
-  PackOutcome run();
+  PackJob(const runtime::Services& services, PackSelection selection, PackSettings settings);
+  PackResult run();
 
  private:
-  bool staged() const { return plan_.settings.stageUsr8 && plan_.list.usr8Found; }
-  const std::string& target() const { return plan_.settings.outputPath; }
-  bool openPlace();
-  bool writeList();
-  std::string exclusions() const;
-  std::string statedCommand() const;
-  bool moveToTarget();
-  PackOutcome finish(const runtime::ToolResult& run, const std::string& command);
-  PackOutcome refuseToWrite();
-  void reportFailure(const runtime::ToolResult& run, const std::string& command);
-  void showFailedCommand();
-  void logRemarks(const runtime::ToolResult& run);
+  bool mayWrite();
+  bool mayReplace();
+  bool settleMode();
+  bool refuse(const std::string& problem, const char* title = runtime::programTitle);
+  runtime::JobEnd create();
 
   runtime::Services services_;
-  PackPlan plan_;
-  std::vector<PackedRoot> roots_;
-  std::optional<ScratchFolder> place_;
-  std::string file_;      ///< what tar writes
-  std::string listText_;  ///< what stands behind the archive in the command
+  PackSelection selection_;
+  PackSettings settings_;
+  std::optional<runtime::ArchiveKind> kind_;
+  bool replaces_ = false;
+  PackResult result_;
 };
 
 }  // namespace archive

@@ -3,15 +3,11 @@
 #include <algorithm>
 
 #include "platform/ResolvedPath.h"
+#include "runtime/Slashes.h"
 #include "runtime/modAPI.h"
 
 namespace archive {
 namespace {
-
-std::string withoutSlash(std::string name) {
-  while (!name.empty() && name.back() == '/') name.pop_back();
-  return name;
-}
 
 std::string belowFolder(const std::string& folder, std::string name) {
   if (name.starts_with("./")) name.erase(0, 2);
@@ -25,7 +21,7 @@ std::vector<std::string> resolvedNames(const platform::DriveTable& drives, const
   const std::string folder = platform::resolvedFolder(drives, list.workingFolder);
   std::vector<std::string> paths;
   for (const std::string& name : list.names) {
-    const std::string path = belowFolder(folder, withoutSlash(name));
+    const std::string path = belowFolder(folder, std::string(runtime::withoutSlash(name)));
     if (name.starts_with('/'))
       paths.push_back(platform::resolvedPath(drives, name));
     else
@@ -40,7 +36,7 @@ std::vector<PackedRoot> packedRoots(const platform::DriveTable& drives, const Na
   const std::vector<std::string> paths = resolvedNames(drives, list);
   const std::string above = staged && insideUsr8 ? "../usr8/" : "";
   for (std::size_t i = 0; i < paths.size(); ++i)
-    roots.push_back({paths[i], above + withoutSlash(list.names[i])});
+    roots.push_back({paths[i], above + std::string(runtime::withoutSlash(list.names[i]))});
   if (staged && !insideUsr8) {
     const std::string folder = platform::resolvedFolder(drives, list.workingFolder);
     roots.push_back({belowFolder(folder, "usr8"), "../usr8"});

@@ -1,98 +1,124 @@
 #include "archive/Staging.h"
 
-#include <ctime>
+#include <algorithm>
+#include <iterator>
 
+#include "archive/PackProblem.h"
 #include "platform/CopyAttributes.h"
+#include "runtime/Slashes.h"
 
 namespace archive {
 namespace {
 
 constexpr std::size_t longestCopyList = 100'000;  ///< bytes of a list on one command line
-constexpr int mostAttempts = 1000;
-
-std::string timeOfDay() {
-  const std::time_t now = std::time(nullptr);
-  std::tm parts{};
-  localtime_r(&now, &parts);
-  char text[8] = "";
-  std::strftime(text, sizeof text, "%H%M%S", &parts);
-  return text;
-}
 
 std::string withoutLineEnd(std::string text) {
   while (!text.empty() && (text.back() == '\n' || text.back() == '\r')) text.pop_back();
   return text;
 }
 
+/// The path of a name of a list, which tools read from `folder`.
+std::string pathOf(const std::string& folder, std::string_view name) {
+  if (name.starts_with("./")) name.remove_prefix(2);
+  std::string below(runtime::withoutSlash(name));
+  std::replace(below.begin(), below.end(), '/', '\\');
+  return runtime::withTrailingBackslash(folder) + below;
+}
+
+std::string guarded(const std::string& name) { return name.starts_with('-') ? "./" + name : name; }
+
 }  // namespace
 
-ScratchFolder::ScratchFolder(const platform::Files& files, runtime::Log& log, const std::string& base)
-    : files_(files), log_(log) {
-  const std::string stem = base + "_PK" + timeOfDay();
-  for (int i = 0; i < mostAttempts; ++i) {
-    const std::string path = stem + (i == 0 ? "" : "-" + std::to_string(i)) + ".tmp";
-    if (files.createFolderExclusively(path)) {
-      path_ = path;
-      return;
-    }
-    if (!files.entryExists(path)) return;
-  }
-}
-
-ScratchFolder::~ScratchFolder() {
-  if (!path_.empty() && !files_.deleteTree(path_)) log_.append(" Unable to remove folder: " + path_);
-}
-
-Staging::Staging(const platform::System& system, runtime::modAPI& api,
-                 const runtime::CygwinEnvironment& cygwin, runtime::Log& log)
-    : system_(system), api_(api), cygwin_(cygwin), log_(log), scratch_(system.files, log, api.GetTempDir()) {}
+Staging::Staging(const runtime::Services& services)
+    : services_(services), scratch_(services.system.files, services.log, services.api.GetTempDir()) {}
 
 bool Staging::copy(const NameList& list, bool insideUsr8) {
-  if (!scratch_) {
-    log_.append(" Unable to create a folder in: " + api_.GetTempDir());
-    return false;
-  }
+  if (!scratch_) return refuse(noTemporaryFolder(services_.system.files, scratch_.systemError()));
+  findOthers(list.names, list.workingFolder);
+  if (!insideUsr8) findOthers({"usr8"}, list.workingFolder);
   if (!makeFolder(tmpFolder())) return false;
   if (insideUsr8) return copyBelowUsr8(list);
-  return copyNames(list.names, tmpFolder(), list.workingFolder) &&
-         runCopy("usr8", scratch_.path(), list.workingFolder);
+  return copyNames(list.names, list.workingFolder, tmpFolder()) &&
+         copyNames({"usr8"}, list.workingFolder, scratch_.path());
+}
+
+void Staging::findOthers(const std::vector<std::string>& names, const std::string& folder) {
+  for (const std::string& name : names)
+    std::ranges::copy(
+        scratchFoldersBelow(services_.system.files, pathOf(folder, name), services_.system.busy.stop()),
+        std::back_inserter(others_));
+}
+
+bool Staging::refuse(const std::string& problem) {
+  problem_ = problem;
+  return false;
 }
 
 bool Staging::makeFolder(const std::string& path) {
-  if (system_.files.createFolder(path)) return true;
-  log_.append(" Unable to create folder: " + path);
-  return false;
+  if (services_.system.files.createFolder(path)) return true;
+  return refuse(cannotWrite(services_.system.files, scratch_.path()));
 }
 
 bool Staging::copyBelowUsr8(const NameList& list) {
   const std::string folder = scratch_.path() + "\\usr8";
-  if (!makeFolder(folder) || !copyNames(list.names, folder, list.workingFolder)) return false;
-  // The folder is a member too: it keeps its own mode and time, not those of this run.
-  platform::copyModeAndOwner(system_.drives, list.workingFolder, folder);
-  platform::copyTimes(system_.drives, list.workingFolder, folder);
+  if (!makeFolder(folder) || !copyNames(list.names, list.workingFolder, folder)) return false;
+  keepAttributes(list.workingFolder, folder);
   return true;
 }
 
-bool Staging::copyNames(const std::vector<std::string>& names, const std::string& folder,
-                        const std::string& workingFolder) {
-  std::string text;
-  for (const std::string& name : names) {
-    text += quotedNames({name});
-    if (text.size() < longestCopyList) continue;
-    if (!runCopy(text, folder, workingFolder)) return false;
-    text.clear();
-  }
-  return text.empty() || runCopy(text, folder, workingFolder);
+/// A folder that is made here is a member too: it keeps its own mode and time, not those of this run.
+void Staging::keepAttributes(const std::string& from, const std::string& to) const {
+  platform::copyModeAndOwner(services_.system.drives, from, to);
+  platform::copyTimes(services_.system.drives, from, to);
 }
 
-bool Staging::runCopy(const std::string& listText, const std::string& folder,
-                      const std::string& workingFolder) {
-  const std::string command = "cp -rpt " + runtime::ToCygwinPath(folder) + ' ' + listText;
-  const std::string said = api_.RunCapture(cygwin_.cygwinBin(), command, workingFolder).text;
-  if (said.empty()) return true;
-  log_.append(said == runtime::startFailure ? " Unable to start: cp"
-                                            : " Unable to copy: " + withoutLineEnd(said));
-  return false;
+bool Staging::holdsScratch(const std::string& folder) const {
+  return std::any_of(others_.begin(), others_.end(), [&folder](const std::string& path) {
+    return path.starts_with(folder) && path.size() > folder.size() && path[folder.size()] == '\\';
+  });
+}
+
+bool Staging::copyNames(const std::vector<std::string>& names, const std::string& from,
+                        const std::string& to) {
+  std::string text;
+  for (const std::string& name : names) {
+    const std::string path = pathOf(from, name);
+    if (std::find(others_.begin(), others_.end(), path) != others_.end()) continue;
+    if (holdsScratch(path)) {
+      if (!copyAround(name, from, to)) return false;
+      continue;
+    }
+    text += quotedNames({name});
+    if (text.size() < longestCopyList) continue;
+    if (!runCopy(text, from, to)) return false;
+    text.clear();
+  }
+  return text.empty() || runCopy(text, from, to);
+}
+
+/// A folder that holds a scratch folder is copied entry by entry.
+bool Staging::copyAround(const std::string& name, const std::string& from, const std::string& to) {
+  const std::string source = pathOf(from, name);
+  const std::string target = pathOf(to, name);
+  const auto entries = services_.system.files.entries(source);
+  if (!entries) return refuse(copyFailed);
+  if (!makeFolder(target)) return false;
+  std::vector<std::string> names;
+  for (const auto& entry : *entries) names.push_back(guarded(entry.name));
+  if (!copyNames(names, source, target)) return false;
+  keepAttributes(source, target);
+  return true;
+}
+
+bool Staging::runCopy(const std::string& listText, const std::string& from, const std::string& to) {
+  const std::string command = "cp -rpt " + runtime::ToCygwinPath(to) + ' ' + listText;
+  const runtime::ToolResult run = services_.api.RunCapture(services_.cygwin.cygwinBin(), command, from);
+  if (run.stopped || services_.system.busy.stopRequested()) return false;
+  if (run.good() && run.text.empty()) return true;
+  const bool said = !run.text.empty() && run.text != runtime::startFailure;
+  services_.log.append(" Unable to copy: " + (said ? withoutLineEnd(run.text) : howItEnded(run, "cp")));
+  if (tellsOfFullDisk(run.text)) return refuse(diskFull(scratch_.path()));
+  return refuse(std::string(copyFailed) + (run.good() ? "" : "\r" + howItEnded(run, "cp")));
 }
 
 }  // namespace archive

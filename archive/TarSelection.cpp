@@ -1,7 +1,5 @@
 #include "archive/TarSelection.h"
 
-#include "archive/PackRunner.h"
-
 namespace archive {
 namespace {
 
@@ -14,6 +12,22 @@ bool wholeFolderAgreed(const runtime::Services& services, const std::string& fol
 
 }  // namespace
 
+bool selectionExists(const runtime::Services& services, const PackSelection& selection) {
+  using runtime::Buttons;
+  using runtime::Icon;
+  for (const std::string& path : selection.selectedPaths) {
+    if (services.system.files.entryExists(path)) continue;
+    services.user.message("One or more selected files no longer exist\rTry clicking Refresh", Buttons::Ok,
+                          Icon::Critical, "Unable to locate files");
+    return false;
+  }
+  if (!selection.selectedPaths.empty() || services.system.files.folderExists(selection.currentFolder))
+    return true;
+  services.user.message("The selected directory no longer exists\rTry clicking Refresh", Buttons::Ok,
+                        Icon::Critical, "Unable to locate path");
+  return false;
+}
+
 PackSelection packSelection(const runtime::FilePane& pane, bool whole) {
   PackSelection selection;
   selection.currentFolder = runtime::withoutTrailingBackslash(pane.GetDir1Path());
@@ -24,8 +38,7 @@ PackSelection packSelection(const runtime::FilePane& pane, bool whole) {
 
 TarSelection checkSelection(const runtime::Services& services, runtime::FilePane& pane) {
   const PackSelection selection = packSelection(pane, false);
-  const PackRunner runner(services);
-  if (!runner.selectionExists(selection)) return TarSelection::Stopped;
+  if (!selectionExists(services, selection)) return TarSelection::Stopped;
   if (!selection.selectedPaths.empty()) return TarSelection::Selected;
   if (!wholeFolderAgreed(services, selection.currentFolder)) return TarSelection::Stopped;
   pane.selectAllRows();

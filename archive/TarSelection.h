@@ -6,6 +6,10 @@
 
 namespace archive {
 
+/// What is selected, or else the folder itself, must still exist: the stated message and false when something
+/// is gone.
+bool selectionExists(const runtime::Services& services, const PackSelection& selection);
+
 enum class TarSelection { Stopped, Selected, WholeFolder };
 
 /// What the file pane's selection stands for. With `whole`, the selected rows count as nothing selected: the

@@ -9,7 +9,7 @@
 
 #include "archive/ArchiveListing.h"
 #include "archive/Extractor.h"
-#include "archive/PackRunner.h"
+#include "archive/PackJob.h"
 #include "bench/Measure.h"
 #include "shell/BatchTools.h"
 #include "shell/BatchUser.h"
@@ -98,9 +98,8 @@ class ArchiveBench {
     const std::string folder = host_.drives.toWindows(work_.path());
     settings.outputPath = folder + "\\ours" + extension;
     settings.contentsOnly = false;
-    archive::PackRunner runner(program_.services());
-    if (runner.create(settings, {folder, {folder + "\\data"}, {}}) != archive::PackOutcome::Created)
-      std::exit(2);
+    archive::PackJob job(program_.services(), {folder, {folder + "\\data"}, {}}, settings);
+    if (job.run().end != runtime::JobEnd::Done) std::exit(2);
   }
   void packByHand(const std::string& extension, const std::string& letter) const {
     bench::mustRun("PATH=/usr/bin:/bin tar -C " + work_.path() + " -" + letter +

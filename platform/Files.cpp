@@ -3,6 +3,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -15,13 +16,13 @@
 #include "platform/DeleteTree.h"
 #include "platform/Descriptor.h"
 #include "platform/HeldName.h"
-#include "platform/Replacement.h"
 
 namespace platform {
 namespace {
 
 constexpr std::size_t blockSize = 64 * 1024;
-constexpr mode_t permissionBits = 07777;
+constexpr mode_t permissionBits = 0777;
+constexpr mode_t allModeBits = 07777;
 
 using Folder = std::unique_ptr<DIR, int (*)(DIR*)>;
 
@@ -37,14 +38,32 @@ std::optional<struct stat> statusOf(const std::optional<std::string>& host, int 
   return host ? statusOf(*host, flags) : std::nullopt;
 }
 
-bool copyBytes(RegularFile& from, int to) {
+/// 0, or the system's error.
+int copyBytes(RegularFile& from, int to, const Stop& stop) {
   std::array<char, blockSize> buffer;
-  while (true) {
+  while (!stop.requested()) {
     const std::optional<std::size_t> count = from.read(buffer.data(), buffer.size());
-    if (!count) return false;
-    if (*count == 0) return true;
-    if (!writeAll(to, std::string_view(buffer.data(), *count))) return false;
+    if (!count) return errno;
+    if (*count == 0) return 0;
+    if (!writeAll(to, std::string_view(buffer.data(), *count))) return errno;
   }
+  return ECANCELED;
+}
+
+/// Bits that lend the owner's rights go with the owner only.
+bool giveMode(int file, const RegularFile& from) {
+  struct stat status {};
+  if (fstat(file, &status) != 0) return false;
+  const bool sameOwner = status.st_uid == from.owner() && status.st_gid == from.group();
+  return fchmod(file, from.mode() & (sameOwner ? allModeBits : permissionBits)) == 0;
+}
+
+/// 0, or the system's error.
+int copyInto(RegularFile& from, const Replacement& copy, bool withOwner, const Stop& stop) {
+  if (const int error = copyBytes(from, copy.get(), stop); error != 0) return error;
+  // Who may not give files away keeps the copy.
+  if (withOwner) static_cast<void>(fchown(copy.get(), from.owner(), from.group()) == 0);
+  return giveMode(copy.get(), from) ? 0 : errno;
 }
 
 bool isFolderEntry(int folder, const dirent& entry) {
@@ -79,6 +98,11 @@ bool Files::entryExists(std::string_view path) const {
   return statusOf(drives_.toHost(path), AT_SYMLINK_NOFOLLOW).has_value();
 }
 
+bool Files::isSpecial(std::string_view path) const {
+  const auto status = statusOf(drives_.toHost(path));
+  return status && !S_ISREG(status->st_mode) && !S_ISDIR(status->st_mode);
+}
+
 std::optional<std::uint64_t> Files::fileSize(std::string_view path) const {
   const auto status = statusOf(drives_.toHost(path));
   if (!status || S_ISDIR(status->st_mode)) return std::nullopt;
@@ -110,9 +134,25 @@ bool Files::createFolder(std::string_view path) const {
   return host && (mkdir(host->c_str(), 0777) == 0 || folderExists(path));
 }
 
-bool Files::createFolderExclusively(std::string_view path) const {
+int Files::createFolderExclusively(std::string_view path) const {
   const std::optional<std::string> host = drives_.toHost(path);
-  return host && mkdir(host->c_str(), S_IRWXU) == 0;
+  if (!host) return ENOENT;
+  return mkdir(host->c_str(), S_IRWXU) == 0 ? 0 : errno;
+}
+
+int Files::writeProblem(std::string_view folder) const {
+  const std::optional<std::string> host = drives_.toHost(folder);
+  const auto status = statusOf(host);
+  if (!host) return ENOENT;
+  if (!status) return errno;
+  if (!S_ISDIR(status->st_mode)) return ENOTDIR;
+  if (faccessat(AT_FDCWD, host->c_str(), W_OK | X_OK, AT_EACCESS) != 0) return errno;
+  struct statvfs space {};
+  if (statvfs(host->c_str(), &space) != 0) return 0;
+  // A file system that counts neither blocks nor files says nothing of them.
+  const bool noBytes = space.f_blocks > 0 && (geteuid() == 0 ? space.f_bfree : space.f_bavail) == 0;
+  const bool noFiles = space.f_files > 0 && space.f_ffree == 0;
+  return noBytes || noFiles ? ENOSPC : 0;
 }
 
 bool Files::deleteFile(std::string_view path) const {
@@ -126,13 +166,31 @@ bool Files::rename(std::string_view from, std::string_view to) const {
   return source && target && ::rename(source->c_str(), target->c_str()) == 0;
 }
 
-bool Files::copyFile(std::string_view from, std::string_view to) const {
+bool Files::copyFile(std::string_view from, std::string_view to, const Stop& stop) const {
   const std::optional<std::string> target = drives_.toHost(to);
   RegularFile file = openFile(from);
   if (!target || !file) return false;
   Replacement copy(*target, S_IRUSR | S_IWUSR);
-  return copy && copyBytes(file, copy.get()) && fchmod(copy.get(), file.mode() & permissionBits) == 0 &&
-         copy.commit();
+  return copy && copyInto(file, copy, false, stop) == 0 && copy.commit();
+}
+
+int Files::moveFile(std::string_view from, std::string_view to, Existing existing, const Stop& stop) const {
+  const std::optional<std::string> source = drives_.toHost(from);
+  const std::optional<std::string> target = drives_.toHost(to);
+  if (!source || !target) return ENOENT;
+  const bool spares = existing == Existing::Spared;
+  const int error = spares                                            ? moveUnlessTaken(*source, *target)
+                    : ::rename(source->c_str(), target->c_str()) == 0 ? 0
+                                                                      : errno;
+  if (error != EXDEV) return error;
+  RegularFile file(*source);
+  Replacement copy(*target, S_IRUSR | S_IWUSR);
+  if (!file || !copy) return errno;
+  if (const int failed = copyInto(file, copy, true, stop); failed != 0) return failed;
+  if (stop.requested()) return ECANCELED;
+  const int placed = copy.commit(existing);
+  if (placed == 0) unlink(source->c_str());
+  return placed;
 }
 
 bool Files::deleteTree(std::string_view path) const {
@@ -149,7 +207,7 @@ bool Files::writeText(std::string_view path, std::string_view bytes) const {
   Replacement file(*host, 0666);
   if (!file || !writeAll(file.get(), bytes)) return false;
   const std::optional<struct stat>& old = file.replaced();
-  if (old && S_ISREG(old->st_mode) && fchmod(file.get(), old->st_mode & permissionBits) != 0) return false;
+  if (old && S_ISREG(old->st_mode) && fchmod(file.get(), old->st_mode & allModeBits) != 0) return false;
   return file.commit();
 }
 

@@ -9,6 +9,8 @@
 
 #include "platform/DriveTable.h"
 #include "platform/RegularFile.h"
+#include "platform/Replacement.h"
+#include "platform/Stop.h"
 
 namespace platform {
 
@@ -20,19 +22,25 @@ class Files {
 
   bool fileExists(std::string_view path) const;  ///< anything but a folder that can be reached
   bool folderExists(std::string_view path) const;
-  bool entryExists(std::string_view path) const;                       ///< a dangling link exists too (lstat)
+  bool entryExists(std::string_view path) const;  ///< a dangling link exists too (lstat)
+  bool isSpecial(std::string_view path) const;    ///< neither a file with bytes of its own nor a folder
   std::optional<std::uint64_t> fileSize(std::string_view path) const;  ///< bytes
   std::optional<std::time_t> modifiedTime(std::string_view path) const;
   bool isLink(std::string_view path) const;  ///< a symbolic one, wherever it leads
   std::string fullName(
       std::string_view path) const;  ///< name on disk exactly as found, or empty (a case-exact Dir())
 
-  bool createFolder(std::string_view path) const;             ///< one level; true when it is there afterwards
-  bool createFolderExclusively(std::string_view path) const;  ///< mode 0700; false when the name is taken
+  bool createFolder(std::string_view path) const;            ///< one level; true when it is there afterwards
+  int createFolderExclusively(std::string_view path) const;  ///< mode 0700; 0, or the system's error
+  int writeProblem(
+      std::string_view folder) const;  ///< why no file can be made in it: the system's error, or 0
   bool deleteFile(std::string_view path) const;
   bool rename(std::string_view from, std::string_view to) const;  ///< replaces; same file system only
-  bool copyFile(std::string_view from,
-                std::string_view to) const;      ///< bytes and mode; false leaves no half copy
+  /// Bytes and mode; false leaves no half copy, and so does a stop.
+  bool copyFile(std::string_view from, std::string_view to, const Stop& stop = {}) const;
+  /// Moves a file, also to another file system, with its mode and owner. 0, or the system's error; EEXIST:
+  /// something that is spared stands there; ECANCELED: stopped, nothing was moved.
+  int moveFile(std::string_view from, std::string_view to, Existing existing, const Stop& stop = {}) const;
   bool deleteTree(std::string_view path) const;  ///< without following links; also below read-only folders
   bool writeText(std::string_view path, std::string_view bytes) const;  ///< replaces
   std::optional<std::string> readBytes(std::string_view path, std::size_t most) const;

@@ -18,7 +18,9 @@ class RegularFile {
   explicit operator bool() const { return static_cast<bool>(file_); }
 
   mode_t mode() const { return status_.st_mode; }  ///< as it was opened
-  std::optional<std::uint64_t> size() const;       ///< bytes, now
+  uid_t owner() const { return status_.st_uid; }
+  gid_t group() const { return status_.st_gid; }
+  std::optional<std::uint64_t> size() const;  ///< bytes, now
   std::optional<std::size_t> read(char* to,
                                   std::size_t most);  ///< bytes read, 0 at the end; nullopt: an error
 

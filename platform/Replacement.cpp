@@ -7,6 +7,30 @@
 
 namespace platform {
 
+namespace {
+
+int renameNoReplace(const char* from, const char* to) {
+  return renameat2(AT_FDCWD, from, AT_FDCWD, to, RENAME_NOREPLACE);
+}
+
+int hardLink(const char* from, const char* to) { return link(from, to); }
+
+}  // namespace
+
+const MoveCalls systemMoveCalls = {renameNoReplace, hardLink};
+
+/// Not every file system knows how to refuse, and not every one has links: then what stands there is looked
+/// for just before.
+int moveUnlessTaken(const std::string& from, const std::string& to, const MoveCalls& calls) {
+  if (calls.renameUnlessTaken(from.c_str(), to.c_str()) == 0) return 0;
+  if (errno != EINVAL && errno != ENOSYS) return errno;
+  if (calls.linkTo(from.c_str(), to.c_str()) == 0) return unlink(from.c_str()) == 0 ? 0 : errno;
+  if (errno != EPERM && errno != EOPNOTSUPP && errno != ENOSYS && errno != EMLINK) return errno;
+  struct stat status {};
+  if (lstat(to.c_str(), &status) == 0) return EEXIST;
+  return ::rename(from.c_str(), to.c_str()) == 0 ? 0 : errno;
+}
+
 std::optional<std::size_t> readSome(int file, char* buffer, std::size_t size) {
   ssize_t count = 0;
   do {
@@ -45,10 +69,13 @@ Replacement::~Replacement() {
   if (!name_.empty()) unlink(name_.c_str());
 }
 
-bool Replacement::commit() {
-  if (!file_.closeNow() || ::rename(name_.c_str(), target_.c_str()) != 0) return false;
-  name_.clear();
-  return true;
+int Replacement::commit(Existing existing) {
+  if (!file_.closeNow()) return errno;
+  const int error = existing == Existing::Spared                    ? moveUnlessTaken(name_, target_)
+                    : ::rename(name_.c_str(), target_.c_str()) == 0 ? 0
+                                                                    : errno;
+  if (error == 0) name_.clear();
+  return error;
 }
 
 }  // namespace platform

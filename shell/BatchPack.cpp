@@ -2,6 +2,8 @@
 
 #include <iostream>
 
+#include "archive/PackList.h"
+#include "archive/TarSelection.h"
 #include "platform/HeldName.h"
 #include "shell/BatchTools.h"
 
@@ -35,28 +37,28 @@ std::vector<std::string> allNames(const platform::Files& files, const std::strin
   return names;
 }
 
-int report(Program& program, const QuickPackResult& packed, bool allFound) {
-  if (packed.outcome != archive::PackOutcome::Created) return 1;
-  std::cout << program.system.drives.toHost(packed.outputPath).value_or(packed.outputPath) << '\n'
-            << std::flush;
+int report(Program& program, const archive::PackResult& packed, bool allFound) {
+  if (packed.end != runtime::JobEnd::Done) return 1;
+  std::cout << program.system.drives.toHost(packed.path).value_or(packed.path) << '\n' << std::flush;
   return allFound && std::cout.good() ? 0 : 1;
 }
 
 }  // namespace
 
-QuickPackResult quickPack(Program& program, const archive::PackSelection& selection) {
-  const bool oneFolder = selection.selectedPaths.size() == 1 &&
-                         program.system.files.folderExists(selection.selectedPaths.front());
+archive::PackResult quickPack(Program& program, const archive::PackSelection& selection) {
+  const platform::Busy::Scope busy(program.system.busy);
   archive::PackSettings settings;
-  settings.outputPath = archive::proposedOutput(selection, oneFolder);
+  settings.outputPath =
+      archive::proposedOutput(selection, archive::oneFolder(program.system.files, selection));
   settings.stageUsr8 = archive::usr8Support(program.settings.usr8());
-  archive::PackRunner runner(program.services());
-  if (!runner.selectionExists(selection)) return {archive::PackOutcome::Refused, settings.outputPath};
-  return {runner.create(settings, selection), settings.outputPath};
+  if (!archive::selectionExists(program.services(), selection))
+    return {runtime::JobEnd::Refused, settings.outputPath};
+  return archive::PackJob(program.services(), selection, settings).run();
 }
 
 int batchPack(Program& program, const std::vector<std::string>& record, bool yes) {
   const auto& files = program.system.files;
+  const platform::Busy::Scope busy(program.system.busy);
   if (record.size() < 2 || !files.folderExists(record[1])) {
     say(record.size() < 2 ? "-qpack needs a folder and names"
                           : "there is no folder " + platform::shownName(record[1]));

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "archive/PackRunner.h"
+#include "archive/PackJob.h"
 #include "shell/Program.h"
 
 namespace shell {
@@ -14,11 +14,7 @@ namespace shell {
 /// standard output. Returns the exit status: 0 done, 1 refused, failed, or a name that matched nothing.
 int batchPack(Program& program, const std::vector<std::string>& record, bool yes);
 
-/// The archive that a quick pack makes of a selection, with the archive dialog's defaults.
-struct QuickPackResult {
-  archive::PackOutcome outcome;
-  std::string outputPath;
-};
-QuickPackResult quickPack(Program& program, const archive::PackSelection& selection);
+/// Makes the archive of a quick pack, with the archive dialog's defaults; holds the gate meanwhile.
+archive::PackResult quickPack(Program& program, const archive::PackSelection& selection);
 
 }  // namespace shell

@@ -1,19 +1,14 @@
 #include "shell/LogText.h"
 
-#include <array>
-#include <ctime>
+#include <utility>
+
+#include "runtime/TimeOfDay.h"
 
 namespace shell {
 
-LogText::LogText(Clock clock) : clock_(std::move(clock)) {}
+LogText::LogText() : LogText([] { return runtime::timeOfDay(":"); }) {}
 
-std::string LogText::timeOfDay() {
-  const std::time_t now = std::time(nullptr);
-  std::tm parts{};
-  localtime_r(&now, &parts);
-  std::array<char, 16> text{};
-  return {text.data(), std::strftime(text.data(), text.size(), "%H:%M:%S", &parts)};
-}
+LogText::LogText(Clock clock) : clock_(std::move(clock)) {}
 
 void LogText::start() {
   const std::string first = "Log start: " + clock_();

@@ -12,15 +12,14 @@ namespace shell {
 class LogText : public runtime::Log {
  public:
   using Clock = std::function<std::string()>;  ///< the time of day, HH:MM:SS
-  explicit LogText(Clock clock = timeOfDay);
+  LogText();
+  explicit LogText(Clock clock);
 
   /// "Log start: " and the time; what was reported before stands behind it.
   void start();
   void append(const std::string& text) override;
   const std::string& text() const { return text_; }
   void setOnEntry(std::function<void(const std::string&)> onEntry) { onEntry_ = std::move(onEntry); }
-
-  static std::string timeOfDay();
 
  private:
   Clock clock_;

@@ -22,6 +22,7 @@ class Person : public runtime::UserInterface {
   runtime::Answer message(const std::string& text, runtime::Buttons buttons, runtime::Icon,
                           const std::string& title, runtime::Consequence) override {
     told.push_back(title + "|" + text);
+    if (onMessage) onMessage();
     if (buttons == runtime::Buttons::YesNo) return agrees ? runtime::Answer::Yes : runtime::Answer::No;
     return agrees ? runtime::Answer::Ok : runtime::Answer::Cancel;
   }
@@ -30,15 +31,17 @@ class Person : public runtime::UserInterface {
   }
   void letEventsRun() override {
     ++yields;
-    if (onYield) onYield();
+    if (onEvents) onEvents();
   }
   void consoleOutput(std::string_view) override {}
   void consoleOpened(const std::string& title) override { consoles.push_back(title); }
-  void consoleClosed() override {}
+  void consoleClosed() override {
+    if (onClosed) onClosed();
+  }
 
+  std::function<void()> onMessage, onEvents, onClosed;
   bool agrees = true;
   int yields = 0;
-  std::function<void()> onYield;
   std::vector<std::string> told;
   std::vector<std::string> consoles;
 };

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "archive/FileDrop.h"
+#include "archive/PackList.h"
 #include "platform/desktop/Clipboard.h"
 #include "platform/desktop/Handlers.h"
 #include "platform/desktop/ImageList.h"
@@ -23,33 +24,22 @@ constexpr const char* outputFilter =
     "GZIP Compressed (*.tgz, *.gz, *.z, *.taz)|*.tgz; *.tar.gz;  *.z; *.taz|TAR File (*.tar)|*.tar|"
     "BZIP2 Compressed (*.bz2, *.bz, *.tbz2, *.tbz)|*.bz2; *.bz; *.tbz2; *.tbz|";
 
-/// While an archive is made: the button is off and says so. The form may be gone before it ends.
-class BusyButton {
+/// What the button says while an archive is made. The form may be gone before that ends.
+class BusyCaption {
  public:
-  BusyButton(QPushButton* button, bool& busy) : button_(button), busy_(busy), caption_(button->text()) {
-    busy_ = true;
-    button->setEnabled(false);
+  explicit BusyCaption(QPushButton* button) : button_(button), caption_(button->text()) {
     button->setText(QStringLiteral("Creating.."));
   }
-  ~BusyButton() {
-    if (button_.isNull()) return;
-    busy_ = false;
-    button_->setText(caption_);
-    button_->setEnabled(true);
+  ~BusyCaption() {
+    if (!button_.isNull()) button_->setText(caption_);
   }
-  BusyButton(const BusyButton&) = delete;
-  BusyButton& operator=(const BusyButton&) = delete;
+  BusyCaption(const BusyCaption&) = delete;
+  BusyCaption& operator=(const BusyCaption&) = delete;
 
  private:
   QPointer<QPushButton> button_;
-  bool& busy_;
   QString caption_;
 };
-
-bool oneFolder(const runtime::Services& services, const PackSelection& selection) {
-  return selection.selectedPaths.size() == 1 &&
-         services.system.files.folderExists(selection.selectedPaths.front());
-}
 
 bool acceptedAnyway(const runtime::Services& services, const std::string& path) {
   if (!services.system.files.entryExists(path)) return true;
@@ -71,15 +61,32 @@ frmTar::frmTar(const runtime::Services& services, runtime::FilePane& pane, runti
       selection_(std::move(selection)),
       stageUsr8_(usr8Support(services.settings.usr8())) {
   ui_->setupUi(this);
-  const auto wire = [this](auto* sender, auto signal, auto handler) {
-    connectHandler(sender, signal, this, services_.system.busy, handler);
-  };
-  wire(ui_->cmdGetOut, &QPushButton::clicked, &frmTar::cmdGetOut_Click);
-  wire(ui_->txtFileOut, &QLineEdit::textChanged, &frmTar::txtFileOut_Change);
-  wire(ui_->checkOwner, &QCheckBox::toggled, &frmTar::checkOwner_Click);
-  wire(ui_->cmdTar, &QPushButton::clicked, &frmTar::cmdTar_Click);  // the default button: Enter runs it too
-  wire(ui_->cmdCancel, &QPushButton::clicked, &frmTar::reject);
+  table_ = new platform::desktop::ActionTable(*this, services_.system.busy, actions());
+  connectHandler(ui_->txtFileOut, &QLineEdit::textChanged, this, services_.system.busy,
+                 &frmTar::txtFileOut_Change);
   Form_Load();
+}
+
+/// cmdTar is the default button: Enter runs it, too.
+std::vector<platform::desktop::Action> frmTar::actions() {
+  using platform::desktop::WhileBusy;
+  const auto cancel = [this] { reject(); };
+  const auto plainTar = [this] { return ui_->txtFileOut->text().endsWith(QLatin1String(".tar")); };
+  return {{.name = "cmdGetOut", .handler = [this] { cmdGetOut_Click(); }},
+          {.name = "checkOwner", .handler = [this] { table_->update(); }},
+          {.name = "listOwner", .enabledWhen = [this] { return ui_->checkOwner->isChecked(); }},
+          {.name = "optAppend", .enabledWhen = plainTar},
+          {.name = "checkFolderContents", .enabledWhen = [this] { return selection_.selectedPaths.empty(); }},
+          {.name = "cmdTar",
+           .handler = [this] { cmdTar_Click(); },
+           .enabledWhen = [this] { return !services_.system.busy.held(); }},
+          {.name = "cmdCancel", .handler = cancel, .whileBusy = WhileBusy::Acts},
+          {.name = "keyEscape", .handler = cancel, .whileBusy = WhileBusy::Acts, .keys = Qt::Key_Escape},
+          {.name = "txtFileOut"},
+          {.name = "Frame2"},
+          {.name = "frameAttributes"},
+          {.name = "frameOptionsC"},
+          {.name = "Frame1"}};
 }
 
 frmTar::~frmTar() = default;
@@ -92,21 +99,25 @@ void frmTar::Form_Load() {
   ui_->cmdGetOut->setIcon(platform::desktop::imageIcon(runtime::getImageIndex("fldrOpen")));
   ui_->lblAdd->setText(toShown(pane_.selectionText()));
   showFolderOption();
-  ui_->txtFileOut->setText(toControl(proposedOutput(selection_, oneFolder(services_, selection_))));
+  ui_->txtFileOut->setText(
+      toControl(proposedOutput(selection_, oneFolder(services_.system.files, selection_))));
   txtFileOut_Change();
 }
 
 /// One folder: whether its contents alone are packed. Otherwise: whether the folder shown is packed as a
 /// whole, which only has a meaning with nothing selected.
 void frmTar::showFolderOption() {
-  const bool contents = oneFolder(services_, selection_);
+  const bool contents = oneFolder(services_.system.files, selection_);
   ui_->checkContentsOnly->setVisible(contents);
   ui_->checkFolderContents->setVisible(!contents);
-  ui_->checkFolderContents->setEnabled(selection_.selectedPaths.empty());
 }
 
 void frmTar::reject() {
-  if (!busy_ && !services_.system.busy.held()) QDialog::reject();
+  platform::Busy& busy = services_.system.busy;
+  if (busy.held())
+    busy.requestStop();
+  else
+    QDialog::reject();
 }
 
 void frmTar::cmdGetOut_Click() {
@@ -130,12 +141,9 @@ std::string frmTar::chooseOutput() const {
 }
 
 void frmTar::txtFileOut_Change() {
-  const bool plainTar = ui_->txtFileOut->text().endsWith(QLatin1String(".tar"));
-  ui_->optAppend->setEnabled(plainTar);
-  if (!plainTar) ui_->optNew->setChecked(true);
+  table_->update();
+  if (!ui_->optAppend->isEnabled()) ui_->optNew->setChecked(true);
 }
-
-void frmTar::checkOwner_Click() { ui_->listOwner->setEnabled(ui_->checkOwner->isChecked()); }
 
 PackSettings frmTar::settings() const {
   PackSettings settings;
@@ -151,34 +159,39 @@ PackSettings frmTar::settings() const {
 }
 
 void frmTar::cmdTar_Click() {
-  if (busy_) return;
   const QPointer<frmTar> self(this);
-  const BusyButton busy(ui_->cmdTar, busy_);
-  const PackSettings chosen = settings();
-  PackRunner runner(services_);
-  const PackOutcome outcome = runner.create(chosen, selection_, [self] {
-    if (!self.isNull()) self->ui_->optNew->setChecked(true);
-  });
+  const PackResult made = createArchive();
   if (self.isNull()) return;
-  if (outcome == PackOutcome::UnknownExtension) ui_->txtFileOut->setFocus();
-  if (outcome == PackOutcome::Created) handOver(wholeOutputPath(chosen, selection_));
+  if (made.madeNew) ui_->optNew->setChecked(true);
+  if (made.unknownExtension) ui_->txtFileOut->setFocus();
+  const bool ends = services_.system.busy.endRequested();
+  if (made.end == runtime::JobEnd::Done && !ends) handOver(made.path);
+}
+
+/// One job from the click until the pane shows the archive.
+PackResult frmTar::createArchive() {
+  const runtime::Services services = services_;
+  runtime::FilePane& pane = pane_;  // outlives the form
+  const platform::Busy::Scope busy(services.system.busy);
+  const BusyCaption caption(ui_->cmdTar);
+  table_->update();
+  const PackResult made = PackJob(services, selection_, settings()).run();
+  if (made.end == runtime::JobEnd::Done) pane.refreshKeepList();
+  return made;
 }
 
 /// The archive's further way. The form has done its work, whatever the downloads say.
-void frmTar::handOver(const std::string& outputPath) {
+void frmTar::handOver(const std::string& path) {
   const QPointer<frmTar> self(this);
   const bool copy = ui_->checkCopyToClipboard->isChecked();
   const bool serial = ui_->checkSerialDownload->isChecked();
   const bool network = ui_->checkNetworkDownload->isChecked();
-  runtime::FilePane& pane = pane_;  // these outlive the form
-  runtime::Downloads& downloads = downloads_;
-  const runtime::Services services = services_;
-  pane.refreshKeepList();
-  if (copy && !ClipboardCopyFile(services.system.drives, outputPath))
-    services.log.append(" Unable to copy to clipboard: " + outputPath);
-  if (serial) downloads.showfrmWDXOptions(outputPath);
+  runtime::Downloads& downloads = downloads_;  // outlives the form
+  if (copy && !ClipboardCopyFile(services_.system.drives, path))
+    services_.log.append(" Unable to copy to clipboard: " + path);
+  if (serial) downloads.showfrmWDXOptions(path);
   if (network && !self.isNull()) hide();
-  if (network) downloads.netSetFile(outputPath);
+  if (network) downloads.netSetFile(path);
   if (!self.isNull()) accept();
 }
 

@@ -4,9 +4,9 @@
 #include <memory>
 #include <string>
 
-#include "archive/PackCommand.h"
-#include "archive/PackRunner.h"
+#include "archive/PackJob.h"
 #include "archive/TarSelection.h"
+#include "platform/desktop/Actions.h"
 #include "platform/desktop/FilePickers.h"
 #include "runtime/Downloads.h"
 #include "runtime/FilePane.h"
@@ -27,18 +27,20 @@ class frmTar : public QDialog {
          platform::desktop::FilePickers& pickers, PackSelection selection, QWidget* parent = nullptr);
   ~frmTar() override;
 
-  void reject() override;  ///< Cancel, Escape and the close box; not while an archive is made
+  /// Cancel, Escape and the close box: stop the job, and without one close the dialog.
+  void reject() override;
 
  private:
   void Form_Load();
   void showFolderOption();
   void cmdGetOut_Click();
   void txtFileOut_Change();
-  void checkOwner_Click();
   void cmdTar_Click();
+  PackResult createArchive();
+  std::vector<platform::desktop::Action> actions();
   std::string chooseOutput() const;
   PackSettings settings() const;
-  void handOver(const std::string& outputPath);
+  void handOver(const std::string& path);
 
   std::unique_ptr<Ui::frmTar> ui_;
   runtime::Services services_;
@@ -47,7 +49,7 @@ class frmTar : public QDialog {
   platform::desktop::FilePickers& pickers_;
   PackSelection selection_;
   bool stageUsr8_;  ///< as stored when the dialog was loaded
-  bool busy_ = false;
+  platform::desktop::ActionTable* table_;
 };
 
 /// Puts a file on the clipboard, as file managers do. True when it is there.

@@ -185,9 +185,9 @@ bool StartUp::quickPackSelection(const CommandLine& commandLine) {
   const std::size_t logged = program_.log.text().size();
   const auto packed =
       quickPack(program_, archive::packSelection(window_, checked == archive::TarSelection::WholeFolder));
-  if (packed.outcome == archive::PackOutcome::Created)
+  if (packed.end == runtime::JobEnd::Done)
     program_.exitStatus = 0;
-  else if (packed.outcome == archive::PackOutcome::Failed)
+  else if (packed.end == runtime::JobEnd::Failed)
     showLogged(logged);
   return false;
 }

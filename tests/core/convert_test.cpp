@@ -105,7 +105,7 @@ TEST_F(ConvertTest, AToolThatCannotStartAndAStopAreFailures) {
   fakeTool("sleep 30");
   const platform::Busy::Scope busy(busy_);
   person_.yields = 0;
-  person_.onYield = [this] { person_.yields > 3 ? busy_.requestStop() : void(); };
+  person_.onEvents = [this] { person_.yields > 3 ? busy_.requestStop() : void(); };
   EXPECT_EQ(convert(many(3)), JobEnd::Stopped);
   EXPECT_EQ(log_.all,
             " Stopped: converting, after 0 of 1 runs\n FAILED to convert to unix: 3 files in C:\\\n");

@@ -2,6 +2,8 @@
 
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sched.h>
+#include <sys/mount.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/xattr.h>
@@ -11,7 +13,9 @@
 #include <csignal>
 #include <filesystem>
 #include <fstream>
+#include <memory>
 
+#include "platform/CopyAttributes.h"
 #include "platform/DirectorySearch.h"
 #include "runtime/FileClass.h"
 #include "tests/OrdinaryUser.h"
@@ -104,6 +108,90 @@ TEST_F(FilesTest, CopyKeepsBytesAndModeAndReplacesALinkNotItsTarget) {
   EXPECT_EQ(files_.readBytes("C:\\fifo", 1), std::nullopt);
 }
 
+TEST_F(FilesTest, AFullFileSystemIsKnownBeforehand) {
+  EXPECT_EQ(files_.writeProblem("C:\\sub"), 0);
+  enum { known, missed, noMount };
+  const pid_t child = fork();
+  if (child == 0) {
+    if (unshare(CLONE_NEWNS) != 0 || mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
+        mount("none", host("sub").c_str(), "tmpfs", 0, "size=16k") != 0)
+      _exit(noMount);
+    const bool room = files_.writeProblem("C:\\sub") == 0;
+    std::ofstream(host("sub/big")) << std::string(100000, 'x');
+    _exit(room && files_.writeProblem("C:\\sub") == ENOSPC ? known : missed);
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  if (WEXITSTATUS(status) == noMount) GTEST_SKIP() << "no file system of its own";
+  EXPECT_EQ(WEXITSTATUS(status), known);
+}
+
+/// Every file system, whatever it can, ends alike: moved, or what stood there is spared.
+TEST_F(FilesTest, AMoveSparesWhatNobodyAgreedToReplace) {
+  const auto unable = [](const char*, const char*) {
+    errno = EINVAL;
+    return -1;
+  };
+  const auto noLinks = [](const char*, const char*) {
+    errno = EPERM;
+    return -1;
+  };
+  const platform::MoveCalls& system = platform::systemMoveCalls;
+  for (const platform::MoveCalls& calls : {system, {unable, system.linkTo}, {unable, noLinks}}) {
+    ASSERT_TRUE(files_.writeText("C:\\new", "new"));
+    for (const char* taken : {"a.txt", "dangling", "sub"})
+      EXPECT_EQ(moveUnlessTaken(host("new"), host(taken), calls), EEXIST) << taken;
+    EXPECT_EQ(files_.readBytes("C:\\a.txt", 9), "text");
+    EXPECT_EQ(moveUnlessTaken(host("new"), host("moved"), calls), 0);
+    EXPECT_EQ(files_.readBytes("C:\\moved", 9), "new");
+    EXPECT_FALSE(files_.entryExists("C:\\new"));
+    EXPECT_EQ(files_.moveFile("C:\\moved", "C:\\a.txt", platform::Existing::Spared), EEXIST);
+    EXPECT_EQ(files_.moveFile("C:\\moved", "C:\\gone\\x", platform::Existing::Spared), ENOENT);
+    EXPECT_EQ(files_.moveFile("C:\\moved", "C:\\other", platform::Existing::Replaced), 0);
+  }
+}
+
+TEST_F(FilesTest, AMoveToAnotherFileSystemKeepsModeAndOwnerAndSpares) {
+  const std::string far = "/dev/shm/files-test-" + std::to_string(getpid());
+  const DriveTable drives({{'C', root_}, {'M', far}});
+  const Files files(drives);
+  if (!fs::create_directory(far)) GTEST_SKIP() << "no second file system";
+  const auto cleanUp = std::shared_ptr<void>(nullptr, [&far](void*) { fs::remove_all(far); });
+  if (geteuid() == 0) {
+    ASSERT_EQ(chown(host("a.txt").c_str(), 65534, 65533), 0);
+  }
+  chmod(host("a.txt").c_str(), 04640);
+  std::ofstream(far + "/taken") << "theirs";
+  std::stop_source stopped;
+  stopped.request_stop();
+  using platform::Existing;
+  EXPECT_EQ(files.moveFile("C:\\a.txt", "M:\\x", Existing::Spared, platform::Stop(stopped.get_token())),
+            ECANCELED);
+  EXPECT_EQ(files.moveFile("C:\\a.txt", "M:\\taken", Existing::Spared), EEXIST);
+  EXPECT_EQ(files.readBytes("M:\\taken", 9), "theirs");
+  EXPECT_EQ(std::distance(fs::directory_iterator(far), fs::directory_iterator()), 1);
+  EXPECT_EQ(files.moveFile("C:\\a.txt", "M:\\taken", Existing::Replaced), 0);
+  EXPECT_FALSE(files.entryExists("C:\\a.txt"));
+  EXPECT_EQ(files.readBytes("M:\\taken", 9), "text");
+  struct stat status {};
+  ASSERT_EQ(stat((far + "/taken").c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 07777, 04640U);
+  EXPECT_TRUE(geteuid() != 0 || (status.st_uid == 65534 && status.st_gid == 65533));
+}
+
+/// Bits that lend the owner's rights stay behind when the owner does.
+TEST_F(FilesTest, NoOwnersRightsPassToAnother) {
+  if (geteuid() != 0 || !tests::ordinaryUserGetsAbout()) GTEST_SKIP() << "takes two users";
+  chmod(host("a.txt").c_str(), 06755);
+  chmod(root_.c_str(), 0777);
+  EXPECT_TRUE(tests::asOrdinaryUser([this] {
+    return files_.writeText("C:\\mine", "x") && files_.copyFile("C:\\a.txt", "C:\\copy") &&
+           platform::copyModeAndOwner(drives_, "C:\\a.txt", "C:\\mine");
+  }));
+  EXPECT_EQ(modeOf(host("mine")), 0755U);
+  EXPECT_EQ(modeOf(host("copy")), 0755U);
+}
+
 TEST_F(FilesTest, AFailedWriteLeavesWhatWasThere) {
   ASSERT_TRUE(files_.writeText("C:\\big", std::string(300000, 'x')));
   const std::size_t before = count();
@@ -133,8 +221,8 @@ TEST_F(FilesTest, FoldersAreMadeOneLevel) {
   EXPECT_TRUE(files_.createFolder("C:\\sub"));
   EXPECT_FALSE(files_.createFolder("C:\\a.txt"));
   EXPECT_FALSE(files_.createFolder("C:\\x\\y"));
-  EXPECT_FALSE(files_.createFolderExclusively("C:\\sub"));
-  EXPECT_TRUE(files_.createFolderExclusively("C:\\own"));
+  EXPECT_EQ(files_.createFolderExclusively("C:\\sub"), EEXIST);
+  EXPECT_EQ(files_.createFolderExclusively("C:\\own"), 0);
   EXPECT_EQ(modeOf(host("own")), 0700U);
 }
 

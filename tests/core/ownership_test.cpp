@@ -85,7 +85,7 @@ TEST_F(OwnershipTest, AStopLeavesTheRest) {
   const platform::Busy::Scope busy(busy_);
   does("sleep 30");
   person_.yields = 0;
-  person_.onYield = [this] { person_.yields > 3 ? busy_.requestStop() : void(); };
+  person_.onEvents = [this] { person_.yields > 3 ? busy_.requestStop() : void(); };
   EXPECT_EQ(set(perms::ownerTo("usr1"), many(600)), JobEnd::Stopped);
   EXPECT_EQ(runs(), 1);
   EXPECT_EQ(log_.all,

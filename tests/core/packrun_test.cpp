@@ -4,18 +4,23 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
+#include <cerrno>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 
-#include "archive/PackRunner.h"
+#include "archive/PackJob.h"
+#include "archive/ScratchFolder.h"
+#include "archive/TarSelection.h"
 #include "platform/HeldName.h"
+#include "tests/OrdinaryUser.h"
 #include "tests/World.h"
 
 namespace fs = std::filesystem;
-using archive::PackOutcome;
 using archive::PackSelection;
 using archive::PackSettings;
+using runtime::JobEnd;
 
 namespace {
 
@@ -32,12 +37,23 @@ class PackRunTest : public testworld::World {
   std::string members(const std::string& name = "out.tgz") const {
     return output("tar -P -tf '" + host(name) + "'");
   }
-  PackOutcome pack(const PackSelection& selection) { return runner_.create(settings_, selection); }
+  JobEnd pack(const PackSelection& selection) {
+    const platform::Busy::Scope busy(busy_);
+    result_ = archive::PackJob(services(), selection, settings_).run();
+    return result_.end;
+  }
   PackSelection items(const std::vector<std::string>& names, const std::string& folder = "C:\\pkg") const {
     PackSelection selection{folder, {}, {}};
     for (const auto& name : names)
       selection.selectedPaths.push_back(folder + "\\" + platform::holdName(name));
     return selection;
+  }
+  /// Puts a shell script in the place of a tool.
+  void tool(const std::string& name, const std::string& script) const {
+    const std::string file = root_ + "/prog/bin/" + name;
+    fs::remove(file);
+    std::ofstream(file) << "#!/bin/sh\n" << script << "\n";
+    chmod(file.c_str(), 0755);
   }
   bool nothingLeft() const {
     const auto isOurs = [](const fs::directory_entry& entry) {
@@ -47,7 +63,7 @@ class PackRunTest : public testworld::World {
     return std::none_of(begin(walk), end(walk), isOurs);
   }
 
-  archive::PackRunner runner_{services()};
+  archive::PackResult result_;
   PackSettings settings_;
 };
 
@@ -55,7 +71,7 @@ TEST_F(PackRunTest, StoresNumericOwnersAndLogsTheFile) {
   write("pkg/app");
   write("pkg/lib/part");
   settings_.ownerId = 507;
-  ASSERT_EQ(pack(items({"lib", "app"})), PackOutcome::Created) << log_.all;
+  ASSERT_EQ(pack(items({"lib", "app"})), JobEnd::Done) << log_.all;
   EXPECT_EQ(members(), "app\nlib/\nlib/part\n");
   EXPECT_NE(output("tar -tvf " + host("out.tgz")).find("507/1 "), std::string::npos);
   EXPECT_EQ(log_.all, " Created file: C:\\out.tgz\n");
@@ -68,7 +84,7 @@ TEST_F(PackRunTest, PacksHostileNamesByteForByte) {
                                           "line\nfeed", "bad\xFF\xC3",    "*?",      " lead",
                                           "@x",         "\xEF\x80\xAF"};
   for (const std::string& name : names) write("pkg/" + name, name);
-  ASSERT_EQ(pack(items(names)), PackOutcome::Created) << log_.all;
+  ASSERT_EQ(pack(items(names)), JobEnd::Done) << log_.all;
   fs::create_directory(host("back"));
   EXPECT_EQ(output("tar -xf " + host("out.tgz") + " -C " + host("back")), "");
   for (const std::string& name : names) EXPECT_EQ(bytes("back/" + name), name);
@@ -78,7 +94,7 @@ TEST_F(PackRunTest, PacksManyNamesThroughANamesFile) {
   std::vector<std::string> names = {"-last\\n", "line\nfeed"};
   for (int i = 1000; i < 2000; ++i) names.push_back(std::string(120, 'n') + std::to_string(i));
   for (const std::string& name : names) write("pkg/" + name);
-  ASSERT_EQ(pack(items(names)), PackOutcome::Created) << log_.all;
+  ASSERT_EQ(pack(items(names)), JobEnd::Done) << log_.all;
   const std::string listing = members();
   EXPECT_EQ(std::count(listing.begin(), listing.end(), '\n'), 1002);
   EXPECT_TRUE(listing.starts_with("./-last\\\\n\nline\\nfeed\n")) << listing.substr(0, 40);
@@ -93,19 +109,19 @@ TEST_F(PackRunTest, PackingTwiceGivesTheSameBytesAndNeverItself) {
     settings_.parentFolder = parent;
     fs::remove(host("pkg/pkg.tgz"));
     utimensat(AT_FDCWD, host("pkg").c_str(), nullptr, 0);
-    ASSERT_EQ(pack(whole), PackOutcome::Created) << log_.all;
+    ASSERT_EQ(pack(whole), JobEnd::Done) << log_.all;
     const std::string first = members("pkg/pkg.tgz");
     EXPECT_EQ(first, parent ? "pkg/\npkg/a\npkg/sub/\npkg/sub/b\n" : "a\nsub/\nsub/b\n");
     const std::string firstBytes = bytes("pkg/pkg.tgz");
     whole.paneItems.push_back("pkg.tgz");
-    ASSERT_EQ(pack(whole), PackOutcome::Created) << log_.all;
+    ASSERT_EQ(pack(whole), JobEnd::Done) << log_.all;
     EXPECT_EQ(members("pkg/pkg.tgz"), first);
     EXPECT_TRUE(parent || bytes("pkg/pkg.tgz") == firstBytes);  // the parent's own time has changed
   }
   settings_.outputPath = "C:\\pkg\\..\\pkg\\sub\\deep.tgz";
   fs::create_directory_symlink("pkg", host("alias"));
-  ASSERT_EQ(pack(items({"sub", "a"}, "C:\\alias")), PackOutcome::Created);
-  ASSERT_EQ(pack(items({"sub", "a"}, "C:\\alias")), PackOutcome::Created);
+  ASSERT_EQ(pack(items({"sub", "a"}, "C:\\alias")), JobEnd::Done);
+  ASSERT_EQ(pack(items({"sub", "a"}, "C:\\alias")), JobEnd::Done);
   EXPECT_EQ(members("pkg/sub/deep.tgz"), "a\nsub/\nsub/b\n");
   EXPECT_TRUE(nothingLeft());
 }
@@ -115,7 +131,7 @@ TEST_F(PackRunTest, LeavesItsOwnPlaceOutWhenEverythingIsPacked) {
   setenv("TMPDIR", host("pkg/tmp").c_str(), 1);
   settings_.outputPath = "C:\\pkg\\pkg.tgz";
   settings_.parentFolder = true;
-  ASSERT_EQ(pack({"C:\\pkg", {}, {"tmp"}}), PackOutcome::Created) << log_.all;
+  ASSERT_EQ(pack({"C:\\pkg", {}, {"tmp"}}), JobEnd::Done) << log_.all;
   EXPECT_EQ(members("pkg/pkg.tgz"), "pkg/\npkg/tmp/\npkg/tmp/other\n");
   EXPECT_TRUE(nothingLeft());
 }
@@ -123,7 +139,7 @@ TEST_F(PackRunTest, LeavesItsOwnPlaceOutWhenEverythingIsPacked) {
 TEST_F(PackRunTest, AFailingRunKeepsTheOldArchive) {
   write("pkg/a");
   write("out.tgz", "old");
-  EXPECT_EQ(pack(items({"a", "gone"})), PackOutcome::Failed);
+  EXPECT_EQ(pack(items({"a", "gone"})), JobEnd::Failed);
   EXPECT_EQ(bytes("out.tgz"), "old");
   ASSERT_EQ(person_.told.size(), 2U);
   EXPECT_EQ(person_.told[1],
@@ -138,15 +154,15 @@ TEST_F(PackRunTest, AFailingRunKeepsTheOldArchive) {
 
 TEST_F(PackRunTest, StatusesOfTarHaveTheirBoxes) {
   write("pkg/a");
-  const std::string tar = root_ + "/prog/bin/tar.exe";
-  fs::remove(tar);
-  EXPECT_EQ(pack(items({"a"})), PackOutcome::Failed);
+  fs::remove(root_ + "/prog/bin/tar.exe");
+  EXPECT_EQ(pack(items({"a"})), JobEnd::Failed);
   EXPECT_EQ(person_.told.back(),
             "Pakrune|Error: Unable to locate necessary program files.\rTry reinstalling the application");
-  std::ofstream(tar)
-      << "#!/bin/sh\n/usr/bin/tar \"$@\"\necho 'tar: a: file changed as we read it' >&2\nexit 1\n";
-  chmod(tar.c_str(), 0755);
-  EXPECT_EQ(pack(items({"a"})), PackOutcome::Failed);
+  tool("tar.exe", "kill -9 $$");
+  EXPECT_EQ(pack(items({"a"})), JobEnd::Failed);
+  EXPECT_NE(log_.all.find(" tar was ended by signal 9\n"), std::string::npos) << log_.all;
+  tool("tar.exe", "/usr/bin/tar \"$@\"\necho 'tar: a: file changed as we read it' >&2\nexit 1");
+  EXPECT_EQ(pack(items({"a"})), JobEnd::Failed);
   EXPECT_EQ(person_.told.back(),
             "Pakrune|Error: An unknown error occurred.\rTry reinstalling Pakrune or Cygwin");
   EXPECT_EQ(members(), "a\n");
@@ -157,21 +173,94 @@ TEST_F(PackRunTest, RefusalsChangeNothing) {
   write("pkg/a");
   write("out.tgz", "old");
   person_.agrees = false;
-  EXPECT_EQ(pack(items({"a"})), PackOutcome::Refused);
+  EXPECT_EQ(pack(items({"a"})), JobEnd::Refused);
   EXPECT_EQ(person_.told.back(), "Pakrune|'C:\\out.tgz' already exists.\rOverwrite?");
   EXPECT_EQ(bytes("out.tgz"), "old");
   settings_.outputPath = "C:\\out.ipk";
-  EXPECT_EQ(pack(items({"a"})), PackOutcome::UnknownExtension);
+  EXPECT_EQ(pack(items({"a"})), JobEnd::Refused);
+  EXPECT_TRUE(result_.unknownExtension);
   EXPECT_EQ(person_.told.back(), "Output file error..|Unrecognized Tar file extension");
-  person_.agrees = true;
-  settings_.outputPath = "C:\\nowhere\\out.tgz";
-  EXPECT_EQ(pack(items({"a"})), PackOutcome::Failed);
-  EXPECT_TRUE(person_.told.back().starts_with("Pakrune: Error|tar.exe"));
-  EXPECT_FALSE(runner_.selectionExists(items({"gone"})));
-  settings_.outputPath = "C:\\folder.tgz";
-  fs::create_directory(host("folder.tgz"));
-  EXPECT_EQ(pack(items({"a"})), PackOutcome::Refused);
-  EXPECT_EQ(person_.told.back(), "Pakrune|'C:\\folder.tgz' is a folder");
+  EXPECT_FALSE(selectionExists(services(), items({"gone"})));
+}
+
+/// What is known before tar starts is told in words, and no tool runs.
+TEST_F(PackRunTest, WhatHindersAPackIsTold) {
+  write("pkg/a");
+  write("file", "x");
+  for (const char* folder : {"folder.tgz", "pkg/empty"}) fs::create_directory(host(folder));
+  for (const char* fifo : {"pkg/fifo.tgz", "pkg/fifo.tar"}) mkfifo(host(fifo).c_str(), 0600);
+  fs::create_symlink("/dev/null", host("null.tgz"));
+  struct Case {
+    std::string output, told;
+    std::vector<std::string> selected = {"a"};
+  };
+  for (const auto& [output, told, selected] : std::vector<Case>{
+           {"folder.tgz", "'C:\\folder.tgz' is a folder"},
+           {"pkg\\fifo.tgz", "'C:\\pkg\\fifo.tgz' is not a file"},
+           {"pkg\\fifo.tar", "'C:\\pkg\\fifo.tar' is not a file"},
+           {"null.tgz", "'C:\\null.tgz' is not a file"},
+           {"nowhere\\x.tgz", "Unable to write into 'C:\\nowhere\\':\rNo such file or directory"},
+           {"file\\x.tgz", "Unable to write into 'C:\\file\\':\rNot a directory"},
+           {"x.tgz", "There is nothing to pack in 'C:\\pkg\\empty'", {"empty"}}}) {
+    settings_.outputPath = "C:\\" + output;
+    settings_.append = output.ends_with(".tar");
+    EXPECT_EQ(pack(items(selected)), JobEnd::Refused) << output;
+    EXPECT_EQ(person_.told.back(), "Pakrune|" + told);
+  }
+  EXPECT_TRUE(person_.consoles.empty());
+  EXPECT_EQ(log_.all, "");
+  settings_.outputPath = "C:\\x.tgz";
+  fs::create_directories(host("pkg/empty/usr8"));  // something, though no name is listed
+  EXPECT_EQ(pack(items({"empty"})), JobEnd::Done) << log_.all;
+  setenv("TMPDIR", "/nowhere/tmp", 1);
+  EXPECT_EQ(pack(items({"empty"})), JobEnd::Failed);
+  EXPECT_NE(person_.told.back().find("'Z:\\nowhere\\tmp\\':\rNo such file"), std::string::npos)
+      << person_.told.back();
+}
+
+TEST_F(PackRunTest, AFolderThatIsClosedOrFullIsToldWithTheSystemsReason) {
+  if (!tests::ordinaryUserGetsAbout()) GTEST_SKIP() << tests::rootIsClosed;
+  chmod(host("").c_str(), 0555);
+  EXPECT_TRUE(tests::asOrdinaryUser([this] { return files_.writeProblem("C:\\") == EACCES; }));
+  write("pkg/a");
+  write("out.tgz", "old");
+  tool("tar.exe", "echo 'tar: /x: Cannot write: No space left on device'; echo half >\"$5\"; exit 2");
+  EXPECT_EQ(pack(items({"a"})), JobEnd::Failed);
+  EXPECT_EQ(person_.told.back(), "Pakrune|The disk is full: no space is left in 'C:\\'");
+  EXPECT_EQ(bytes("out.tgz"), "old");
+}
+
+TEST_F(PackRunTest, AStopEndsThePackAndChangesNothing) {
+  write("pkg/a");
+  write("pkg/usr8/b");
+  write("out.tgz", "old");
+  const auto stop = [this] { busy_.requestStop(); };
+  const auto expectStopped = [this](const std::string& when, std::size_t consoles) {
+    log_.all.clear();
+    person_.told.clear();
+    person_.consoles.clear();
+    EXPECT_EQ(pack(items({"a", "usr8"})), JobEnd::Stopped) << when;
+    EXPECT_EQ(log_.all, " Stopped: creating C:\\out.tgz\n") << when;
+    EXPECT_EQ(person_.told.size(), 1U) << when;  // the question
+    EXPECT_EQ(person_.consoles.size(), consoles) << when;
+    EXPECT_EQ(bytes("out.tgz"), "old") << when;
+    EXPECT_TRUE(nothingLeft()) << when;
+    person_.onMessage = person_.onEvents = person_.onClosed = {};
+    fs::remove(host("runs"));
+  };
+  person_.onMessage = stop;
+  expectStopped("at the question", 0);
+  person_.onEvents = stop;
+  expectStopped("before cp", 0);
+  person_.onClosed = stop;
+  expectStopped("after a tar that ended well", 1);
+  for (const auto& [name, consoles] : {std::pair{"tar.exe", 1U}, {"cp", 0U}}) {
+    person_.onEvents = [this, stop] {
+      if (fs::exists(host("runs"))) stop();
+    };
+    tool(name, "echo half >\"$5\"; echo >" + host("runs") + "; exec sleep 20");
+    expectStopped(std::string("during ") + name, consoles);
+  }
 }
 
 TEST_F(PackRunTest, AppendsToATarAndTurnsACompressedOneIntoANewFile) {
@@ -179,15 +268,14 @@ TEST_F(PackRunTest, AppendsToATarAndTurnsACompressedOneIntoANewFile) {
   write("pkg/b");
   settings_.append = true;
   settings_.outputPath = "C:\\out.tar";
-  ASSERT_EQ(pack(items({"a"})), PackOutcome::Created) << log_.all;
+  ASSERT_EQ(pack(items({"a"})), JobEnd::Done) << log_.all;
   chmod(host("out.tar").c_str(), 0600);
-  ASSERT_EQ(pack(items({"b"})), PackOutcome::Created) << log_.all;
+  ASSERT_EQ(pack(items({"b"})), JobEnd::Done) << log_.all;
   EXPECT_EQ(members("out.tar"), "a\nb\n");
   EXPECT_EQ(fs::status(host("out.tar")).permissions(), fs::perms(0600));
   settings_.outputPath = "C:\\out.tgz";
-  bool newFile = false;
-  EXPECT_EQ(runner_.create(settings_, items({"b"}), [&] { newFile = true; }), PackOutcome::Created);
-  EXPECT_TRUE(newFile);
+  EXPECT_EQ(pack(items({"b"})), JobEnd::Done);
+  EXPECT_TRUE(result_.madeNew);
   EXPECT_EQ(person_.told.back(),
             "Unable to Append|Unable to append to a compressed tar archive\rCreate a new file instead?");
 }
@@ -197,14 +285,14 @@ TEST_F(PackRunTest, StoresUsr8OneLevelUp) {
   write("pkg/usr8/set.ini");
   fs::create_directory(host("pkg/usr8/locked"));
   chmod(host("pkg/usr8/locked").c_str(), 0555);
-  ASSERT_EQ(pack(items({"a", "usr8"})), PackOutcome::Created) << log_.all;
+  ASSERT_EQ(pack(items({"a", "usr8"})), JobEnd::Done) << log_.all;
   EXPECT_EQ(members(), "a\n../usr8/\n../usr8/locked/\n../usr8/set.ini\n");
-  ASSERT_EQ(pack(items({"usr8"})), PackOutcome::Created);
+  ASSERT_EQ(pack(items({"usr8"})), JobEnd::Done);
   EXPECT_EQ(members(), "../usr8/\n../usr8/locked/\n../usr8/set.ini\n");
-  ASSERT_EQ(pack({"C:\\", {"C:\\pkg"}, {}}), PackOutcome::Created);
+  ASSERT_EQ(pack({"C:\\", {"C:\\pkg"}, {}}), JobEnd::Done);
   EXPECT_EQ(members(), "a\n../usr8/\n../usr8/locked/\n../usr8/set.ini\n");
   settings_.stageUsr8 = false;
-  ASSERT_EQ(pack(items({"usr8", "a"})), PackOutcome::Created);
+  ASSERT_EQ(pack(items({"usr8", "a"})), JobEnd::Done);
   EXPECT_EQ(members(), "a\nusr8/\nusr8/locked/\nusr8/set.ini\n");
   EXPECT_TRUE(nothingLeft());
 }
@@ -213,10 +301,10 @@ TEST_F(PackRunTest, TheWholeFolderStoresUsr8AsASelectionOfAllDoes) {
   write("pkg/a");
   write("pkg/usr8/set.ini");
   const PackSelection whole{"C:\\pkg", {}, {"usr8", "a"}};
-  ASSERT_EQ(pack(whole), PackOutcome::Created) << log_.all;
+  ASSERT_EQ(pack(whole), JobEnd::Done) << log_.all;
   EXPECT_EQ(members(), "a\n../usr8/\n../usr8/set.ini\n");
   settings_.parentFolder = true;
-  ASSERT_EQ(pack(whole), PackOutcome::Created);
+  ASSERT_EQ(pack(whole), JobEnd::Done);
   EXPECT_EQ(members(), "pkg/\npkg/a\npkg/usr8/\npkg/usr8/set.ini\n");
 }
 
@@ -230,7 +318,7 @@ TEST_F(PackRunTest, EveryReaderSeesTheSame) {
       "print(m.name, oct(m.mode), m.uid, m.gid, m.size)' ";
   for (const std::string name : {"out.tar", "out.tgz", "out.tbz2"}) {
     settings_.outputPath = "C:\\" + name;
-    ASSERT_EQ(pack(items({"a"})), PackOutcome::Created) << log_.all;
+    ASSERT_EQ(pack(items({"a"})), JobEnd::Done) << log_.all;
     EXPECT_TRUE(output("tar --numeric-owner -tvf " + host(name)).starts_with("-rwxr-x--x 507/1 ")) << name;
     const bool hasPython = !output("command -v python3 || true").empty();
     EXPECT_EQ(hasPython ? output(python + host(name)) : "a 0o751 507 1 5\n", "a 0o751 507 1 5\n");
@@ -245,22 +333,112 @@ TEST_F(PackRunTest, InsideUsr8TheSelectionGoesBelowIt) {
   write("pkg/usr8/usr8/inner");
   chmod(host("pkg/usr8").c_str(), 0750);
   const std::string folder = "C:\\pkg\\usr8";
-  ASSERT_EQ(pack(items({"-x", "usr8"}, folder)), PackOutcome::Created) << log_.all;
+  ASSERT_EQ(pack(items({"-x", "usr8"}, folder)), JobEnd::Done) << log_.all;
   EXPECT_EQ(members(), "../usr8/\n../usr8/-x\n../usr8/usr8/\n../usr8/usr8/inner\n");
   EXPECT_TRUE(output("tar -P -tvf " + host("out.tgz")).starts_with("drwxr-x---"));
   const std::string first = bytes("out.tgz");
-  ASSERT_EQ(pack(items({"-x", "usr8"}, folder)), PackOutcome::Created);
+  ASSERT_EQ(pack(items({"-x", "usr8"}, folder)), JobEnd::Done);
   EXPECT_EQ(bytes("out.tgz"), first);
 }
 
-TEST_F(PackRunTest, ACopyThatComplainsStopsThePack) {
+TEST_F(PackRunTest, ACopyThatIsNotWholeRefusesThePack) {
   write("pkg/a");
   write("out.tgz", "old");
-  EXPECT_EQ(pack(items({"a", "usr8"})), PackOutcome::Failed);
-  EXPECT_NE(log_.all.find(" Unable to copy: cp: "), std::string::npos) << log_.all;
-  EXPECT_EQ(person_.told.size(), 1U);
-  EXPECT_EQ(bytes("out.tgz"), "old");
+  write("pkg/usr8/b");
+  struct Case {
+    std::string script, logged, told;
+  };
+  for (const auto& [script, logged, told] : std::vector<Case>{
+           {"kill -9 $$", "cp was ended by signal 9", "\rcp was ended by signal 9"},
+           {"exit 1", "cp ended with exit code 1", "\rcp ended with exit code 1"},
+           {"echo 'cp: not all'", "cp: not all", ""},
+           {"echo 'cp: b: No space left on device'; exit 1", "cp: b: No space left on device", "full"}}) {
+    tool("cp", script);
+    EXPECT_EQ(pack(items({"a", "usr8"})), JobEnd::Failed) << script;
+    EXPECT_NE(log_.all.find(" Unable to copy: " + logged + "\n"), std::string::npos) << log_.all;
+    const bool full = told == "full";
+    EXPECT_TRUE(person_.told.back().starts_with(full ? "Pakrune|The disk is full"
+                                                     : "Pakrune|Unable to copy what is to be packed" + told))
+        << person_.told.back();
+    EXPECT_EQ(bytes("out.tgz"), "old");
+    EXPECT_TRUE(nothingLeft());
+  }
+}
+
+TEST_F(PackRunTest, WhatNobodyWasAskedAboutIsNotReplaced) {
+  write("pkg/a");
+  tool("tar.exe", "/usr/bin/tar \"$@\"; echo theirs >" + host("out.tgz"));
+  EXPECT_EQ(pack(items({"a"})), JobEnd::Failed);
+  EXPECT_TRUE(person_.told.back().starts_with("Pakrune|'C:\\out.tgz' has appeared meanwhile"));
+  EXPECT_EQ(bytes("out.tgz"), "theirs\n");
   EXPECT_TRUE(nothingLeft());
+  EXPECT_EQ(pack(items({"a"})), JobEnd::Done);  // asked, and agreed
+}
+
+/// A replaced archive keeps mode and owner; rights of its owner pass to nobody else.
+TEST_F(PackRunTest, TheNewArchiveTakesOverModeAndOwner) {
+  write("pkg/a");
+  write("out.tgz", "old");
+  if (geteuid() == 0) {
+    ASSERT_EQ(chown(host("out.tgz").c_str(), 65534, 65533), 0);
+  }
+  chmod(host("out.tgz").c_str(), 04640);
+  ASSERT_EQ(pack(items({"a"})), JobEnd::Done);
+  struct stat status {};
+  ASSERT_EQ(stat(host("out.tgz").c_str(), &status), 0);
+  EXPECT_EQ(status.st_mode & 07777, 04640U);
+  EXPECT_TRUE(geteuid() != 0 || (status.st_uid == 65534 && status.st_gid == 65533));
+}
+
+/// Folders of other runs, in use or left behind: of ours by name, lock file and user.
+TEST_F(PackRunTest, ScratchFoldersAreNeverPackedAndSweptWhenAbandoned) {
+  const std::string lock = archive::ScratchFolder::lockName;
+  write("pkg/sub/deep/_PK000001.tmp/" + lock, "");
+  write("pkg/sub/deep/_PK000001.tmp/half");
+  write("pkg/sub/deep/b");
+  write("pkg/_PK000002-3.tmp/" + lock, "");
+  write("pkg/_PK000003.tmp/mine");
+  write("pkg/-PK/" + lock, "");
+  write("pkg/usr8/_PK000004.tmp/" + lock, "");
+  utimensat(AT_FDCWD, host("pkg/sub/deep").c_str(), std::array<timespec, 2>{{{5, 0}, {5, 0}}}.data(), 0);
+  const std::vector<std::string> all = {"sub", "_PK000002-3.tmp", "_PK000003.tmp", "-PK"};
+  const std::string plain =
+      "./-PK/\n./-PK/" + lock + "\n_PK000003.tmp/\n_PK000003.tmp/mine\nsub/\nsub/deep/\nsub/deep/b\n";
+  ASSERT_EQ(pack(items(all)), JobEnd::Done) << log_.all;
+  EXPECT_EQ(members(), plain);
+  settings_.parentFolder = true;
+  settings_.outputPath = "C:\\parent.tgz";
+  ASSERT_EQ(pack({"C:\\pkg", {}, all}), JobEnd::Done) << log_.all;
+  EXPECT_EQ(members("parent.tgz").find("_PK000002"), std::string::npos);
+  EXPECT_EQ(members("parent.tgz").find("_PK000001"), std::string::npos);
+  settings_.outputPath = "C:\\staged.tgz";
+  setenv("TMPDIR", host("pkg/sub").c_str(), 1);  // the run's own is one of them, too
+  std::vector<std::string> withHome = all;
+  withHome.emplace_back("usr8");
+  ASSERT_EQ(pack(items(withHome)), JobEnd::Done) << log_.all;
+  EXPECT_EQ(members("staged.tgz"), plain + "../usr8/\n");
+  EXPECT_NE(output("tar -tvf " + host("staged.tgz") + " sub/deep").find("1970-01-01"), std::string::npos);
+  EXPECT_EQ(pack(items({"_PK000002-3.tmp"})), JobEnd::Refused);
+
+  const auto inUse = platform::LockFile::takeOver(host("pkg/_PK000002-3.tmp/") + lock);
+  log_.all.clear();
+  { const archive::ScratchFolder next(files_, log_, "C:\\pkg\\"); }
+  EXPECT_TRUE(fs::exists(host("pkg/_PK000002-3.tmp")));
+  EXPECT_TRUE(fs::exists(host("pkg/_PK000003.tmp/mine")));
+  EXPECT_EQ(log_.all, "");
+  { const archive::ScratchFolder next(files_, log_, "C:\\pkg\\sub\\deep\\"); }
+  EXPECT_FALSE(fs::exists(host("pkg/sub/deep/_PK000001.tmp")));
+  EXPECT_EQ(log_.all, " Removed what an ended run left behind: C:\\pkg\\sub\\deep\\_PK000001.tmp\n");
+}
+
+TEST_F(PackRunTest, OneScratchFolderSparesAnotherInUse) {
+  const archive::ScratchFolder first(files_, log_, "C:\\");
+  const archive::ScratchFolder second(files_, log_, "C:\\");
+  EXPECT_TRUE(first && second && first.path() != second.path());
+  EXPECT_TRUE(archive::isScratchFolder(files_, first.path()));
+  if (geteuid() != 0) return;
+  ASSERT_EQ(chown((host("") + first.path().substr(3)).c_str(), 65534, 65534), 0);
+  EXPECT_FALSE(archive::isScratchFolder(files_, first.path()));  // another user's
 }
 
 TEST_F(PackRunTest, ContentsOnlyHoldsHiddenEntriesLinksAndPipes) {
@@ -268,10 +446,10 @@ TEST_F(PackRunTest, ContentsOnlyHoldsHiddenEntriesLinksAndPipes) {
   write("pkg/box/zdir/x");
   fs::create_symlink("nothing", host("pkg/box/dangling"));
   mkfifo(host("pkg/box/fifo").c_str(), 0600);
-  ASSERT_EQ(pack(items({"box"})), PackOutcome::Created) << log_.all;
+  ASSERT_EQ(pack(items({"box"})), JobEnd::Done) << log_.all;
   EXPECT_EQ(members(), "zdir/\nzdir/x\n.hidden\ndangling\nfifo\n");
   settings_.contentsOnly = false;
-  ASSERT_EQ(pack(items({"box"})), PackOutcome::Created);
+  ASSERT_EQ(pack(items({"box"})), JobEnd::Done);
   EXPECT_TRUE(members().starts_with("box/\nbox/.hidden\n"));
 }
 

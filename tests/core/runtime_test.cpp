@@ -128,7 +128,7 @@ TEST_F(RuntimeTest, VisibleRunsKeepTheirTextAndStatus) {
 
 TEST_F(RuntimeTest, AStopEndsARunAndLetsNoneBegin) {
   const platform::Busy::Scope job(busy_);
-  person_.onYield = [this] { person_.yields > 2 ? busy_.requestStop() : void(); };
+  person_.onEvents = [this] { person_.yields > 2 ? busy_.requestStop() : void(); };
   const runtime::ToolResult ended = api_.RunCapture(bin(), "sleep 30");
   EXPECT_TRUE(ended.stopped);
   EXPECT_EQ(ended.status, 128 + SIGTERM);

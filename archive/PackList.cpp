@@ -1,24 +1,17 @@
-#include "archive/PackRunner.h"
+#include "archive/PackList.h"
 
 #include <algorithm>
 
-#include "archive/PackJob.h"
+#include "archive/PackedRoots.h"
+#include "archive/ScratchFolder.h"
 #include "platform/HeldName.h"
 #include "platform/ResolvedPath.h"
+#include "runtime/modAPI.h"
 
 namespace archive {
 namespace {
 
-using runtime::Answer;
-using runtime::Buttons;
-using runtime::Consequence;
-using runtime::Icon;
-
 constexpr const char* homeName = "usr8";
-
-bool insideUsr8(const PackSelection& selection) {
-  return runtime::withTrailingBackslash(selection.currentFolder).ends_with("\\usr8\\");
-}
 
 bool isRoot(const std::string& folder) { return runtime::GetFileName(folder).empty(); }
 
@@ -121,87 +114,36 @@ NameList wholeFolder(const PackSettings& settings, const PackSelection& selectio
   return list;
 }
 
-/// An archive is never a member of itself.
-void leaveOut(const platform::DriveTable& drives, NameList& list, const std::string& path) {
-  const std::vector<std::string> paths = resolvedNames(drives, list);
-  const auto at = std::find(paths.begin(), paths.end(), platform::resolvedPath(drives, path));
-  if (at != paths.end()) list.names.erase(list.names.begin() + (at - paths.begin()));
-}
-
-bool mayReplace(runtime::UserInterface& user, const platform::Files& files, const std::string& path) {
-  if (!files.entryExists(path)) return true;
-  return user.message("'" + path + "' already exists.\rOverwrite?", Buttons::YesNo, Icon::None,
-                      runtime::programTitle, Consequence::ReplacesSomething) == Answer::Yes;
-}
-
-/// Whether the run goes on; an append to a compressed archive becomes a new file when the user agrees.
-bool settleMode(runtime::UserInterface& user, PackSettings& settings,
-                const std::function<void()>& useNewFile) {
-  if (!settings.append || settings.outputPath.ends_with("tar")) return true;
-  if (user.message("Unable to append to a compressed tar archive\rCreate a new file instead?",
-                   Buttons::OkCancel, Icon::None, "Unable to Append",
-                   Consequence::MakesSomethingNew) != Answer::Ok)
-    return false;
-  settings.append = false;
-  if (useNewFile) useNewFile();
-  return true;
+/// An archive is never a member of itself, and what runs keep for themselves is none of anything.
+void leaveOut(const platform::Files& files, NameList& list, const std::string& output) {
+  const std::vector<std::string> paths = resolvedNames(files.drives(), list);
+  const std::string archive = platform::resolvedPath(files.drives(), output);
+  std::vector<std::string> kept;
+  for (std::size_t i = 0; i < paths.size(); ++i)
+    if (paths[i] != archive && !isScratchFolder(files, paths[i])) kept.push_back(std::move(list.names[i]));
+  list.names = std::move(kept);
 }
 
 }  // namespace
 
-std::string wholeOutputPath(const PackSettings& settings, const PackSelection& selection) {
-  std::string path = settings.outputPath;
-  std::replace(path.begin(), path.end(), '/', '\\');
-  const bool whole = path.starts_with('\\') || (path.size() > 2 && path[1] == ':');
-  return whole ? path : runtime::withTrailingBackslash(selection.currentFolder) + path;
+bool insideUsr8(const PackSelection& selection) {
+  return runtime::withTrailingBackslash(selection.currentFolder).ends_with("\\usr8\\");
 }
 
-NameList PackRunner::nameList(const PackSettings& settings, const PackSelection& selection) const {
+bool oneFolder(const platform::Files& files, const PackSelection& selection) {
+  return selection.selectedPaths.size() == 1 && files.folderExists(selection.selectedPaths.front());
+}
+
+NameList nameList(const platform::Files& files, const PackSettings& settings,
+                  const PackSelection& selection) {
   const std::vector<std::string>& selected = selection.selectedPaths;
-  const bool contents =
-      settings.contentsOnly && selected.size() == 1 && services_.system.files.folderExists(selected.front());
+  const bool contents = settings.contentsOnly && oneFolder(files, selection);
+  if (contents && isScratchFolder(files, selected.front())) return {selected.front(), {}, false, false};
   NameList list = selected.empty() ? wholeFolder(settings, selection)
-                  : contents       ? contentsOf(services_.system.files, settings, selection)
-                                   : selectedItems(services_.system.drives, settings, selection);
-  leaveOut(services_.system.drives, list, wholeOutputPath(settings, selection));
+                  : contents       ? contentsOf(files, settings, selection)
+                                   : selectedItems(files.drives(), settings, selection);
+  leaveOut(files, list, settings.outputPath);
   return list;
-}
-
-PackOutcome PackRunner::create(PackSettings settings, const PackSelection& selection,
-                               const std::function<void()>& useNewFile) {
-  const auto kind = runtime::archiveKind(settings.outputPath);
-  if (!kind || *kind == runtime::ArchiveKind::Ipk) {
-    services_.user.message("Unrecognized Tar file extension", Buttons::Ok, Icon::Critical,
-                           "Output file error..");
-    return PackOutcome::UnknownExtension;
-  }
-  settings.outputPath = wholeOutputPath(settings, selection);
-  if (services_.system.files.folderExists(settings.outputPath)) {
-    services_.user.message("'" + settings.outputPath + "' is a folder", Buttons::Ok, Icon::Critical);
-    return PackOutcome::Refused;
-  }
-  if (!mayReplace(services_.user, services_.system.files, settings.outputPath)) return PackOutcome::Refused;
-  if (!settleMode(services_.user, settings, useNewFile)) return PackOutcome::Refused;
-  NameList list = nameList(settings, selection);
-  services_.cygwin.SetCygwinEnvironment();
-  services_.api.SetCurDir(services_.cygwin.cygwinBin());
-  const char mode = settings.append ? 'r' : 'c';
-  PackJob job(services_, {settings, *kind, mode, std::move(list), insideUsr8(selection)});
-  return job.run();
-}
-
-bool PackRunner::selectionExists(const PackSelection& selection) const {
-  for (const std::string& path : selection.selectedPaths) {
-    if (services_.system.files.entryExists(path)) continue;
-    services_.user.message("One or more selected files no longer exist\rTry clicking Refresh", Buttons::Ok,
-                           Icon::Critical, "Unable to locate files");
-    return false;
-  }
-  if (!selection.selectedPaths.empty() || services_.system.files.folderExists(selection.currentFolder))
-    return true;
-  services_.user.message("The selected directory no longer exists\rTry clicking Refresh", Buttons::Ok,
-                         Icon::Critical, "Unable to locate path");
-  return false;
 }
 
 }  // namespace archive
