@@ -8,13 +8,6 @@
 
 namespace archive {
 
-struct OwnerEntry {
-  const char* name;
-  int id;
-};
-/// usr1 (500) to usr8 (507), root (0).
-const std::vector<OwnerEntry>& ownerEntries();
-
 /// What the archive dialog's controls say when "Create Tar" is pressed.
 struct PackSettings {
   std::string outputPath;     ///< Windows form

@@ -1,7 +1,5 @@
 #include "archive/PackJob.h"
 
-#include <algorithm>
-
 #include "archive/PackList.h"
 #include "archive/PackRun.h"
 
@@ -14,13 +12,6 @@ using runtime::Consequence;
 using runtime::Icon;
 using runtime::JobEnd;
 
-/// A name without a folder lies in the folder that is shown.
-std::string wholeOutputPath(std::string path, const std::string& currentFolder) {
-  std::replace(path.begin(), path.end(), '/', '\\');
-  const bool whole = path.starts_with('\\') || (path.size() > 2 && path[1] == ':');
-  return whole ? path : runtime::withTrailingBackslash(currentFolder) + path;
-}
-
 }  // namespace
 
 PackJob::PackJob(const runtime::Services& services, PackSelection selection, PackSettings settings)
@@ -28,7 +19,6 @@ PackJob::PackJob(const runtime::Services& services, PackSelection selection, Pac
       selection_(std::move(selection)),
       settings_(std::move(settings)),
       kind_(runtime::archiveKind(settings_.outputPath)) {
-  settings_.outputPath = wholeOutputPath(settings_.outputPath, selection_.currentFolder);
   result_.path = settings_.outputPath;
 }
 

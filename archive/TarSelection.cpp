@@ -28,21 +28,16 @@ bool selectionExists(const runtime::Services& services, const PackSelection& sel
   return false;
 }
 
-PackSelection packSelection(const runtime::FilePane& pane, bool whole) {
+std::optional<PackSelection> checkSelection(const runtime::Services& services, runtime::FilePane& pane) {
   PackSelection selection;
   selection.currentFolder = runtime::withoutTrailingBackslash(pane.GetDir1Path());
-  if (!whole) selection.selectedPaths = pane.selectedPaths();
-  if (selection.selectedPaths.empty()) selection.paneItems = pane.paneItems();
-  return selection;
-}
-
-TarSelection checkSelection(const runtime::Services& services, runtime::FilePane& pane) {
-  const PackSelection selection = packSelection(pane, false);
-  if (!selectionExists(services, selection)) return TarSelection::Stopped;
-  if (!selection.selectedPaths.empty()) return TarSelection::Selected;
-  if (!wholeFolderAgreed(services, selection.currentFolder)) return TarSelection::Stopped;
+  selection.selectedPaths = pane.selectedPaths();
+  if (!selectionExists(services, selection)) return std::nullopt;
+  if (!selection.selectedPaths.empty()) return selection;
+  selection.paneItems = pane.paneItems();
+  if (!wholeFolderAgreed(services, selection.currentFolder)) return std::nullopt;
   pane.selectAllRows();
-  return TarSelection::WholeFolder;
+  return selection;
 }
 
 }  // namespace archive

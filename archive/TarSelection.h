@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "archive/PackCommand.h"
 #include "runtime/FilePane.h"
 #include "runtime/Services.h"
@@ -10,14 +12,9 @@ namespace archive {
 /// is gone.
 bool selectionExists(const runtime::Services& services, const PackSelection& selection);
 
-enum class TarSelection { Stopped, Selected, WholeFolder };
-
-/// What the file pane's selection stands for. With `whole`, the selected rows count as nothing selected: the
-/// folder as a whole was asked for.
-PackSelection packSelection(const runtime::FilePane& pane, bool whole);
-
-/// The checks before the archive dialog: what is selected must still exist; with nothing selected, the user
-/// is asked about the whole folder, and OK selects every row.
-TarSelection checkSelection(const runtime::Services& services, runtime::FilePane& pane);
+/// What is to be packed, taken from the file pane once, at the click: what is selected must still exist; with
+/// nothing selected, the user is asked about the whole folder, and OK selects every row (the selection stays
+/// an empty one: the folder as a whole was asked for). nullopt: no, or told why not.
+std::optional<PackSelection> checkSelection(const runtime::Services& services, runtime::FilePane& pane);
 
 }  // namespace archive

@@ -5,11 +5,13 @@
 
 #include "archive/FileDrop.h"
 #include "archive/PackList.h"
+#include "platform/TypedPath.h"
 #include "platform/desktop/Clipboard.h"
 #include "platform/desktop/Handlers.h"
 #include "platform/desktop/ImageList.h"
 #include "platform/desktop/Text.h"
 #include "runtime/ImageKeys.h"
+#include "runtime/OwnerEntries.h"
 #include "ui_frmTar.h"
 
 namespace archive {
@@ -93,7 +95,7 @@ frmTar::~frmTar() = default;
 
 void frmTar::Form_Load() {
   QStringList owners;
-  for (const OwnerEntry& entry : ownerEntries()) owners.append(QString::fromLatin1(entry.name));
+  for (const runtime::OwnerEntry& entry : runtime::ownerEntries()) owners.append(QString::fromLatin1(entry.name));
   if (!pane_.setOwnerShown()) owners.removeLast();
   ui_->listOwner->setEntries(owners);
   ui_->cmdGetOut->setIcon(platform::desktop::imageIcon(runtime::getImageIndex("fldrOpen")));
@@ -151,15 +153,29 @@ PackSettings frmTar::settings() const {
   settings.append = ui_->optAppend->isChecked();
   settings.setOwner = ui_->checkOwner->isChecked();
   settings.setGroup = ui_->checkGroup->isChecked();
-  settings.ownerId = ownerEntries().at(static_cast<std::size_t>(ui_->listOwner->topIndex())).id;
+  settings.ownerId = runtime::ownerEntries().at(static_cast<std::size_t>(ui_->listOwner->topIndex())).id;
   settings.contentsOnly = ui_->checkContentsOnly->isChecked();
   settings.parentFolder = ui_->checkFolderContents->isChecked();
   settings.stageUsr8 = stageUsr8_;
   return settings;
 }
 
+/// The text of the box becomes the program's path, which the box then shows; or the user is told why not.
+bool frmTar::readOutput() {
+  const platform::TypedPath typed = platform::typedPath(
+      services_.system.drives, fromControl(ui_->txtFileOut->text()), selection_.currentFolder);
+  if (typed) {
+    ui_->txtFileOut->setText(toControl(typed.path));
+    return true;
+  }
+  services_.user.message(typed.problem, runtime::Buttons::Ok, runtime::Icon::Critical, "Output file error..");
+  ui_->txtFileOut->setFocus();
+  return false;
+}
+
 void frmTar::cmdTar_Click() {
   const QPointer<frmTar> self(this);
+  if (!readOutput() || self.isNull()) return;
   const PackResult made = createArchive();
   if (self.isNull()) return;
   if (made.madeNew) ui_->optNew->setChecked(true);
@@ -199,17 +215,15 @@ bool ClipboardCopyFile(const platform::DriveTable& drives, const std::string& pa
   return platform::desktop::offerFiles(drives, fileDropBlock(path));
 }
 
-TarSelection CheckTarSelection(const runtime::Services& services, runtime::FilePane& pane,
-                               runtime::Downloads& downloads, platform::desktop::FilePickers& pickers,
-                               QWidget* parent, bool show) {
-  const TarSelection selected = checkSelection(services, pane);
-  if (selected == TarSelection::Stopped || !show) return selected;
-  const bool whole = selected == TarSelection::WholeFolder;
-  const QPointer<frmTar> form =
-      new frmTar(services, pane, downloads, pickers, packSelection(pane, whole), parent);
+bool CheckTarSelection(const runtime::Services& services, runtime::FilePane& pane,
+                       runtime::Downloads& downloads, platform::desktop::FilePickers& pickers,
+                       QWidget* parent) {
+  std::optional<PackSelection> selection = checkSelection(services, pane);
+  if (!selection) return false;
+  const QPointer<frmTar> form = new frmTar(services, pane, downloads, pickers, std::move(*selection), parent);
   form->exec();
   delete form;
-  return selected;
+  return true;
 }
 
 }  // namespace archive

@@ -39,6 +39,7 @@ class frmTar : public QDialog {
   PackResult createArchive();
   std::vector<platform::desktop::Action> actions();
   std::string chooseOutput() const;
+  bool readOutput();
   PackSettings settings() const;
   void handOver(const std::string& path);
 
@@ -56,9 +57,9 @@ class frmTar : public QDialog {
 bool ClipboardCopyFile(const platform::DriveTable& drives, const std::string& path);
 
 /// The button "Create Tar File": checks the selection, asks before the whole folder is packed, and opens
-/// frmTar modally; with `show` false it ends after the checks, and the caller packs `packSelection` itself.
-TarSelection CheckTarSelection(const runtime::Services& services, runtime::FilePane& pane,
-                               runtime::Downloads& downloads, platform::desktop::FilePickers& pickers,
-                               QWidget* parent, bool show);
+/// frmTar modally. False when nothing was opened.
+bool CheckTarSelection(const runtime::Services& services, runtime::FilePane& pane,
+                       runtime::Downloads& downloads, platform::desktop::FilePickers& pickers,
+                       QWidget* parent);
 
 }  // namespace archive

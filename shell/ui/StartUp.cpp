@@ -178,13 +178,11 @@ void StartUp::showLogged(std::size_t since) {
 /// The window stays hidden: what is asked and told stands on its own.
 bool StartUp::quickPackSelection(const CommandLine& commandLine) {
   selectNamed(commandLine);
-  const archive::TarSelection checked =
-      archive::CheckTarSelection(program_.services(), window_, window_, window_.pickers(), nullptr, false);
+  const auto selection = archive::checkSelection(program_.services(), window_);
   program_.exitStatus = 1;
-  if (checked == archive::TarSelection::Stopped) return false;
+  if (!selection) return false;
   const std::size_t logged = program_.log.text().size();
-  const auto packed =
-      quickPack(program_, archive::packSelection(window_, checked == archive::TarSelection::WholeFolder));
+  const archive::PackResult packed = quickPack(program_, *selection);
   if (packed.end == runtime::JobEnd::Done)
     program_.exitStatus = 0;
   else if (packed.end == runtime::JobEnd::Failed)

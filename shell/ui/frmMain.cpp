@@ -148,7 +148,7 @@ void frmMain::showfrmWDXOptions(const std::string& path) {
 }
 
 void frmMain::cmdTar_Click() {
-  archive::CheckTarSelection(program_.services(), *this, *this, pickers_, this, true);
+  archive::CheckTarSelection(program_.services(), *this, *this, pickers_, this);
 }
 
 void frmMain::cmdExtract_Click() { frameUntar_->open(); }

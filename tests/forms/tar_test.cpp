@@ -18,7 +18,6 @@
 namespace {
 
 using archive::CheckTarSelection;
-using archive::TarSelection;
 using platform::desktop::FileRequest;
 using platform::desktop::ScrollList;
 
@@ -71,7 +70,7 @@ class TarFormTest : public testworld::World {
     window_.items = {"lib", "a"};
   }
   /// Shows the dialog as the button does and acts on it; it is cancelled when it stays open.
-  TarSelection show(const std::function<void(QDialog&)>& act) {
+  bool show(const std::function<void(QDialog&)>& act) {
     QTimer::singleShot(0, [&] {
       auto* const form = qobject_cast<QDialog*>(QApplication::activeModalWidget());
       ASSERT_NE(form, nullptr);
@@ -79,7 +78,7 @@ class TarFormTest : public testworld::World {
       stayedOpen_ = form->isVisible();
       if (stayedOpen_) form->findChild<QPushButton*>("cmdCancel")->click();
     });
-    return CheckTarSelection(services(), window_, window_, pickers_, nullptr, true);
+    return CheckTarSelection(services(), window_, window_, pickers_, nullptr);
   }
   void select(const std::vector<std::string>& names) {
     window_.selected.clear();
@@ -118,7 +117,7 @@ TEST_F(TarFormTest, OneFolderOffersItsContents) {
               EXPECT_FALSE(the<ScrollList>(form, "listOwner").isEnabled());
               press(form, "cmdTar");
             }),
-            TarSelection::Selected);
+            true);
   EXPECT_FALSE(stayedOpen_);
   EXPECT_EQ(members("pkg/lib.tgz"), "part\n");
   EXPECT_EQ(window_.asked, std::vector<std::string>{"refresh"});
@@ -156,28 +155,41 @@ TEST_F(TarFormTest, TheWholeFolderMayHoldItsParentEntry) {
       press(form, "cmdTar");
     });
   };
-  EXPECT_EQ(answer(true, false), TarSelection::WholeFolder);
+  EXPECT_TRUE(answer(true, false));
   EXPECT_EQ(person_.told.front(),
             "Warning..|This will create a tar file for all files and subdirectories under:\rC:\\pkg");
   EXPECT_EQ(members("pkg/pkg.tgz"), "a\nlib/\nlib/part\n");
-  EXPECT_EQ(answer(true, true), TarSelection::WholeFolder);
+  EXPECT_TRUE(answer(true, true));
   EXPECT_EQ(members("pkg/pkg.tgz"), "pkg/\npkg/a\npkg/lib/\npkg/lib/part\n");
 }
 
 TEST_F(TarFormTest, ChecksStopBeforeAnythingIsShown) {
   person_.agrees = false;
-  EXPECT_EQ(CheckTarSelection(services(), window_, window_, pickers_, nullptr, true), TarSelection::Stopped);
+  EXPECT_FALSE(CheckTarSelection(services(), window_, window_, pickers_, nullptr));
   EXPECT_TRUE(window_.selected.empty());
   person_.agrees = true;
-  EXPECT_EQ(CheckTarSelection(services(), window_, window_, pickers_, nullptr, false),
-            TarSelection::WholeFolder);
+  const auto whole = archive::checkSelection(services(), window_);
+  EXPECT_TRUE(whole && whole->selectedPaths.empty() && whole->paneItems == window_.items);
   select({"gone"});
-  EXPECT_EQ(CheckTarSelection(services(), window_, window_, pickers_, nullptr, true), TarSelection::Stopped);
+  EXPECT_FALSE(CheckTarSelection(services(), window_, window_, pickers_, nullptr));
   select({});
   window_.folder = "C:\\gone\\";
-  EXPECT_EQ(CheckTarSelection(services(), window_, window_, pickers_, nullptr, true), TarSelection::Stopped);
+  EXPECT_FALSE(CheckTarSelection(services(), window_, window_, pickers_, nullptr));
   EXPECT_EQ(person_.told.back(),
             "Unable to locate path|The selected directory no longer exists\rTry clicking Refresh");
+}
+
+TEST_F(TarFormTest, TheOutputIsReadOnceAndShownAsItIsUsed) {
+  select({"a"});
+  show([&](QDialog& form) {
+    the<QLineEdit>(form, "txtFileOut").setText("q:/x.tgz");
+    press(form, "cmdTar");
+    EXPECT_EQ(person_.told.back(), "Output file error..|There is no drive 'Q:'");
+    EXPECT_TRUE(form.isVisible());
+    the<QLineEdit>(form, "txtFileOut").setText("lib/o:1.tgz");
+    press(form, "cmdTar");
+  });
+  EXPECT_EQ(members("pkg/lib/o:1.tgz"), "a\n");
 }
 
 TEST_F(TarFormTest, SaveDialogAddsExtensionsAndAsksAgain) {
