@@ -72,6 +72,13 @@ class World : public testing::Test {
     cygwin_.FindCygwinRoot();
     cygwin_.CheckCygwinTools();
   }
+  /// Puts a shell script in the place of a tool.
+  void tool(const std::string& name, const std::string& script) const {
+    const std::string file = root_ + "/prog/bin/" + name;
+    fs::remove(file);
+    std::ofstream(file) << "#!/bin/sh\n" << script << "\n";
+    fs::permissions(file, fs::perms(0755));
+  }
   std::string host(const std::string& name) const { return root_ + "/disk/" + name; }
   void write(const std::string& name, const std::string& text = "text") const {
     fs::create_directories(fs::path(host(name)).parent_path());

@@ -4,7 +4,7 @@ set -euo pipefail
 pakrune=$1/pakrune
 unset DISPLAY WAYLAND_DISPLAY QT_QPA_PLATFORM
 world=$(mktemp -d)
-trap 'rm -rf "$world"' EXIT
+trap 'kill -KILL ${packer:-} ${tar:-} 2>/dev/null || true; rm -rf "$world"' EXIT
 export HOME=$world/home XDG_CONFIG_HOME=$world/config TMPDIR=$world/tmp
 unset PAKRUNE_DRIVES
 mkdir -p "$HOME/pkg/usr8" "$TMPDIR"
@@ -69,6 +69,50 @@ run 1 -extract pkg none.tgz out/none
 [ "$(cat "$world/out")" = "$HOME/pkg/pkg.tgz" ] || fail "output: $(cat "$world/out")"
 run 0 --batch --yes -qpack "$HOME/pkg" "b c"
 [ "$(cat "$world/out")" = "$HOME/pkg/b c.tgz" ] || fail "output: $(cat "$world/out")"
+
+mkfifo special.tgz && mkdir -p special
+run 1 --yes -qpack . special # nothing waits for a pipe
+grep -q "special.tgz' is not a file" "$world/err" || fail "a pipe is no output"
+rm special.tgz && rmdir special
+
+# A file of zeros that tar takes long over.
+mkdir -p slow/usr8 && echo old >slow/slow.tgz && truncate -s 40G slow/zeros && echo s >slow/small
+start() { # FOLDER NAME...: packs in the background until tar has begun
+  "$pakrune" --yes -qpack "$@" >"$world/out" 2>"$world/err" &
+  packer=$!
+  for _ in $(seq 200); do
+    tar=$(pgrep -P "$packer") && [ -n "$(find . "$TMPDIR" -path '*_PK*.tgz')" ] && return
+    sleep 0.02
+  done
+  fail "tar has not begun"
+}
+scratch() { find "$HOME" "$TMPDIR" -name '_PK*'; }
+start slow zeros usr8
+status=0
+began=$(date +%s%N)
+kill -TERM "$packer" && wait "$packer" || status=$?
+[ "$status" = 143 ] || fail "status $status after SIGTERM"
+[ $((($(date +%s%N) - began) / 1000000)) -lt 1000 ] || fail "a stop took too long"
+[ ! -s "$world/out" ] && [ "$(cat slow/slow.tgz)" = old ] && [ -z "$(scratch)" ] || fail "what a stop left"
+[ "$(grep -c " Stopped: creating C:.slow.slow.tgz" "$world/err")" = 1 ] || fail "no word of the stop"
+grep -qi "reinstall" "$world/err" && fail "a stop is no fault of the installation"
+
+start slow zeros small
+kill -KILL "$packer" "$tar" && wait "$packer" 2>/dev/null || true
+[ -n "$(scratch)" ] || fail "nothing left to sweep"
+packer='' tar=''
+left=$(basename "$(scratch)")
+rm slow/zeros
+run 0 --yes -qpack slow small "$left"
+holds small
+[ -z "$(scratch)" ] || fail "what a killed run left was not swept"
+
+for _ in 1 2 3 4; do # nobody agreed to replace what another of them made
+  "$pakrune" -qpack pkg/usr8 set.ini >>"$world/made" 2>/dev/null &
+done
+wait
+[ "$(wc -l <"$world/made")" = 1 ] || fail "an archive was lost: $(cat "$world/made")"
+rm pkg/usr8/set.tgz
 
 chmod 000 pkg/a.txt
 mkdir -p full && cp pkg/-x full/y

@@ -12,6 +12,7 @@
 #include <QTimer>
 
 #include "archive/ui/frmTar.h"
+#include "platform/desktop/Gate.h"
 #include "platform/desktop/ScrollList.h"
 #include "tests/World.h"
 
@@ -23,6 +24,7 @@ using platform::desktop::ScrollList;
 
 /// The main window's side: what is selected, and what was asked of it.
 struct FakeMainWindow : runtime::FilePane, runtime::Downloads {
+  explicit FakeMainWindow(const platform::Busy& gate) : busy(gate) {}
   std::vector<std::string> selectedPaths() const override { return selected; }
   std::string selectionText() const override { return "1 items <b>"; }
   std::vector<std::string> paneItems() const override { return items; }
@@ -30,16 +32,21 @@ struct FakeMainWindow : runtime::FilePane, runtime::Downloads {
   void selectAllRows() override {
     for (const auto& name : items) selected.push_back(folder + name);
   }
-  void refreshKeepList() override { asked.emplace_back("refresh"); }
+  void refreshKeepList() override {
+    asked.emplace_back(busy.held() ? "refresh" : "refresh without the gate");
+  }
   bool setOwnerShown() const override { return rootOffered; }
   void netSetFile(const std::string& path) override {
-    asked.push_back("network " + path);
+    asked.push_back((busy.held() ? "gate held: network " : "network ") + path);
     for (const QWidget* window : QApplication::topLevelWidgets())
       if (window->isVisible() && window->objectName() == "frmTar")
         asked.emplace_back("over the archive dialog");
   }
-  void showfrmWDXOptions(const std::string& path) override { asked.push_back("serial " + path); }
+  void showfrmWDXOptions(const std::string& path) override {
+    asked.push_back((busy.held() ? "gate held: serial " : "serial ") + path);
+  }
 
+  const platform::Busy& busy;
   std::string folder = "C:\\pkg\\";
   std::vector<std::string> selected, items, asked;
   bool rootOffered = true;
@@ -86,7 +93,7 @@ class TarFormTest : public testworld::World {
   }
   std::string members(const std::string& name) const { return output("tar -P -tf " + host(name)); }
 
-  FakeMainWindow window_;
+  FakeMainWindow window_{busy_};
   FakePickers pickers_;
   bool stayedOpen_ = false;
 };
@@ -231,6 +238,40 @@ TEST_F(TarFormTest, AFailureLeavesTheDialogOpenForAnotherTry) {
   });
   EXPECT_TRUE(stayedOpen_);
   EXPECT_TRUE(window_.asked.empty());
+}
+
+TEST_F(TarFormTest, CancelStopsTheJobAndTheDialogStays) {
+  platform::desktop::Gate gate(busy_);
+  select({"a"});
+  tool("tar.exe", "exec sleep 20");
+  const std::vector<std::function<void(QDialog&)>> ways = {
+      [](QDialog& form) { press(form, "cmdCancel"); },
+      [](QDialog& form) { QTest::keyClick(form.focusWidget(), Qt::Key_Escape); },
+      [](QDialog& form) { form.close(); }};
+  show([&](QDialog& form) {
+    for (const auto& way : ways) {
+      log_.all.clear();
+      auto& button = the<QPushButton>(form, "cmdTar");
+      person_.onEvents = [&] {
+        QCoreApplication::processEvents();
+        EXPECT_TRUE(busy_.slow() || the<QLineEdit>(form, "txtFileOut").isEnabled());
+        if (!busy_.slow()) return;
+        EXPECT_EQ(button.text(), "Creating..");
+        EXPECT_FALSE(button.isEnabled());
+        for (const char* name : {"Frame1", "txtFileOut", "optNew"})
+          EXPECT_FALSE(the<QWidget>(form, name).isEnabled()) << name;
+        if (!busy_.stopRequested()) way(form);
+      };
+      button.click();
+      person_.onEvents = {};
+      EXPECT_EQ(log_.all, " Stopped: creating C:\\pkg\\a.tgz\n");
+      EXPECT_EQ(button.text(), "Create Tar");
+      EXPECT_TRUE(button.isEnabled() && the<QWidget>(form, "txtFileOut").isEnabled());
+    }
+  });
+  EXPECT_TRUE(stayedOpen_);
+  EXPECT_TRUE(window_.asked.empty());
+  EXPECT_TRUE(person_.told.empty());
 }
 
 }  // namespace
