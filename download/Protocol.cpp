@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "platform/HeldName.h"
+#include "platform/InternetAddress.h"
 
 namespace download {
 namespace {
@@ -27,16 +28,21 @@ Reply classify(std::string_view start) {
   return Reply::Unknown;
 }
 
-bool isOctet(std::string_view text) {
-  return !text.empty() && text.size() <= 3 &&
-         std::all_of(text.begin(), text.end(), [](char c) { return c >= '0' && c <= '9'; });
+bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+bool isLetter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; }
+
+/// What a text begins with; `one` tells what belongs to it.
+template <typename IsOne>
+std::string_view leading(std::string_view text, IsOne one) {
+  const auto end = std::find_if_not(text.begin(), text.end(), one);
+  return text.substr(0, static_cast<std::size_t>(end - text.begin()));
 }
 
-std::string_view trimmed(std::string_view text) {
-  constexpr std::string_view blanks = " \t\r\n";
-  const std::size_t first = text.find_first_not_of(blanks);
-  return first == text.npos ? std::string_view()
-                            : text.substr(first, text.find_last_not_of(blanks) - first + 1);
+std::string portBehind(std::string_view text) {
+  if (!text.starts_with(':')) return "";
+  const std::string_view digits = leading(text.substr(1), isDigit);
+  return platform::portOf(digits) ? std::string(digits) : "";
 }
 
 }  // namespace
@@ -96,11 +102,23 @@ Address splitAddress(std::string_view text) {
   return address;
 }
 
-std::optional<Address> wholeAddress(std::string_view text) {
-  const std::string_view bare = trimmed(text);
-  Address address = splitAddress(bare);
-  if (!std::all_of(address.begin(), address.end(), isOctet) || joined(address) != bare) return std::nullopt;
-  return address;
+std::optional<PastedAddress> addressIn(std::string_view text) {
+  const auto isPart = [](char c) { return isDigit(c) || c == '.'; };
+  for (std::size_t at = text.find_first_of("0123456789"); at < text.size();
+       at = text.find_first_of("0123456789", at)) {
+    std::string_view address = leading(text.substr(at), isPart);
+    const std::string_view behind = text.substr(at + address.size());
+    const bool inWord = (at > 0 && (isLetter(text[at - 1]) || text[at - 1] == '.')) ||
+                        (!behind.empty() && isLetter(behind.front()));
+    at += address.size();
+    if (address.ends_with('.')) address.remove_suffix(1);  // of a sentence
+    if (!inWord && platform::ipv4Of(address)) return PastedAddress{splitAddress(address), portBehind(behind)};
+  }
+  return std::nullopt;
+}
+
+bool isOctet(std::string_view text) {
+  return !text.empty() && text.size() <= 3 && std::all_of(text.begin(), text.end(), isDigit);
 }
 
 }  // namespace download

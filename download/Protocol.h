@@ -15,9 +15,10 @@ namespace download {
 constexpr std::size_t chunkSize = 1000;  ///< bytes; the last chunk holds the rest
 constexpr const char* defaultPort = "5142";
 
-/// Whether a path ends in ".tgz", ".tar", ".gz", ".bz2" or ".ipk", exactly so. Such files are sent with the
-/// owner's read permission alone.
+/// Whether a path ends in ".tgz", ".tar", ".gz", ".bz2" or ".ipk", exactly so. Such files are sent with
+/// `archiveMode`.
 bool isArchive(std::string_view path);
+constexpr runtime::PermissionMode archiveMode{4, 0, 0};
 
 /// The name that a file gets on the terminal: the text after the last backslash (empty without one), blanks
 /// of an archive's name as "_".
@@ -59,7 +60,16 @@ std::string joined(const Address& address);  ///< "192.168.1.7"
 /// The first four parts between dots; a text with fewer fills those that it has.
 Address splitAddress(std::string_view text);
 
-/// A whole address as it is pasted, blanks around it dropped; nullopt for any other text.
-std::optional<Address> wholeAddress(std::string_view text);
+struct PastedAddress {
+  Address address;
+  std::string port;  ///< empty: none
+};
+
+/// The first address in a text, whatever stands around it ("http://1.2.3.4:80/x", "1.2.3.4/24"), and the port
+/// behind it.
+std::optional<PastedAddress> addressIn(std::string_view text);
+
+/// Whether a text is what one box of an address takes: one to three digits.
+bool isOctet(std::string_view text);
 
 }  // namespace download

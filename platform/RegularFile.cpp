@@ -11,10 +11,10 @@ RegularFile::RegularFile(const std::string& hostPath)
   if (fstat(file_.get(), &status_) != 0 || !S_ISREG(status_.st_mode)) file_ = Descriptor();
 }
 
-std::optional<std::uint64_t> RegularFile::size() const {
+bool RegularFile::unchanged() const {
   struct stat now {};
-  if (fstat(file_.get(), &now) != 0) return std::nullopt;
-  return static_cast<std::uint64_t>(now.st_size);
+  return fstat(file_.get(), &now) == 0 && now.st_size == status_.st_size &&
+         now.st_mtim.tv_sec == status_.st_mtim.tv_sec && now.st_mtim.tv_nsec == status_.st_mtim.tv_nsec;
 }
 
 std::optional<std::size_t> RegularFile::read(char* to, std::size_t most) {

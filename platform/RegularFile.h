@@ -20,7 +20,9 @@ class RegularFile {
   mode_t mode() const { return status_.st_mode; }  ///< as it was opened
   uid_t owner() const { return status_.st_uid; }
   gid_t group() const { return status_.st_gid; }
-  std::optional<std::uint64_t> size() const;  ///< bytes, now
+  std::uint64_t size() const { return static_cast<std::uint64_t>(status_.st_size); }  ///< likewise, bytes
+  /// Still of the size and the time of its last change that it was opened with. A new name is no change.
+  bool unchanged() const;
   std::optional<std::size_t> read(char* to,
                                   std::size_t most);  ///< bytes read, 0 at the end; nullopt: an error
 

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# demo.sh BUILD_DIR ARCHIVE: sends an archive through the real dialog (offscreen) to a simulated terminal on this
-# machine, and prints what the terminal then holds. Ends with 1, and says why, when any step fails.
+# demo.sh BUILD_DIR ARCHIVE: sends an archive, as the dialog does, to a simulated terminal on this machine, and
+# prints what the terminal then holds. Ends with 1, and says why, when any step fails.
 set -euo pipefail
 [ $# -eq 2 ] || { echo "demo.sh BUILD_DIR ARCHIVE" >&2; exit 2; }
 build=$1 archive=$2
@@ -28,8 +28,7 @@ done
 [ -n "$port" ] || fail "the terminal does not listen"
 
 echo "== sending $archive to a terminal at 127.0.0.1:$port"
-XDG_CONFIG_HOME=$work/config QT_QPA_PLATFORM=offscreen LC_ALL=C.UTF-8 \
-  timeout 300 "$build/demo_send" "$archive" "$port" 2>"$work/errors" || { cat "$work/errors" >&2; fail "the archive was not sent"; }
+XDG_CONFIG_HOME=$work/config timeout 300 "$build/demo_send" "$archive" "$port" 2>"$work/errors" || { cat "$work/errors" >&2; fail "the archive was not sent"; }
 wait "$sim" || fail "the terminal ended with an error"
 sim=
 cat "$work/events"

@@ -109,7 +109,10 @@ bool Session::receiveData(std::uint64_t size, IncomingFile& file) {
   while (received < last && steady_clock::now() < until) {
     const std::size_t most = std::min<std::uint64_t>(last - received, allowedNow(start, received));
     if (most == 0) {
-      if (waitFor(POLLRDHUP, std::min(until, steady_clock::now() + rateStep)) && options_.readRate == 0U)
+      // A sender that closes its side has more on its way.
+      if (options_.readRate != 0U)
+        std::this_thread::sleep_for(rateStep);
+      else if (waitFor(POLLRDHUP, std::min(until, steady_clock::now() + rateStep)))
         break;
       continue;
     }

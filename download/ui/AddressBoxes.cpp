@@ -1,9 +1,7 @@
 #include "download/ui/AddressBoxes.h"
 
-#include <QClipboard>
-#include <QGuiApplication>
 #include <QKeyEvent>
-#include <QLineEdit>
+#include <QToolTip>
 #include <algorithm>
 
 #include "platform/desktop/Text.h"
@@ -15,6 +13,7 @@ using platform::desktop::fromControl;
 using platform::desktop::toControl;
 
 constexpr int octetLength = 3;
+constexpr const char* noAddress = "There is no IP address in what was pasted";
 
 /// The full stop of the main keys, and the key in its place on the numeric pad, whatever it types.
 bool isDot(const QKeyEvent& event) {
@@ -24,26 +23,28 @@ bool isDot(const QKeyEvent& event) {
 
 }  // namespace
 
-AddressBoxes::AddressBoxes(std::array<QLineEdit*, 4> boxes) : boxes_(boxes) {
-  for (QLineEdit* box : boxes_) {
+AddressBoxes::AddressBoxes(std::array<AddressBox*, 4> boxes) : boxes_(boxes) {
+  for (AddressBox* box : boxes_) {
     box->setMaxLength(octetLength);
     box->setFixedWidth(box->fontMetrics().horizontalAdvance(QStringLiteral("00000")) + octetLength * 2);
     box->installEventFilter(this);
+    connect(box, &AddressBox::pasted, this, [this, box](const QString& text) { pasted(*box, text); });
   }
-  // A whole address has to get in before it can be told; more than an octet is cut at once.
-  boxes_.front()->setMaxLength(std::numeric_limits<std::int16_t>::max());
-  connect(boxes_.front(), &QLineEdit::textChanged, this, &AddressBoxes::firstChanged);
 }
 
 Address AddressBoxes::address() const {
   Address address;
   std::transform(boxes_.begin(), boxes_.end(), address.begin(),
-                 [](const QLineEdit* box) { return fromControl(box->text()); });
+                 [](const AddressBox* box) { return fromControl(box->text()); });
   return address;
 }
 
 void AddressBoxes::fill(const Address& address) {
   for (std::size_t i = 0; i < boxes_.size(); ++i) boxes_[i]->setText(toControl(address[i]));
+}
+
+void AddressBoxes::setEnabled(bool enabled) {
+  for (AddressBox* box : boxes_) box->setEnabled(enabled);
 }
 
 bool AddressBoxes::eventFilter(QObject* watched, QEvent* event) {
@@ -62,23 +63,16 @@ void AddressBoxes::dotReleased(std::size_t index) {
   boxes_[index + 1]->selectAll();
 }
 
-/// The address that was pasted, alone or into what the box held.
-std::optional<Address> AddressBoxes::pastedInto(const QString& text) {
-  for (const auto mode : {QClipboard::Clipboard, QClipboard::Selection}) {
-    const QString pasted = QGuiApplication::clipboard()->text(mode).trimmed();
-    if (const auto whole = wholeAddress(fromControl(pasted)); whole && text.contains(pasted)) return whole;
+void AddressBoxes::pasted(AddressBox& box, const QString& text) {
+  const QString bare = text.trimmed();
+  if (isOctet(fromControl(bare))) return box.insert(bare);
+  const auto found = addressIn(fromControl(bare));
+  if (!found) {
+    QToolTip::showText(box.mapToGlobal(QPoint(0, box.height())), QString::fromLatin1(noAddress), &box);
+    return;
   }
-  return wholeAddress(fromControl(text));
-}
-
-void AddressBoxes::firstChanged(const QString& text) {
-  if (text.size() <= octetLength) {
-    first_ = text;
-  } else if (const auto whole = pastedInto(text)) {
-    fill(*whole);
-  } else {
-    boxes_.front()->setText(first_.size() == octetLength ? first_ : text.left(octetLength));
-  }
+  fill(found->address);
+  if (!found->port.empty()) emit portPasted(toControl(found->port));
 }
 
 }  // namespace download

@@ -1,10 +1,12 @@
 #include "download/ui/frmNetloader.h"
 
 #include <QKeyEvent>
-#include <QTimer>
+#include <QPointer>
 #include <cmath>
 
 #include "platform/ResolvedPath.h"
+#include "platform/TcpConnection.h"
+#include "platform/desktop/Events.h"
 #include "platform/desktop/Handlers.h"
 #include "platform/desktop/Text.h"
 #include "ui_frmNetloader.h"
@@ -12,11 +14,9 @@
 namespace download {
 namespace {
 
-using platform::desktop::TcpState;
+using platform::desktop::fromControl;
 using platform::desktop::toControl;
 
-constexpr int timeoutInterval = 100;  // milliseconds
-constexpr int timeInterval = 1000;
 constexpr int archiveHeight = 3210;  // twips
 constexpr int plainFileHeight = 5355;
 constexpr int bottomHeight = 480;
@@ -48,45 +48,23 @@ void keepPlaceWhenHidden(std::initializer_list<QWidget*> widgets) {
 }  // namespace
 
 frmNetloader::frmNetloader(runtime::Services services, const std::string& sendFilePath, QWidget* parent)
-    : frmNetloader(services, sendFilePath, std::make_unique<platform::desktop::DesktopTcpClient>(),
-                   std::chrono::steady_clock::now, parent) {}
-
-frmNetloader::frmNetloader(runtime::Services services, const std::string& sendFilePath,
-                           std::unique_ptr<platform::desktop::TcpClient> client, Clock now, QWidget* parent)
-    : QDialog(parent),
-      ui_(std::make_unique<Ui::frmNetloader>()),
-      services_(services),
-      tcpClient_(std::move(client)),
-      now_(std::move(now)),
-      tmrTimeout_(new QTimer(this)),
-      tmrTime_(new QTimer(this)) {
+    : QDialog(parent), ui_(std::make_unique<Ui::frmNetloader>()), services_(services) {
+  using namespace platform::desktop;
   ui_->setupUi(this);
   boxes_ = std::make_unique<AddressBoxes>(
-      std::array<QLineEdit*, 4>{ui_->txtIP_0, ui_->txtIP_1, ui_->txtIP_2, ui_->txtIP_3});
-  wire();
+      std::array<AddressBox*, 4>{ui_->txtIP_0, ui_->txtIP_1, ui_->txtIP_2, ui_->txtIP_3});
+  setWhileBusy(this, WhileBusy::Acts);  // Escape is Cancel, too; all else is disabled while a file is sent
+  connectHandler(ui_->cmdSend, &QPushButton::clicked, this, services_.system.busy,
+                 &frmNetloader::cmdSend_Click);
+  connectCancel(ui_->cmdExit, &QPushButton::clicked, this, &frmNetloader::cmdExit_Click);
+  connect(boxes_.get(), &AddressBoxes::portPasted, this, [this](const QString& port) {
+    ui_->txtPort->setText(port);
+    setPortShown(true);
+  });
   load(sendFilePath);
 }
 
 frmNetloader::~frmNetloader() = default;
-
-void frmNetloader::wire() {
-  using platform::desktop::connectHandler;
-  using platform::desktop::TcpClient;
-  tcpClient_->setObjectName(QStringLiteral("tcpClient"));
-  tmrTimeout_->setObjectName(QStringLiteral("tmrTimeout"));
-  tmrTime_->setObjectName(QStringLiteral("tmrTime"));
-  tmrTimeout_->setInterval(timeoutInterval);
-  tmrTime_->setInterval(timeInterval);
-  const auto& busy = services_.system.busy;
-  connectHandler(ui_->cmdSend, &QPushButton::clicked, this, busy, &frmNetloader::cmdSend_Click);
-  connectHandler(ui_->cmdExit, &QPushButton::clicked, this, busy, &frmNetloader::cmdExit_Click);
-  connectHandler(tmrTimeout_, &QTimer::timeout, this, busy, &frmNetloader::tmrTimeout_Timer);
-  connectHandler(tmrTime_, &QTimer::timeout, this, busy, &frmNetloader::tmrTime_Timer);
-  TcpClient* const client = tcpClient_.get();
-  connectHandler(client, &TcpClient::dataArrival, this, busy, &frmNetloader::tcpClient_DataArrival);
-  connectHandler(client, &TcpClient::closed, this, busy, &frmNetloader::tcpClient_Close);
-  connectHandler(client, &TcpClient::sendComplete, this, busy, &frmNetloader::tcpClient_SendComplete);
-}
 
 void frmNetloader::load(const std::string& sendFilePath) {
   ui_->txtfile->setText(toControl(sendFilePath));
@@ -107,7 +85,7 @@ void frmNetloader::load(const std::string& sendFilePath) {
 }
 
 void frmNetloader::loadFileMode() {
-  const std::string path = platform::desktop::fromControl(ui_->txtfile->text());
+  const std::string path = fromControl(ui_->txtfile->text());
   const runtime::ToolResult listing =
       services_.api.RunCapture(services_.cygwin.cygwinBin(),
                                "ls -ln " + runtime::ToCygwinPath(listedPath(services_.system.drives, path)));
@@ -151,52 +129,71 @@ runtime::PermissionMode frmNetloader::chosenMode() const {
           digit(ui_->checkER, ui_->checkEW, ui_->checkEE)};
 }
 
-void frmNetloader::Status(const char* text) { ui_->lblStatus->setText(QString::fromLatin1(text)); }
-
-void frmNetloader::resetAll() {
-  phase_ = Phase::Idle;
-  if (tcpClient_->state() != TcpState::Closed) tcpClient_->close();
-  ui_->lbletl->hide();
-  ui_->lblTime->hide();
-  tmrTime_->stop();
-  Status("Disconnected");
-  ui_->cmdSend->setEnabled(true);
-  ui_->ProgBar->setValue(0);
+SendOrder frmNetloader::chosenOrder() const {
+  return {fromControl(ui_->txtfile->text()), boxes_->address(), fromControl(ui_->txtPort->text().trimmed()),
+          chosenMode(), fromControl(ui_->listNetO->topEntry())};
 }
 
+void frmNetloader::cmdSend_Click() {
+  const SendResult result = send();
+  if (result.accepted || result.end == runtime::JobEnd::Stopped) unload();
+}
+
+SendResult frmNetloader::send() {
+  const platform::Busy::Scope busy(services_.system.busy);
+  const QPointer<QWidget> focus = focusWidget();
+  setInputEnabled(false);
+  platform::TcpConnection connection;
+  const SendResult result = SendJob(services_, chosenOrder(), connection, *this).run();
+  setInputEnabled(true);
+  if (!focus.isNull()) focus->setFocus(Qt::OtherFocusReason);
+  return result;
+}
+
+void frmNetloader::setInputEnabled(bool enabled) {
+  boxes_->setEnabled(enabled);
+  for (QWidget* control : std::initializer_list<QWidget*>{ui_->txtfile, ui_->txtPort, ui_->listNetO,
+                                                          ui_->framePerms, ui_->cmdSend})
+    control->setEnabled(enabled);
+}
+
+void frmNetloader::showStatus(const char* text) { ui_->lblStatus->setText(QString::fromLatin1(text)); }
+
+void frmNetloader::showPercent(int percent) { ui_->ProgBar->setValue(percent); }
+
+void frmNetloader::showTimeLeft(bool shown) {
+  ui_->lbletl->setVisible(shown);
+  ui_->lblTime->setVisible(shown);
+}
+
+void frmNetloader::setTimeLeft(std::uint64_t seconds) {
+  ui_->lblTime->setText(QStringLiteral("%1 s").arg(seconds));
+}
+
+void frmNetloader::wait(std::chrono::nanoseconds nap) { platform::desktop::pollWait(nap); }
+
 void frmNetloader::unload() {
-  if (unloaded_) return;
-  unloaded_ = true;
-  tmrTimeout_->stop();
-  resetAll();
   const Address address = boxes_->address();
   if (address != Address()) services_.settings.setLastIP(joined(address));
   done(QDialog::Rejected);
 }
 
-void frmNetloader::reject() {
-  if (!services_.system.busy.held()) cmdExit_Click();
-}
+void frmNetloader::reject() { cmdExit_Click(); }
 
 void frmNetloader::cmdExit_Click() {
-  abortSend_ = true;
-  if (tcpClient_->state() == TcpState::Closed) return unload();
-  services_.log.append(" Aborted sending " + getRemoteName(path_) + " to " + address_);
-  tcpClient_->close();  // what waits for the unit sees abortSend_ and unloads
+  services_.system.busy.held() ? services_.system.busy.requestStop() : unload();
 }
 
-void frmNetloader::tmrTime_Timer() {
-  if (const auto seconds = secondsLeft(sendFileSize_, bytesSent_, lastBytes_))
-    ui_->lblTime->setText(QStringLiteral("%1 s").arg(*seconds));
-  lastBytes_ = bytesSent_;
+void frmNetloader::setPortShown(bool shown) {
+  portShown_ = shown;
+  ui_->lblPort->setVisible(shown);
+  ui_->txtPort->setVisible(shown);
 }
 
 void frmNetloader::keyPressEvent(QKeyEvent* event) {
   constexpr Qt::KeyboardModifiers controlShift = Qt::ControlModifier | Qt::ShiftModifier;
   if (event->key() != Qt::Key_F10 || event->modifiers() != controlShift) return QDialog::keyPressEvent(event);
-  portShown_ = !portShown_;
-  ui_->lblPort->setVisible(portShown_);
-  ui_->txtPort->setVisible(portShown_);
+  setPortShown(!portShown_);
 }
 
 }  // namespace download

@@ -9,6 +9,6 @@ void letWindowsPaint();  ///< the same without what a person does
 
 /// One step of a loop that waits for something: pending events run; when there were none, it sleeps for
 /// `nap`, to which the system adds some 50 µs.
-void pollWait(std::chrono::nanoseconds nap = std::chrono::microseconds(240));
+void pollWait(std::chrono::nanoseconds nap);
 
 }  // namespace platform::desktop

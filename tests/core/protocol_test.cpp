@@ -4,6 +4,7 @@
 
 #include <filesystem>
 
+#include "platform/InternetAddress.h"
 #include "runtime/IsExecutable.h"
 
 using namespace download;
@@ -99,8 +100,28 @@ TEST(Protocol, ProgressAndTimeLeft) {
 TEST(Protocol, Addresses) {
   EXPECT_EQ(splitAddress("192.168"), (Address{"192", "168", "", ""}));
   EXPECT_EQ(splitAddress(".1..2.3"), (Address{"", "1", "", "2"}));
-  EXPECT_EQ(wholeAddress(" 192.168.1.7\n"), (Address{"192", "168", "1", "7"}));
-  for (const char* text :
-       {"", "192", "192.168.1", "1.2.3.4.5", "1.2.3.", "1.2.3.x", "1.2.3.1000", "1 .2.3.4"})
-    EXPECT_EQ(wholeAddress(text), std::nullopt) << text;
+  struct Case {
+    const char* text;
+    const char* address;
+    const char* port;
+  };
+  const Case cases[] = {{" 192.168.1.7\n", "192.168.1.7", ""},
+                        {"192.168.1.7:5142", "192.168.1.7", "5142"},
+                        {"192.168.1.7/24 brd 192.168.1.255", "192.168.1.7", ""},
+                        {"http://1.2.3.4:80/x", "1.2.3.4", "80"},
+                        {"v2.0: 1.2.3.4.", "1.2.3.4", ""},
+                        {"[1.2.3.4]:80", "1.2.3.4", ""},
+                        {"1.2.3.4:65536", "1.2.3.4", ""},
+                        {"127.0.0.010", "127.0.0.010", ""},
+                        {"1.2.3.4.5 6.7.8.9", "6.7.8.9", ""}};
+  for (const Case& c : cases) {
+    const auto found = addressIn(c.text);
+    ASSERT_TRUE(found) << c.text;
+    EXPECT_EQ(joined(found->address) + "|" + found->port, std::string(c.address) + "|" + c.port);
+  }
+  for (const char* text : {"", "192", "192.168.1", "1.2.3.4.5", "1.2.3.", "1.2.3.x", "1.2.3.1000", "1 .2.3.4",
+                           "1.2.3.256", "v1.2.3.4", "1.2.3.4a", "..1.2.3.4", "1.2.3.4.net"})
+    EXPECT_FALSE(addressIn(text)) << text;
+  EXPECT_EQ(platform::ipv4Of("127.0.0.010"), 0x7F00000AU);
+  EXPECT_TRUE(isOctet("007") && !isOctet("1234") && !isOctet("") && !isOctet("1a"));
 }
