@@ -7,6 +7,7 @@
 #include "archive/NamesFile.h"
 #include "platform/HeldName.h"
 #include "runtime/DirExists.h"
+#include "runtime/Slashes.h"
 
 namespace archive {
 namespace {
@@ -14,6 +15,7 @@ namespace {
 using runtime::ArchiveKind;
 using runtime::Buttons;
 using runtime::Icon;
+using runtime::withoutSlash;
 
 constexpr std::size_t mostReported = 20;
 

@@ -24,10 +24,6 @@ constexpr const char* archiveFilter =
     "TAR File (*.tar)|*.tar|GZIP Compressed (*.tgz, *.gz, *.z, *.taz)|*.tgz; *.tar.gz;  *.z; *.taz|"
     "BZIP2 Compressed (*.bz2, *.bz, *.tbz2, *.tbz)|*.bz2; *.bz; *.tbz2; *.tbz|All files (*.*)|*.*|";
 
-bool opensAsArchive(const std::string& path) {
-  return runtime::IsArchiveName(path) || path.ends_with(".ipk");
-}
-
 }  // namespace
 
 /// A listing that goes into the frame's own bar.
@@ -106,7 +102,7 @@ void frameUntar::open() {
   reset();
   emit shown();
   const std::vector<std::string> selected = pane_.selectedPaths();
-  if (selected.size() != 1 || !opensAsArchive(selected.front())) return;
+  if (selected.size() != 1 || !runtime::opensAsArchive(selected.front())) return;
   ui_->txtFileIn->setText(toControl(selected.front()));
   ui_->txtOutLocation->setText(toControl(proposedOutFolder(selected.front())));
   ListArchive();

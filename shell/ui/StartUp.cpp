@@ -235,7 +235,7 @@ bool StartUp::paths(const CommandLine& commandLine) {
   takeSelection();
   if (!showWindow() || program_.selection.selectedCount() != 1) return true;
   const std::string& selected = program_.selection.selectedPaths.front();
-  if (runtime::IsArchiveName(selected) || selected.ends_with(".ipk")) window_.cmdExtract_Click();
+  if (runtime::opensAsArchive(selected)) window_.cmdExtract_Click();
   return true;
 }
 
