@@ -3,6 +3,7 @@
 #include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -70,6 +71,11 @@ bool Files::fileExists(std::string_view path) const {
   return status && !S_ISDIR(status->st_mode);
 }
 
+bool Files::isRegularFile(std::string_view path) const {
+  const auto status = statusOf(drives_.toHost(path));
+  return status && S_ISREG(status->st_mode);
+}
+
 bool Files::folderExists(std::string_view path) const {
   const auto status = statusOf(drives_.toHost(path));
   return status && S_ISDIR(status->st_mode);
@@ -108,6 +114,21 @@ bool Files::createFolder(std::string_view path) const {
 bool Files::createFolderExclusively(std::string_view path) const {
   const std::optional<std::string> host = drives_.toHost(path);
   return host && mkdir(host->c_str(), S_IRWXU) == 0;
+}
+
+int Files::writeProblem(std::string_view folder) const {
+  const std::optional<std::string> host = drives_.toHost(folder);
+  const auto status = statusOf(host);
+  if (!host) return ENOENT;
+  if (!status) return errno;
+  if (!S_ISDIR(status->st_mode)) return ENOTDIR;
+  if (faccessat(AT_FDCWD, host->c_str(), W_OK | X_OK, AT_EACCESS) != 0) return errno;
+  struct statvfs space {};
+  if (statvfs(host->c_str(), &space) != 0) return 0;
+  // A file system that counts neither blocks nor files says nothing of them.
+  const bool noBytes = space.f_blocks > 0 && (geteuid() == 0 ? space.f_bfree : space.f_bavail) == 0;
+  const bool noFiles = space.f_files > 0 && space.f_ffree == 0;
+  return noBytes || noFiles ? ENOSPC : 0;
 }
 
 bool Files::deleteFile(std::string_view path) const {

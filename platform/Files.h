@@ -20,6 +20,7 @@ class Files {
 
   bool fileExists(std::string_view path) const;  ///< anything but a folder that can be reached
   bool folderExists(std::string_view path) const;
+  bool isRegularFile(std::string_view path) const;                     ///< follows links
   bool entryExists(std::string_view path) const;                       ///< a dangling link exists too (lstat)
   std::optional<std::uint64_t> fileSize(std::string_view path) const;  ///< bytes
   std::optional<std::time_t> modifiedTime(std::string_view path) const;
@@ -28,6 +29,7 @@ class Files {
 
   bool createFolder(std::string_view path) const;             ///< one level; true when it is there afterwards
   bool createFolderExclusively(std::string_view path) const;  ///< mode 0700; false when the name is taken
+  int writeProblem(std::string_view folder) const;  ///< why no file can be made in it: the system's error, or 0
   bool deleteFile(std::string_view path) const;
   bool rename(std::string_view from, std::string_view to) const;  ///< replaces; same file system only
   bool copyFile(std::string_view from,

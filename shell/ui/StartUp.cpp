@@ -1,12 +1,11 @@
 #include "shell/ui/StartUp.h"
 
-#include <cstdlib>
-
 #include "archive/ui/frmQuickExtract.h"
 #include "archive/ui/frmTar.h"
 #include "platform/SystemInfo.h"
 #include "runtime/ArchiveKind.h"
 #include "runtime/PermissionTest.h"
+#include "runtime/ShowLogged.h"
 #include "shell/BatchPack.h"
 #include "shell/ui/Dialog.h"
 #include "shell/ui/frmPermsError.h"
@@ -31,8 +30,6 @@ class LoadingScope {
  private:
   browser::frameMain& browsing_;
 };
-
-[[noreturn]] void endNow() { std::_Exit(0); }
 
 }  // namespace
 
@@ -160,15 +157,6 @@ bool StartUp::pack(const CommandLine& commandLine) {
   return true;
 }
 
-/// The log pane is never seen here: what was logged since then is told at the end of a run that went wrong.
-void StartUp::showLogged(std::size_t since) {
-  constexpr std::size_t mostShown = 2000;  // characters; a higher box leaves the screen
-  std::string text = program_.log.text().substr(since);
-  text.erase(0, text.find_first_not_of("\r\n "));
-  if (text.size() > mostShown) text = text.substr(0, text.rfind('\r', mostShown)) + "\r\n...";
-  program_.user.message(text, Buttons::Ok, Icon::Exclamation);
-}
-
 /// The window stays hidden: what is asked and told stands on its own.
 bool StartUp::quickPackSelection(const CommandLine& commandLine) {
   selectNamed(commandLine);
@@ -176,13 +164,13 @@ bool StartUp::quickPackSelection(const CommandLine& commandLine) {
       archive::CheckTarSelection(program_.services(), window_, window_, window_.pickers(), nullptr, false);
   program_.exitStatus = 1;
   if (checked == archive::TarSelection::Stopped) return false;
-  const std::size_t logged = program_.log.text().size();
+  const std::size_t logged = program_.log.size();
   const auto packed =
       quickPack(program_, archive::packSelection(window_, checked == archive::TarSelection::WholeFolder));
   if (packed.outcome == archive::PackOutcome::Created)
     program_.exitStatus = 0;
   else if (packed.outcome == archive::PackOutcome::Failed)
-    showLogged(logged);
+    runtime::showLogged(program_.user, program_.log, logged);
   return false;
 }
 
@@ -191,15 +179,16 @@ bool StartUp::quickExtract(const CommandLine& commandLine) {
     normalTail();
     return true;
   }
-  archive::frmQuickExtract window(program_.services(), endNow);
+  const platform::Busy::Scope busy(program_.system.busy);
+  archive::frmQuickExtract window(program_.services());
   window.setStatus("Preparing to extract tar package, please wait...");
   window.show();
   program_.user.letEventsRun();
-  const std::size_t logged = program_.log.text().size();
-  const archive::ExtractResult result =
+  const std::size_t logged = program_.log.size();
+  const archive::Extraction result =
       window.QuickExtract(program_.selection.selectedPaths.front(), commandLine.fields[3]);
-  program_.exitStatus = result.complete ? 0 : 1;
-  if (result.started && !result.complete) showLogged(logged);
+  program_.exitStatus = result.end == runtime::JobEnd::Done ? 0 : 1;
+  if (result.logTells) runtime::showLogged(program_.user, program_.log, logged);
   return false;
 }
 

@@ -32,7 +32,6 @@ class StartUp {
   bool selectArchive(const CommandLine& commandLine);
   void takeSelection();
   bool showWindow();
-  void showLogged(std::size_t since);
 
   frmMain& window_;
   Program& program_;
