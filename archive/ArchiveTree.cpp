@@ -2,21 +2,18 @@
 
 #include <algorithm>
 
-#include "archive/ListingLine.h"
 #include "platform/HeldName.h"
 
 namespace archive {
 namespace {
 
-std::string composeTag(std::string_view line) {
-  const auto entry = parseListingLine(line);
-  if (!entry) return "";
-  std::string tag = "Size:                 " + std::string(entry->size) + " bytes\r";
-  tag += "Modified:          " + std::string(entry->dateTime) + '\r';
-  tag += "Permissions:     " + std::string(entry->mode) + '\r';
-  tag += "Owner/Group:  " + platform::holdName(entry->owner);
-  const auto target = splitLinkText(*entry).target;
-  if (target && entry->path.find('/') != std::string_view::npos)
+std::string composeTag(const ArchiveEntry& fields) {
+  std::string tag = "Size:                 " + std::string(fields.size) + " bytes\r";
+  tag += "Modified:          " + std::string(fields.dateTime) + '\r';
+  tag += "Permissions:     " + std::string(fields.mode) + '\r';
+  tag += "Owner/Group:  " + platform::holdName(fields.owner);
+  const auto target = splitLinkText(fields).target;
+  if (target && fields.path.find('/') != std::string_view::npos)
     tag += "\rShortcut:          " + heldName(*target);
   return tag;
 }
@@ -32,10 +29,16 @@ void contribute(const ArchiveTree& tree, NodeId node, std::vector<std::string>& 
 
 }  // namespace
 
+std::optional<ArchiveEntry> ArchiveTree::entry(NodeId node) const {
+  if (!verbose_) return std::nullopt;
+  const std::string_view text = std::string_view(listing_).substr(nodes_[node].line);
+  return parseListingLine(text.substr(0, text.find('\n')));
+}
+
 std::string ArchiveTree::tag(NodeId node) const {
   if (!verbose_) return node == packageSize_.first ? packageSize_.second : "";
-  const std::string_view text = std::string_view(listing_).substr(nodes_[node].line);
-  return composeTag(text.substr(0, text.find('\n')));
+  const auto fields = entry(node);
+  return fields ? composeTag(*fields) : "";
 }
 
 std::string ArchiveTree::memberPath(NodeId node) const {

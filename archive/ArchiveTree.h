@@ -1,10 +1,12 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
+#include "archive/ListingLine.h"
 #include "archive/TreeNode.h"
 
 namespace archive {
@@ -24,6 +26,8 @@ class ArchiveTree {
   int image(NodeId node) const { return nodes_[node].image; }
   void setImage(NodeId node, int image) { nodes_[node].image = static_cast<std::uint8_t>(image); }
 
+  /// The fields of the line that made the node; they view the tree. nullopt for an ipk member.
+  std::optional<ArchiveEntry> entry(NodeId node) const;
   /// The properties text: lines separated by CR; empty for an ipk member.
   std::string tag(NodeId node) const;
   /// The member's path in the archive, "/" between its components.

@@ -6,11 +6,14 @@
 
 #include "archive/ListingLine.h"
 #include "platform/HeldName.h"
+#include "runtime/Slashes.h"
 
 namespace archive {
 namespace {
 
 namespace fs = std::filesystem;
+
+using runtime::withoutSlash;
 
 constexpr int mostLookedAt = 20'000;  ///< entries; looking takes some 50 ms then
 
@@ -59,11 +62,6 @@ std::string withoutTrailingSlashes(std::string path) {
 }
 
 }  // namespace
-
-std::string_view withoutSlash(std::string_view name) {
-  while (name.size() > 1 && name.ends_with('/')) name.remove_suffix(1);
-  return name;
-}
 
 ExtractGuard::ExtractGuard(const platform::DriveTable& drives, std::string_view outFolder)
     : host_(withoutTrailingSlashes(drives.toHost(outFolder).value_or("/"))) {

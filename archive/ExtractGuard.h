@@ -58,9 +58,6 @@ class ExtractGuard {
   std::map<std::string, Way, std::less<>> ways_;  // folders that have been looked up
 };
 
-/// A member's name as a folder and a file of that name share it.
-std::string_view withoutSlash(std::string_view name);
-
 /// The members of a tar's verbose listing.
 std::vector<GuardedMember> membersOf(std::string_view verboseListing);
 

@@ -1,43 +1,83 @@
 #pragma once
 
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
-#include "runtime/ArchiveKind.h"
-#include "runtime/Services.h"
+#include "archive/ExtractGuard.h"
+#include "archive/ExtractRun.h"
+#include "archive/ListingJob.h"
+#include "archive/OverwriteAsker.h"
 
 namespace archive {
 
-/// All that is settled before the tool starts.
-struct ExtractPlan {
-  runtime::ArchiveKind kind;
-  std::string archivePath;
-  std::string outFolder;              ///< trailing backslash
-  std::vector<std::string> members;   ///< none: everything
-  std::vector<std::string> excludes;  ///< left out with all below
-  bool withWhatIsBelow = true;        ///< a folder brings along what lies below it
+enum class Extract {
+  All,       ///< "Extract All"
+  Selected,  ///< "Extract Selected"
+  Quickly,   ///< the command line's: the whole archive, from a listing of names
 };
 
-/// One run of the tool that unpacks. Its exit code and its error lines go to the log.
+/// What an extraction works on, taken at the click.
+struct ExtractRequest {
+  Extract what = Extract::Quickly;
+  std::string archivePath;
+  std::string outFolder;
+  std::optional<ArchiveTree> tree = {};  ///< with its check marks; none: the archive is listed first
+};
+
+/// How an extraction ended; the user has been told, except of what the log alone says.
+struct Extraction {
+  runtime::JobEnd end = runtime::JobEnd::Refused;
+  Focus focus = Focus::None;
+  bool toolRan = false;
+  bool logTells = false;  ///< what was logged says what is missing, and why
+};
+
+/// Extracts an archive: every check, question and message, the guard against members that lead out of the
+/// output folder, and the run. The extract frame, the quick extraction and the batch form start it.
 class ExtractJob {
  public:
-  ExtractJob(const runtime::Services& services, ExtractPlan plan);
-  /// The tool's status: -1 not started or ended by its console, 128 + n for a signal. Something that could
-  /// not be put into its place makes it 1.
-  int run();
+  ExtractJob(const runtime::Services& services, OverwriteAsker& asker, ListingProgress& progress,
+             ExtractRequest request);
+  Extraction run();
 
  private:
-  runtime::ToolResult runTar();
-  runtime::ToolResult runAr();
-  bool moveIn(const std::string& from);
-  void logEnd(const runtime::ToolResult& run);
+  Extraction ExtractArchive();
+  void removeEmptyFolder() const;
+  Extraction QuickExtract();
+  bool begin();
+  bool folderIsChosen();
+  bool settleFolder();
+  runtime::JobEnd settleTree();
+  runtime::JobEnd listNames();
+  const std::vector<GuardedMember>* listedMembers();
+  bool isBad(const runtime::ToolResult& run) const;
+  std::set<std::string> guardAgainst(const std::vector<GuardedMember>& members,
+                                     const std::set<std::string>& asked);
+  bool guardNames();
+  std::vector<std::string> chooseMembers(const ArchiveTree& tree, bool all);
+  std::vector<std::string> keptNames();
+  bool mayExtract(const std::string& member, const std::string& inTar);
+  void passFewNames();
+  Extraction unpack();
+  Extraction refuse(Focus focus = Focus::None) const;
+  Extraction nothingToExtract() const;
+  bool isTar() const { return plan_.kind != runtime::ArchiveKind::Ipk; }
+  bool stopped() const { return services_.system.busy.stopRequested(); }
 
   runtime::Services services_;
-  ExtractPlan plan_;
+  OverwriteAsker& asker_;
+  ListingProgress& progress_;
+  ExtractRequest request_;
+  ExtractPlan plan_{};
+  std::vector<std::string> names_;  // of a quick extraction
+  std::set<std::string> excludes_;
+  std::optional<std::vector<GuardedMember>> members_;
+  OverwriteAnswer answer_ = OverwriteAnswer::NothingAsked;
+  bool answeredNo_ = false;
+  bool folderStood_ = false;  // before this run
+  Focus focus_ = Focus::None;
 };
-
-/// The options that make tar leave members out. nullopt when they do not fit on a command line.
-std::optional<std::string> excludeOptions(const std::vector<std::string>& excludes);
 
 }  // namespace archive

@@ -3,7 +3,8 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
+
+#include "runtime/Lines.h"
 
 namespace archive {
 
@@ -43,7 +44,6 @@ bool isArRemark(std::string_view line);
 /// A remark that does not stand for an error.
 bool isHarmlessRemark(std::string_view line);
 
-/// The lines of an output that end in a line feed; what follows the last one is no line.
-std::vector<std::string_view> completeLines(std::string_view output);
+using runtime::completeLines;
 
 }  // namespace archive

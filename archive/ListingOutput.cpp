@@ -35,16 +35,29 @@ std::string message(const char* first, std::string_view path, std::string_view r
   return first + std::string(path) + "\r\n\r\n" + std::string(reason);
 }
 
-}  // namespace
-
-std::optional<std::string> listingProblem(std::string_view output, std::string_view path) {
+/// What the tools themselves say is wrong.
+std::optional<std::string> saidProblem(std::string_view output, std::string_view path) {
   if (output.starts_with("ar: ")) return message(packageError, path, arReason(output));
   const std::size_t gzip = findError(output, "gzip: ");
   if (gzip != output.npos) return message(tarError, path, gzipReason(output, gzip));
   const std::size_t tar = findError(output, "tar: ");
   if (tar != output.npos) return message(tarError, path, output.substr(tar));
-  if (output.empty()) return message(packageError, path, "No files to extract");
   return std::nullopt;
+}
+
+}  // namespace
+
+std::optional<std::string> listingProblem(const runtime::ToolResult& run, runtime::ArchiveKind kind,
+                                          std::string_view path) {
+  if (auto said = saidProblem(run.text, path)) return said;
+  const bool ipk = kind == runtime::ArchiveKind::Ipk;
+  if (!run.good()) return message(ipk ? packageError : tarError, path, howItEnded(run, ipk ? "ar" : "tar"));
+  if (run.text.empty()) return message(packageError, path, "No files to extract");
+  return std::nullopt;
+}
+
+void tellListingProblem(runtime::UserInterface& user, const std::string& problem) {
+  user.message(problem, runtime::Buttons::Ok, runtime::Icon::Information, "Error Opening Package");
 }
 
 }  // namespace archive

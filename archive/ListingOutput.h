@@ -4,11 +4,20 @@
 #include <string>
 #include <string_view>
 
+#include "runtime/ArchiveKind.h"
+#include "runtime/ToolResult.h"
+#include "runtime/UserInterface.h"
+
 namespace archive {
 
-/// What is wrong with an archive, told from the output of its listing: the text of the message; nullopt when
-/// the output is a listing. Remarks of tar and gzip (GNU tar 1.34, gzip 1.12) count at the start of a line
-/// only. `path` stands in the message as it is given.
-std::optional<std::string> listingProblem(std::string_view output, std::string_view path);
+/// What is wrong with an archive, told from the run that listed it: the text of the message; nullopt when
+/// what it printed is the whole listing. Remarks of tar and gzip (GNU tar 1.34, gzip 1.12) count at the start
+/// of a line only; a run that did not end well and says no reason is told by how it ended. `path` stands in
+/// the message as it is given.
+std::optional<std::string> listingProblem(const runtime::ToolResult& run, runtime::ArchiveKind kind,
+                                          std::string_view path);
+
+/// Shows such a text.
+void tellListingProblem(runtime::UserInterface& user, const std::string& problem);
 
 }  // namespace archive

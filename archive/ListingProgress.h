@@ -4,12 +4,16 @@
 
 namespace archive {
 
+struct Listing;
+
 /// Whoever watches a listing being read.
 class ListingProgress {
  public:
   virtual ~ListingProgress() = default;
+  virtual void reading() {}                     ///< there is an archive, and its contents are asked for
+  virtual void filling() {}                     ///< they came, and go into the tree now
   virtual void showPercent(float percent) = 0;  ///< 0 to 100; pending events run
-  virtual bool cancelled() const = 0;           ///< asked after every line
+  virtual void listed(const Listing&) {}        ///< a step of another job: how it ended, and the tree
 };
 
 /// Tells when a step is worth showing: at most about 60 times a second.

@@ -4,6 +4,8 @@
 #include <clocale>
 #include <cwctype>
 
+#include "platform/Ascii.h"
+
 namespace archive {
 namespace {
 
@@ -19,7 +21,7 @@ std::uint32_t takeLower(std::string_view& text) {
   const auto lead = static_cast<unsigned char>(text.front());
   if (lead < 0x80) {
     text.remove_prefix(1);
-    return lead >= 'A' && lead <= 'Z' ? lead + ('a' - 'A') : lead;
+    return static_cast<unsigned char>(platform::lowerAscii(static_cast<char>(lead)));
   }
   const std::size_t length = lead < 0xE0 ? 2 : lead < 0xF0 ? 3 : 4;
   std::uint32_t code = lead & (0x7FU >> length);

@@ -8,7 +8,7 @@
 #include <string>
 
 #include "archive/ArchiveListing.h"
-#include "archive/Extractor.h"
+#include "archive/ExtractJob.h"
 #include "archive/PackJob.h"
 #include "bench/Measure.h"
 #include "shell/BatchTools.h"
@@ -45,7 +45,6 @@ class Nobody : public archive::OverwriteAsker {
 
 class Unwatched : public archive::ListingProgress {
   void showPercent(float) override {}
-  bool cancelled() const override { return false; }
 };
 
 class ArchiveBench {
@@ -69,14 +68,12 @@ class ArchiveBench {
                          bench::ratio(rounds, pack, [this] { packByHand(".tgz", "z"); }), 0.6);
   }
   bool extraction() {
-    const std::string listing =
-        archive::readListing(program_.services(), runtime::ArchiveKind::Gzip, archivePath()).value();
-    const archive::ArchiveTree tree = archive::fillTree(program_.services(), runtime::ArchiveKind::Gzip,
-                                                        archivePath(), listing, unwatched_);
+    const archive::ArchiveTree tree =
+        archive::ListingJob(program_.services(), archivePath(), unwatched_).run().tree;
     const auto extract = [&] {
-      archive::Extractor extractor(program_.services(), nobody_);
-      const auto result = extractor.ExtractArchive(archivePath(), outPath_, true, [&] { return &tree; });
-      if (!result.complete) std::exit(2);
+      archive::ExtractJob job(program_.services(), nobody_, unwatched_,
+                              {archive::Extract::All, archivePath(), outPath_, tree});
+      if (job.run().end != runtime::JobEnd::Done) std::exit(2);
     };
     const double all = bench::ratio(
         rounds, extract, [this] { extractByHand(); }, [this] { emptyOut(); });

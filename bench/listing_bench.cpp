@@ -42,6 +42,8 @@ class Nobody : public runtime::UserInterface {
 class NoLog : public runtime::Log {
  public:
   void append(const std::string&) override {}
+  std::size_t size() const override { return 0; }
+  std::string since(std::size_t) const override { return {}; }
 };
 
 class NoPickers : public platform::desktop::FilePickers {

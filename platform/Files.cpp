@@ -89,6 +89,11 @@ bool Files::fileExists(std::string_view path) const {
   return status && !S_ISDIR(status->st_mode);
 }
 
+bool Files::isRegularFile(std::string_view path) const {
+  const auto status = statusOf(drives_.toHost(path));
+  return status && S_ISREG(status->st_mode);
+}
+
 bool Files::folderExists(std::string_view path) const {
   const auto status = statusOf(drives_.toHost(path));
   return status && S_ISDIR(status->st_mode);

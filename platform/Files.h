@@ -24,6 +24,7 @@ class Files {
   bool folderExists(std::string_view path) const;
   bool entryExists(std::string_view path) const;  ///< a dangling link exists too (lstat)
   bool isSpecial(std::string_view path) const;    ///< neither a file with bytes of its own nor a folder
+  bool isRegularFile(std::string_view path) const;  ///< follows links
   std::optional<std::uint64_t> fileSize(std::string_view path) const;  ///< bytes
   std::optional<std::time_t> modifiedTime(std::string_view path) const;
   bool isLink(std::string_view path) const;  ///< a symbolic one, wherever it leads

@@ -4,6 +4,8 @@
 #include <charconv>
 #include <cstdint>
 
+#include "platform/Ascii.h"
+
 namespace platform {
 namespace {
 
@@ -16,14 +18,6 @@ const char* hiveName(Hive hive) {
 }
 
 bool isControl(char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }
-
-std::string lowered(std::string_view text) {
-  std::string out(text);
-  for (char& c : out) {
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  }
-  return out;
-}
 
 std::string_view trimmed(std::string_view text) {
   const std::size_t first = text.find_first_not_of(blanks);
@@ -105,7 +99,7 @@ std::optional<std::uint32_t> number(std::string_view text) {
 }
 
 std::optional<RegistryValue> parseValue(std::string_view text) {
-  if (lowered(text.substr(0, numberPrefix.size())) == numberPrefix) {
+  if (lowerAscii(text.substr(0, numberPrefix.size())) == numberPrefix) {
     const auto value = number(text.substr(numberPrefix.size()));
     if (!value) return std::nullopt;
     return RegistryValue{ValueType::Number, std::to_string(*value)};
@@ -118,9 +112,9 @@ std::optional<RegistryValue> parseValue(std::string_view text) {
 /// The section of a heading, or empty for anything that is none.
 std::string parseHeading(std::string_view text) {
   if (!text.starts_with('[') || !text.ends_with(']')) return "";
-  const std::string section = lowered(text.substr(1, text.size() - 2));
+  const std::string section = lowerAscii(text.substr(1, text.size() - 2));
   for (const Hive hive : {Hive::LocalMachine, Hive::CurrentUser}) {
-    if (section.starts_with(lowered(hiveName(hive)) + '\\')) return section;
+    if (section.starts_with(lowerAscii(hiveName(hive)) + '\\')) return section;
   }
   return "";
 }
@@ -155,7 +149,7 @@ bool RegistryText::parse(Line& line) const {
   const auto name = takeQuoted(text);
   text = trimmed(text);
   if (!name || line.section.empty() || !text.starts_with('=')) return false;
-  line.name = lowered(*name);
+  line.name = lowerAscii(*name);
   line.value = parseValue(trimmed(text.substr(1)));
   return line.value.has_value();
 }
@@ -170,7 +164,7 @@ std::vector<RegistryText::Line>::const_iterator RegistryText::findLine(const std
 
 std::optional<RegistryValue> RegistryText::find(Hive hive, std::string_view key,
                                                 std::string_view name) const {
-  const auto line = findLine(lowered(hiveName(hive) + ('\\' + std::string(key))), lowered(name));
+  const auto line = findLine(lowerAscii(hiveName(hive) + ('\\' + std::string(key))), lowerAscii(name));
   return line == lines_.end() ? std::nullopt : line->value;
 }
 
@@ -181,7 +175,7 @@ bool RegistryText::set(Hive hive, std::string_view key, std::string_view name, c
   const bool dosLines = !lines_.empty() && lines_.front().raw.ends_with("\r\n");
   const std::string lineEnd = dosLines ? "\r\n" : "\n";
   const std::string written = isText ? quoted(value.text) : std::string(numberPrefix) + value.text;
-  Line line{quoted(name) + '=' + written + lineEnd, lowered(heading), lowered(name), value, false};
+  Line line{quoted(name) + '=' + written + lineEnd, lowerAscii(heading), lowerAscii(name), value, false};
   const auto old = findLine(line.section, line.name);
   if (old != lines_.end())
     lines_[static_cast<std::size_t>(old - lines_.begin())] = std::move(line);

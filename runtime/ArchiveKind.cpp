@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "platform/Ascii.h"
+
 namespace runtime {
 namespace {
 
@@ -19,13 +21,6 @@ std::string_view ending(std::string_view path) {
 
 bool isAmong(const std::array<std::string_view, 4>& endings, std::string_view text) {
   return std::find(endings.begin(), endings.end(), text) != endings.end();
-}
-
-std::string lowerCase(std::string_view text) {
-  std::string lower(text);
-  for (char& c : lower)
-    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
-  return lower;
 }
 
 }  // namespace
@@ -54,8 +49,10 @@ std::string kindLetter(ArchiveKind kind) {
 }
 
 bool IsArchiveName(std::string_view name) {
-  const std::string text = lowerCase(ending(name));
+  const std::string text = platform::lowerAscii(ending(name));
   return text == tarEnding || isAmong(gzipEndings, text) || isAmong(bzip2Endings, text);
 }
+
+bool opensAsArchive(std::string_view path) { return IsArchiveName(path) || path.ends_with(ipkEnding); }
 
 }  // namespace runtime

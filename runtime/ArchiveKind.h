@@ -18,4 +18,7 @@ std::string kindLetter(ArchiveKind kind);
 /// Whether a name looks like an archive, without regard to case; ".ipk" is not among them.
 bool IsArchiveName(std::string_view name);
 
+/// Whether the extract frame opens on a file of this name by itself: an archive's name, or ".ipk" exactly.
+bool opensAsArchive(std::string_view path);
+
 }  // namespace runtime

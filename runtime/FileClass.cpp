@@ -1,20 +1,13 @@
 #include "runtime/FileClass.h"
 
-#include <algorithm>
 #include <utility>
 
+#include "platform/Ascii.h"
 #include "platform/DirectorySearch.h"
 #include "platform/Files.h"
 
 namespace runtime {
 namespace {
-
-/// Only ASCII letters have a lower case here; others stay, whatever the locale.
-std::string lowerCased(std::string text) {
-  std::transform(text.begin(), text.end(), text.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-  return text;
-}
 
 InfoClass infoOf(platform::FoundEntry entry) {
   InfoClass info;
@@ -33,7 +26,7 @@ bool FileClass::Refresh(std::string_view pattern) {
   while (std::optional<platform::FoundEntry> entry = search.next()) {
     InfoClass info = infoOf(std::move(*entry));
     if ((info.FileAttr & platform::attributeDirectory) == 0) {
-      info.FileExt = lowerCased(platform::extensionOf(info.FileName));
+      info.FileExt = platform::lowerAscii(platform::extensionOf(info.FileName));
       files_.push_back(std::move(info));
     } else if (info.FileName != "." && info.FileName != "..") {
       folders_.push_back(std::move(info));

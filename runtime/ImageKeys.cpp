@@ -4,6 +4,8 @@
 #include <array>
 #include <string>
 
+#include "platform/Ascii.h"
+
 namespace runtime {
 namespace {
 
@@ -37,8 +39,6 @@ constexpr std::array<Image, imageCount> images{{
 }};
 constexpr int noMatch = 3;
 
-constexpr char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
-
 template <typename Equal>
 int firstImage(std::string_view name, Equal equal) {
   const std::string wanted = "|" + std::string(name) + "|";
@@ -53,7 +53,7 @@ int firstImage(std::string_view name, Equal equal) {
 }  // namespace
 
 int getImageIndex(std::string_view key) {
-  return firstImage(key, [](char a, char b) { return lower(a) == lower(b); });
+  return firstImage(key, [](char a, char b) { return platform::lowerAscii(a) == platform::lowerAscii(b); });
 }
 
 int ImageIndexForKey(std::string_view name) { return firstImage(name, std::equal_to<>()); }

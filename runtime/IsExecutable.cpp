@@ -1,8 +1,9 @@
 #include "runtime/IsExecutable.h"
 
 #include <algorithm>
-#include <cctype>
 #include <string>
+
+#include "platform/Ascii.h"
 
 namespace runtime {
 namespace {
@@ -15,9 +16,7 @@ constexpr std::size_t bytesRead = 10;
 bool IsExecutableName(std::string_view name) {
   const std::size_t dot = name.rfind('.');
   if (name.size() < shortestName || dot == name.npos) return false;
-  std::string extension(name.substr(dot));
-  std::transform(extension.begin(), extension.end(), extension.begin(),
-                 [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+  const std::string extension = platform::lowerAscii(name.substr(dot));
   return std::find(executableExtensions.begin(), executableExtensions.end(), extension) !=
          executableExtensions.end();
 }

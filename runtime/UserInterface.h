@@ -48,6 +48,8 @@ class Log {
  public:
   virtual ~Log() = default;
   virtual void append(const std::string& text) = 0;
+  virtual std::size_t size() const = 0;  ///< a place in the log, to ask later what came since
+  virtual std::string since(std::size_t place) const = 0;
 };
 
 }  // namespace runtime

@@ -2,7 +2,7 @@
 
 #include <iostream>
 
-#include "archive/Extractor.h"
+#include "archive/ExtractJob.h"
 #include "platform/HeldName.h"
 #include "shell/BatchTools.h"
 
@@ -25,7 +25,6 @@ class BatchAsker : public archive::OverwriteAsker {
 
 class Unwatched : public archive::ListingProgress {
   void showPercent(float) override {}
-  bool cancelled() const override { return false; }
 };
 
 /// What is wrong with the record; empty when nothing is.
@@ -40,6 +39,7 @@ std::string problem(const platform::Files& files, const std::vector<std::string>
 }  // namespace
 
 int batchExtract(Program& program, const std::vector<std::string>& record, bool yes) {
+  const platform::Busy::Scope busy(program.system.busy);
   const std::string wrong = problem(program.system.files, record);
   if (!wrong.empty()) {
     say(wrong);
@@ -48,10 +48,10 @@ int batchExtract(Program& program, const std::vector<std::string>& record, bool 
   prepareTools(program);
   BatchAsker asker(yes);
   Unwatched progress;
-  archive::Extractor extractor(program.services(), asker);
   const std::string archivePath = runtime::withTrailingBackslash(record[1]) + record[2];
-  const archive::ExtractResult result = extractor.QuickExtract(archivePath, record[3], progress);
-  if (!result.complete) return 1;
+  archive::ExtractJob job(program.services(), asker, progress,
+                          {archive::Extract::Quickly, archivePath, record[3]});
+  if (job.run().end != runtime::JobEnd::Done || program.system.busy.stopRequested()) return 1;
   std::cout << program.system.drives.toHost(record[3]).value_or(record[3]) << '\n' << std::flush;
   return std::cout.good() ? 0 : 1;
 }

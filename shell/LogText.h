@@ -18,6 +18,8 @@ class LogText : public runtime::Log {
   /// "Log start: " and the time; what was reported before stands behind it.
   void start();
   void append(const std::string& text) override;
+  std::size_t size() const override { return text_.size(); }
+  std::string since(std::size_t place) const override { return text_.substr(place); }
   const std::string& text() const { return text_; }
   void setOnEntry(std::function<void(const std::string&)> onEntry) { onEntry_ = std::move(onEntry); }
 

@@ -49,6 +49,8 @@ class Person : public runtime::UserInterface {
 class Lines : public runtime::Log {
  public:
   void append(const std::string& text) override { all += text + "\n"; }
+  std::size_t size() const override { return all.size(); }
+  std::string since(std::size_t place) const override { return all.substr(place); }
   std::string all;
 };
 

@@ -4,19 +4,17 @@
 #include <QMouseEvent>
 
 #include "archive/ExtractCommand.h"
-#include "archive/Extractor.h"
 #include "archive/ui/frmGetOutFolder.h"
 #include "archive/ui/frmOverwriteFile.h"
 #include "platform/HeldName.h"
-#include "platform/desktop/Handlers.h"
+#include "platform/TypedPath.h"
 #include "platform/desktop/Text.h"
-#include "runtime/ArchiveKind.h"
+#include "runtime/ShowLogged.h"
 #include "ui_frameUntar.h"
 
 namespace archive {
 namespace {
 
-using platform::desktop::connectHandler;
 using platform::desktop::fromControl;
 using platform::desktop::toControl;
 
@@ -24,26 +22,26 @@ constexpr const char* archiveFilter =
     "TAR File (*.tar)|*.tar|GZIP Compressed (*.tgz, *.gz, *.z, *.taz)|*.tgz; *.tar.gz;  *.z; *.taz|"
     "BZIP2 Compressed (*.bz2, *.bz, *.tbz2, *.tbz)|*.bz2; *.bz; *.tbz2; *.tbz|All files (*.*)|*.*|";
 
-bool opensAsArchive(const std::string& path) {
-  return runtime::IsArchiveName(path) || path.ends_with(".ipk");
-}
-
 }  // namespace
 
-/// A listing that goes into the frame's own bar.
+/// A listing that goes into the frame's own tree and bar.
 class frameUntar::Progress : public ListingProgress {
  public:
-  explicit Progress(frameUntar& frame) : frame_(frame), run_(++frame.listingRun_) {}
+  Progress(frameUntar& frame, std::string path) : frame_(frame), path_(std::move(path)) {}
+  void reading() override { frame_.beginListing(path_); }
+  void filling() override {
+    frame_.ui_->tarTree->hide();
+    frame_.ui_->pbTarRefresh->show();
+  }
   void showPercent(float percent) override {
     frame_.ui_->pbTarRefresh->setValue(qRound(percent));
     frame_.services_.user.letEventsRun();
   }
-  bool cancelled() const override { return frame_.cancelRequested_ || replaced(); }
-  bool replaced() const { return run_ != frame_.listingRun_; }
+  void listed(const Listing& listing) override { frame_.endListing(listing); }
 
  private:
   frameUntar& frame_;
-  unsigned run_;
+  std::string path_;
 };
 
 frameUntar::frameUntar(runtime::Services services, runtime::FilePane& pane,
@@ -57,33 +55,37 @@ frameUntar::frameUntar(runtime::Services services, runtime::FilePane& pane,
       mnuTarTreeRightClick_(new QMenu(QStringLiteral("TAR_RIGHT_CLICK"), this)) {
   ui_->setupUi(this);
   ui_->tarTree->setModel(model_);
-  wire();
   wireTree();
+  wire();
   reset();
 }
 
 frameUntar::~frameUntar() = default;
 
 void frameUntar::wire() {
-  const auto button = [this](QPushButton* sender, void (frameUntar::*handler)()) {
-    connectHandler(sender, &QPushButton::clicked, this, services_.system.busy, handler);
-  };
-  button(ui_->cmdGetFile, &frameUntar::cmdGetFile_Click);
-  button(ui_->cmdSelectOut, &frameUntar::cmdSelectOut_Click);
-  button(ui_->cmdRefresh, &frameUntar::cmdRefresh_Click);
-  button(ui_->cmdUnTar, &frameUntar::cmdUnTar_Click);
-  button(ui_->cmdUnTarSelected, &frameUntar::cmdUnTarSelected_Click);
-  button(ui_->cmdCancel, &frameUntar::cmdCancel_Click);
-  button(ui_->cmdSelectAllTar, &frameUntar::cmdSelectAllTar_Click);
-  button(ui_->cmdSelectNoneTar, &frameUntar::cmdSelectNoneTar_Click);
+  using platform::desktop::WhileBusy;
+  const auto does = [this](void (frameUntar::*handler)()) { return [this, handler] { (this->*handler)(); }; };
+  const auto idle = [this] { return !listing_; };
+  const auto listed = [this] { return extractable_; };
+  actions_ = new platform::desktop::ActionTable(
+      *this, services_.system.busy,
+      {{"txtFileIn", {}, idle},
+       {"txtOutLocation"},
+       {"cmdGetFile", does(&frameUntar::cmdGetFile_Click), idle},
+       {"cmdSelectOut", does(&frameUntar::cmdSelectOut_Click)},
+       {"cmdRefresh", does(&frameUntar::cmdRefresh_Click), idle},
+       {"cmdUnTar", does(&frameUntar::cmdUnTar_Click), listed},
+       {"cmdUnTarSelected", does(&frameUntar::cmdUnTarSelected_Click), listed},
+       {"cmdCancel", does(&frameUntar::cmdCancel_Click), {}, WhileBusy::Acts},
+       {"cmdSelectAllTar", does(&frameUntar::cmdSelectAllTar_Click), listed},
+       {"cmdSelectNoneTar", does(&frameUntar::cmdSelectNoneTar_Click), listed},
+       {"mnuTarTreeProperties", does(&frameUntar::mnuTarTreeProperties_Click)}});
 }
 
 void frameUntar::wireTree() {
   mnuTarTreeRightClick_->setObjectName(QStringLiteral("mnuTarTreeRightClick"));
   QAction* properties = mnuTarTreeRightClick_->addAction(QStringLiteral("Properties"));
   properties->setObjectName(QStringLiteral("mnuTarTreeProperties"));
-  connectHandler(properties, &QAction::triggered, this, services_.system.busy,
-                 &frameUntar::mnuTarTreeProperties_Click);
   connect(ui_->tarTree, &QTreeView::customContextMenuRequested, this, &frameUntar::tarTree_MouseUp);
   connect(ui_->tarTree, &QTreeView::collapsed, model_,
           [this](const QModelIndex& index) { model_->setFolderImage(index, "fldr"); });
@@ -106,7 +108,7 @@ void frameUntar::open() {
   reset();
   emit shown();
   const std::vector<std::string> selected = pane_.selectedPaths();
-  if (selected.size() != 1 || !opensAsArchive(selected.front())) return;
+  if (selected.size() != 1 || !runtime::opensAsArchive(selected.front())) return;
   ui_->txtFileIn->setText(toControl(selected.front()));
   ui_->txtOutLocation->setText(toControl(proposedOutFolder(selected.front())));
   ListArchive();
@@ -120,7 +122,27 @@ void frameUntar::open(const std::string& archivePath) {
   ListArchive();
 }
 
-std::string frameUntar::archivePath() const { return fromControl(ui_->txtFileIn->text()); }
+/// What the boxes hold, behind readBox. Their first texts are no paths.
+frameUntar::Paths frameUntar::typedPaths() const {
+  return {fromControl(ui_->txtFileIn->text()), fromControl(ui_->txtOutLocation->text())};
+}
+
+/// What was typed becomes the program's path, which the box then shows; or the user is told why not. An empty
+/// archive box is left to the checks of the job.
+bool frameUntar::readBox(Focus which) {
+  QLineEdit* const box = which == Focus::ArchivePath ? ui_->txtFileIn : ui_->txtOutLocation;
+  const std::string text = fromControl(box->text());
+  if (text == noArchiveChosen || text == noFolderChosen) return true;
+  if (text.empty() && which == Focus::ArchivePath) return true;
+  const platform::TypedPath typed = platform::typedPath(services_.system.drives, text, pane_.GetDir1Path());
+  if (typed) {
+    box->setText(toControl(typed.path));
+    return true;
+  }
+  services_.user.message(typed.problem, runtime::Buttons::Ok, runtime::Icon::Critical, "Error");
+  focusOn(which);
+  return false;
+}
 
 void frameUntar::focusOn(Focus focus) {
   if (focus == Focus::None) return;
@@ -129,107 +151,101 @@ void frameUntar::focusOn(Focus focus) {
   box->selectAll();
 }
 
-void frameUntar::enableListing(bool enabled) {
-  for (QWidget* control : {static_cast<QWidget*>(ui_->cmdRefresh), static_cast<QWidget*>(ui_->cmdGetFile),
-                           static_cast<QWidget*>(ui_->txtFileIn)})
-    control->setEnabled(enabled);
-}
-
-void frameUntar::enableExtraction(bool enabled) {
-  for (QWidget* control : {ui_->cmdUnTar, ui_->cmdUnTarSelected, ui_->cmdSelectAllTar, ui_->cmdSelectNoneTar})
-    control->setEnabled(enabled);
-}
-
-/// The controls that had the keyboard focus may have been off meanwhile: it goes where the work goes on.
-void frameUntar::endListing(bool complete) {
-  enableListing(true);
-  ui_->pbTarRefresh->hide();
-  ui_->frameTarRefreshLabel->hide();
-  ui_->tarTree->show();
-  (complete ? static_cast<QWidget*>(ui_->tarTree) : ui_->txtFileIn)->setFocus(Qt::OtherFocusReason);
-}
-
-/// True when the tree shows the whole archive.
-bool frameUntar::ListArchive() {
-  const std::string path = archivePath();
-  const CheckedArchive checked = checkArchive(services_, path, "Please select a Tar file first");
-  if (!checked.kind) {
-    focusOn(checked.focus);
-    return false;
+void frameUntar::ListArchive() {
+  if (!readBox(Focus::ArchivePath)) return;
+  const std::string path = typedPaths().archive;
+  Progress progress(*this, path);
+  leaving_ = false;
+  Focus focus = Focus::None;
+  {
+    const platform::Busy::Scope busy(services_.system.busy);
+    Listing listing = ListingJob(services_, path, progress).run();
+    focus = listing.focus;
+    if (listing_) endListing(std::move(listing));
   }
-  cancelRequested_ = false;
+  leaving_ ? leave() : focusOn(focus);
+}
+
+void frameUntar::beginListing(const std::string& path) {
+  reading_ = identity(path);
   rightClickedNode_ = 0;
   listed_.reset();
   model_->clear();
   ui_->frameTarRefreshLabel->show();
-  enableExtraction(false);
+  extractable_ = false;
+  actions_->update();
   services_.user.letEventsRun();
-  enableListing(false);
-  return readArchive(*checked.kind, path);
+  listing_ = true;
+  actions_->update();
 }
 
-bool frameUntar::readArchive(runtime::ArchiveKind kind, const std::string& path) {
-  Progress progress(*this);
-  const Listed identified = identity(path);
-  std::optional<std::string> listing = readListing(services_, kind, path);
-  if (!listing) {
-    endListing(false);
-    return false;
-  }
-  ui_->tarTree->hide();
-  ui_->pbTarRefresh->show();
-  progress.showPercent(0);
-  ArchiveTree tree = fillTree(services_, kind, path, std::move(*listing), progress);
-  if (progress.replaced()) return false;
-  model_->setTree(std::move(tree));
-  endListing(!progress.cancelled());
-  if (progress.cancelled()) return false;
-  enableExtraction(true);
-  listed_ = identified;
-  return true;
+/// The controls that had the keyboard focus may have been off meanwhile: it goes where the work goes on.
+void frameUntar::endListing(Listing listing) {
+  const bool whole = listing.end == runtime::JobEnd::Done;
+  listing_ = false;
+  extractable_ = whole;
+  actions_->update();
+  ui_->pbTarRefresh->hide();
+  ui_->frameTarRefreshLabel->hide();
+  model_->setTree(std::move(listing.tree));
+  ui_->tarTree->show();
+  (whole ? static_cast<QWidget*>(ui_->tarTree) : ui_->txtFileIn)->setFocus(Qt::OtherFocusReason);
+  if (whole) listed_ = reading_;
 }
 
 frameUntar::Listed frameUntar::identity(const std::string& path) const {
   return {path, services_.system.files.fileSize(path), services_.system.files.modifiedTime(path)};
 }
 
-/// The tree of the archive that the box names now; listed again unless the tree shows that already.
-const ArchiveTree* frameUntar::currentTree() {
-  const bool listed = listed_ && *listed_ == identity(archivePath());
-  setEnabled(true);  // Cancel works while it lists
-  const bool there = listed || ListArchive();
-  setEnabled(false);
-  return there ? &model_->tree() : nullptr;
+/// Box, ticks and tree as they are now; a tree that shows another archive, or an older one, is listed again.
+void frameUntar::ExtractArchive(Extract what) {
+  if (!readBox(Focus::ArchivePath) || !readBox(Focus::OutputFolder)) return;
+  const Paths paths = typedPaths();
+  ExtractRequest request{what, paths.archive, paths.outFolder};
+  if (listed_ && *listed_ == identity(paths.archive)) request.tree = model_->tree();
+  Progress progress(*this, paths.archive);
+  OverwriteDialogs asker(window());
+  leaving_ = false;
+  Extraction end;
+  {
+    const platform::Busy::Scope busy(services_.system.busy);
+    const std::size_t logged = services_.log.size();
+    end = ExtractJob(services_, asker, progress, std::move(request)).run();
+    showEnd(end, logged);
+  }
+  if (leaving_ && !end.toolRan) return leave();
+  if (!end.toolRan) focusOn(end.focus);
 }
 
-void frameUntar::ExtractArchive(bool all) {
-  OverwriteDialogs asker(window());
-  setEnabled(false);  // events run between the questions
-  const ExtractResult result = Extractor(services_, asker)
-                                   .ExtractArchive(archivePath(), fromControl(ui_->txtOutLocation->text()),
-                                                   all, [this] { return currentTree(); });
-  setEnabled(true);
-  if (!result.started) return focusOn(result.focus);
-  emit closed();
-  pane_.refreshKeepList();
+/// After a stop no listing begins any more under the same gate; it is made up for.
+void frameUntar::showEnd(const Extraction& end, std::size_t logged) {
+  if (end.toolRan) {
+    leave();
+    if (end.end == runtime::JobEnd::Stopped)
+      services_.system.busy.whenFree(platform::Busy::Width::Relist,
+                                     [&pane = pane_] { pane.refreshKeepList(); });
+    else
+      pane_.refreshKeepList();
+  }
+  if (end.logTells) runtime::showLogged(services_.user, services_.log, logged);
 }
 
 void frameUntar::cmdUnTarSelected_Click() {
-  if (model_->tree().nodeCount() > 0) return ExtractArchive(false);
+  if (model_->tree().nodeCount() > 0) return ExtractArchive(Extract::Selected);
   services_.user.message("There are no files to extract, please select a tar file", runtime::Buttons::Ok,
                          runtime::Icon::None);
 }
 
 void frameUntar::cmdGetFile_Click() {
-  const std::string chosen =
-      pickers_.openFile({"Select Tar File", runtime::getFilePath(archivePath()), archiveFilter, 4, ""});
+  const std::string chosen = pickers_.openFile(
+      {"Select Tar File", runtime::getFilePath(typedPaths().archive), archiveFilter, 4, ""});
   if (chosen.empty()) return;
   ui_->txtFileIn->setText(toControl(chosen));
   ListArchive();
 }
 
 void frameUntar::cmdSelectOut_Click() {
-  const std::string start = runtime::getFilePath(archivePath());
+  const std::string start = runtime::getFilePath(typedPaths().archive);
   std::string chosen;
   if (pickers_.canAskForFolder()) {
     chosen = pickers_.folder("Please select an output folder.", start);
@@ -241,9 +257,16 @@ void frameUntar::cmdSelectOut_Click() {
   if (!chosen.empty()) ui_->txtOutLocation->setText(toControl(chosen));
 }
 
+/// A job that runs stops first; the frame is left at its end.
 void frameUntar::cmdCancel_Click() {
-  cancelRequested_ = true;
+  leaving_ = services_.system.busy.held();
+  if (leaving_) return services_.system.busy.requestStop();
   services_.user.letEventsRun();
+  leave();
+}
+
+void frameUntar::leave() {
+  leaving_ = false;
   emit closed();
 }
 

@@ -6,8 +6,9 @@
 #include <optional>
 #include <string>
 
-#include "archive/ArchiveListing.h"
+#include "archive/ExtractJob.h"
 #include "archive/ui/ArchiveTreeModel.h"
+#include "platform/desktop/Actions.h"
 #include "platform/desktop/FilePickers.h"
 #include "runtime/FilePane.h"
 #include "runtime/Services.h"
@@ -53,24 +54,29 @@ class frameUntar : public QGroupBox {
     bool operator==(const Listed&) const = default;
   };
 
+  struct Paths {
+    std::string archive;
+    std::string outFolder;
+  };
+
   void wire();
   void wireTree();
   void reset();
-  bool ListArchive();
-  bool readArchive(runtime::ArchiveKind kind, const std::string& path);
-  void enableListing(bool enabled);
-  void enableExtraction(bool enabled);
-  void endListing(bool complete);
-  void ExtractArchive(bool all);
-  const ArchiveTree* currentTree();
+  void ListArchive();
+  void beginListing(const std::string& path);
+  void endListing(Listing listing);
+  void ExtractArchive(Extract what);
+  void showEnd(const Extraction& end, std::size_t logged);
+  void leave();
   Listed identity(const std::string& path) const;
-  std::string archivePath() const;
+  bool readBox(Focus which);
+  Paths typedPaths() const;
   void focusOn(Focus focus);
 
   void cmdGetFile_Click();
   void cmdSelectOut_Click();
   void cmdRefresh_Click() { ListArchive(); }
-  void cmdUnTar_Click() { ExtractArchive(true); }
+  void cmdUnTar_Click() { ExtractArchive(Extract::All); }
   void cmdUnTarSelected_Click();
   void cmdCancel_Click();
   void cmdSelectAllTar_Click() { selectAll(true); }
@@ -85,10 +91,13 @@ class frameUntar : public QGroupBox {
   std::unique_ptr<Ui::frameUntar> ui_;
   ArchiveTreeModel* model_;
   QMenu* mnuTarTreeRightClick_;
-  std::optional<Listed> listed_;
+  platform::desktop::ActionTable* actions_ = nullptr;
+  std::optional<Listed> listed_;  // of a tree that shows the whole archive
+  Listed reading_;
   NodeId rightClickedNode_ = 0;
-  bool cancelRequested_ = false;
-  unsigned listingRun_ = 0;  // a newer listing ends an older one that is still on the stack
+  bool listing_ = false;
+  bool extractable_ = true;  // the extract buttons; off from a listing's begin until one went well
+  bool leaving_ = false;     // Cancel was pressed while a job ran
 };
 
 }  // namespace archive

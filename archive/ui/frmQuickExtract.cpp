@@ -1,19 +1,17 @@
 #include "archive/ui/frmQuickExtract.h"
 
 #include "archive/ui/frmOverwriteFile.h"
+#include "platform/desktop/Handlers.h"
 #include "platform/desktop/Text.h"
 #include "ui_frmQuickExtract.h"
 
 namespace archive {
 
-frmQuickExtract::frmQuickExtract(runtime::Services services, std::function<void()> endProgram,
-                                 QWidget* parent)
-    : QDialog(parent),
-      services_(services),
-      endProgram_(std::move(endProgram)),
-      ui_(std::make_unique<Ui::frmQuickExtract>()) {
+frmQuickExtract::frmQuickExtract(runtime::Services services, QWidget* parent)
+    : QDialog(parent), services_(services), ui_(std::make_unique<Ui::frmQuickExtract>()) {
   ui_->setupUi(this);
-  connect(ui_->cmdCancel, &QPushButton::clicked, this, &frmQuickExtract::cmdCancel_Click);
+  platform::desktop::connectCancel(ui_->cmdCancel, &QPushButton::clicked, this,
+                                   &frmQuickExtract::cmdCancel_Click);
 }
 
 frmQuickExtract::~frmQuickExtract() = default;
@@ -22,9 +20,9 @@ void frmQuickExtract::setStatus(const std::string& text) {
   ui_->lblStatus->setText(platform::desktop::toShown(text));
 }
 
-ExtractResult frmQuickExtract::QuickExtract(const std::string& archivePath, const std::string& outFolder) {
+Extraction frmQuickExtract::QuickExtract(const std::string& archivePath, const std::string& outFolder) {
   OverwriteDialogs asker(this);
-  return Extractor(services_, asker).QuickExtract(archivePath, outFolder, *this);
+  return ExtractJob(services_, asker, *this, {Extract::Quickly, archivePath, outFolder}).run();
 }
 
 void frmQuickExtract::showPercent(float percent) {
@@ -32,10 +30,9 @@ void frmQuickExtract::showPercent(float percent) {
   services_.user.letEventsRun();
 }
 
-/// Also while the archive is listed: nothing is awaited. What runs in the console ends with that.
+/// The gate rejects this window too when the end is wanted.
 void frmQuickExtract::cmdCancel_Click() {
-  cancelled_ = true;
-  endProgram_();
+  if (!services_.system.busy.endRequested()) services_.system.busy.requestEnd();
 }
 
 }  // namespace archive

@@ -1,11 +1,10 @@
 #pragma once
 
 #include <QDialog>
-#include <functional>
 #include <memory>
 #include <string>
 
-#include "archive/Extractor.h"
+#include "archive/ExtractJob.h"
 #include "runtime/Services.h"
 
 namespace Ui {
@@ -15,30 +14,26 @@ class frmQuickExtract;
 namespace archive {
 
 /// The small window of an extraction that the command line asks for. It stays shown for as long as the
-/// extraction takes.
+/// extraction takes, under a gate that its owner holds. Cancel ends the program: the job stops first.
 class frmQuickExtract : public QDialog, private ListingProgress {
   Q_OBJECT
 
  public:
-  /// `endProgram` is what Cancel does: it ends the program at once.
-  frmQuickExtract(runtime::Services services, std::function<void()> endProgram, QWidget* parent = nullptr);
+  explicit frmQuickExtract(runtime::Services services, QWidget* parent = nullptr);
   ~frmQuickExtract() override;
 
   void setStatus(const std::string& text);
   /// Extracts the whole archive into the folder; the bar follows the listing.
-  ExtractResult QuickExtract(const std::string& archivePath, const std::string& outFolder);
+  Extraction QuickExtract(const std::string& archivePath, const std::string& outFolder);
 
   void reject() override { cmdCancel_Click(); }
 
  private:
   void showPercent(float percent) override;
-  bool cancelled() const override { return cancelled_; }
   void cmdCancel_Click();
 
   runtime::Services services_;
-  std::function<void()> endProgram_;
   std::unique_ptr<Ui::frmQuickExtract> ui_;
-  bool cancelled_ = false;
 };
 
 }  // namespace archive

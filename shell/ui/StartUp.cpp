@@ -1,12 +1,11 @@
 #include "shell/ui/StartUp.h"
 
-#include <cstdlib>
-
 #include "archive/ui/frmQuickExtract.h"
 #include "archive/ui/frmTar.h"
 #include "platform/SystemInfo.h"
 #include "runtime/ArchiveKind.h"
 #include "runtime/PermissionTest.h"
+#include "runtime/ShowLogged.h"
 #include "shell/BatchPack.h"
 #include "shell/BatchTools.h"
 #include "shell/ui/Dialog.h"
@@ -32,8 +31,6 @@ class LoadingScope {
  private:
   browser::frameMain& browsing_;
 };
-
-[[noreturn]] void endNow() { std::_Exit(0); }
 
 }  // namespace
 
@@ -166,27 +163,18 @@ bool StartUp::pack(const CommandLine& commandLine) {
   return true;
 }
 
-/// The log pane is never seen here: what was logged since then is told at the end of a run that went wrong.
-void StartUp::showLogged(std::size_t since) {
-  constexpr std::size_t mostShown = 2000;  // characters; a higher box leaves the screen
-  std::string text = program_.log.text().substr(since);
-  text.erase(0, text.find_first_not_of("\r\n "));
-  if (text.size() > mostShown) text = text.substr(0, text.rfind('\r', mostShown)) + "\r\n...";
-  program_.user.message(text, Buttons::Ok, Icon::Exclamation);
-}
-
 /// The window stays hidden: what is asked and told stands on its own.
 bool StartUp::quickPackSelection(const CommandLine& commandLine) {
   selectNamed(commandLine);
   const auto selection = archive::checkSelection(program_.services(), window_);
   program_.exitStatus = 1;
   if (!selection) return false;
-  const std::size_t logged = program_.log.text().size();
+  const std::size_t logged = program_.log.size();
   const archive::PackResult packed = quickPack(program_, *selection);
   if (packed.end == runtime::JobEnd::Done)
     program_.exitStatus = 0;
   else if (packed.end == runtime::JobEnd::Failed)
-    showLogged(logged);
+    runtime::showLogged(program_.user, program_.log, logged);
   return false;
 }
 
@@ -195,15 +183,16 @@ bool StartUp::quickExtract(const CommandLine& commandLine) {
     normalTail();
     return true;
   }
-  archive::frmQuickExtract window(program_.services(), endNow);
+  const platform::Busy::Scope busy(program_.system.busy);
+  archive::frmQuickExtract window(program_.services());
   window.setStatus("Preparing to extract tar package, please wait...");
   window.show();
   program_.user.letEventsRun();
-  const std::size_t logged = program_.log.text().size();
-  const archive::ExtractResult result =
+  const std::size_t logged = program_.log.size();
+  const archive::Extraction result =
       window.QuickExtract(program_.selection.selectedPaths.front(), commandLine.fields[3]);
-  program_.exitStatus = result.complete ? 0 : 1;
-  if (result.started && !result.complete) showLogged(logged);
+  program_.exitStatus = result.end == runtime::JobEnd::Done ? 0 : 1;
+  if (result.logTells) runtime::showLogged(program_.user, program_.log, logged);
   return false;
 }
 
@@ -239,7 +228,7 @@ bool StartUp::paths(const CommandLine& commandLine) {
   takeSelection();
   if (!showWindow() || program_.selection.selectedCount() != 1) return true;
   const std::string& selected = program_.selection.selectedPaths.front();
-  if (runtime::IsArchiveName(selected) || selected.ends_with(".ipk")) begin(&frmMain::cmdExtract_Click);
+  if (runtime::opensAsArchive(selected)) begin(&frmMain::cmdExtract_Click);
   return true;
 }
 

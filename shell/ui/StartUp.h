@@ -35,7 +35,6 @@ class StartUp {
   bool selectArchive(const CommandLine& commandLine);
   void takeSelection();
   bool showWindow();
-  void showLogged(std::size_t since);
   bool ends() const { return window_.ended() || program_.system.busy.endRequested(); }
   void begin(void (frmMain::*action)());
 

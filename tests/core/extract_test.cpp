@@ -3,19 +3,21 @@
 #include <algorithm>
 #include <array>
 
-#include "archive/ArchiveTreeBuilder.h"
-#include "archive/Extractor.h"
+#include "archive/ExtractJob.h"
 #include "platform/HeldName.h"
 #include "shell/BatchExtract.h"
+#include "shell/BatchUser.h"
+#include "tests/OrdinaryUser.h"
 #include "tests/World.h"
 
 namespace fs = std::filesystem;
 
 namespace {
 
-using archive::ExtractResult;
+using archive::Extraction;
 using archive::Focus;
 using archive::OverwriteAnswer;
+using runtime::JobEnd;
 
 struct Member {
   std::string name;
@@ -47,10 +49,20 @@ std::string tarOf(const std::vector<Member>& members) {
   return bytes + std::string(1024, '\0');
 }
 
+/// Whoever sees events run while a job is at work.
+class Sitter : public testworld::Person {
+ public:
+  void letEventsRun() override {
+    if (meanwhile) meanwhile();
+  }
+  std::function<void()> meanwhile;
+};
+
 /// Gives its answers in order, the last one again and again.
 class Script : public archive::OverwriteAsker {
  public:
   OverwriteAnswer ask(const archive::OverwriteQuestion& question) override {
+    if (meanwhile) meanwhile();
     asked.push_back(question.path + (question.isFolder ? "|folder|" : "|file|") + question.member);
     const OverwriteAnswer answer = answers.front();
     if (answers.size() > 1) answers.erase(answers.begin());
@@ -58,12 +70,16 @@ class Script : public archive::OverwriteAsker {
   }
   std::vector<OverwriteAnswer> answers = {OverwriteAnswer::Cancel};
   std::vector<std::string> asked;
+  std::function<void()> meanwhile;
 };
 
 class Unwatched : public archive::ListingProgress {
  public:
-  void showPercent(float value) override { percent = value; }
-  bool cancelled() const override { return false; }
+  void showPercent(float value) override {
+    percent = value;
+    if (meanwhile) meanwhile();
+  }
+  std::function<void()> meanwhile;
   float percent = -1;
 };
 
@@ -75,24 +91,36 @@ class ExtractTest : public testworld::World {
     write("outside/kept", "old");
   }
 
-  ExtractResult quick(const std::string& archive, const std::string& out = "C:\\out") {
-    return archive::Extractor(services(), script_).QuickExtract("C:\\" + archive, out, progress_);
+  runtime::Services services() { return {system_, api2_, cygwin_, sitter_, log_, stored_}; }
+  Extraction extract(archive::ExtractRequest request) {
+    const platform::Busy::Scope busy(busy_);
+    return archive::ExtractJob(services(), script_, progress_, std::move(request)).run();
+  }
+  Extraction quick(const std::string& archive, const std::string& out = "C:\\out") {
+    return extract({archive::Extract::Quickly, "C:\\" + archive, out});
   }
   /// Extracts from a listing, as the frame does; `unchecked` are members that were unchecked.
-  ExtractResult fromTree(const std::string& archive, bool all,
-                         const std::vector<std::string>& unchecked = {}) {
+  Extraction fromTree(const std::string& archive, bool all, const std::vector<std::string>& unchecked = {}) {
     const std::string path = "C:\\" + archive;
-    const auto kind = runtime::archiveKind(path);
-    const auto list = [&]() -> const archive::ArchiveTree* {
-      const auto listing = archive::readListing(services(), *kind, path);
-      if (!listing) return nullptr;
-      tree_ = archive::fillTree(services(), *kind, path, *listing, progress_);
-      for (archive::NodeId node = 1; node <= tree_.nodeCount(); ++node)
-        if (std::count(unchecked.begin(), unchecked.end(), tree_.memberPath(node)) > 0)
-          tree_.setChecked(node, false);
-      return &tree_;
+    tree_ = archive::ListingJob(services(), path, progress_).run().tree;
+    if (tree_.nodeCount() == 0) return extract({archive::Extract::All, path, "C:\\out"});
+    for (archive::NodeId node = 1; node <= tree_.nodeCount(); ++node)
+      if (std::count(unchecked.begin(), unchecked.end(), tree_.memberPath(node)) > 0)
+        tree_.setChecked(node, false);
+    return extract({all ? archive::Extract::All : archive::Extract::Selected, path, "C:\\out", tree_});
+  }
+  /// A script in a tool's place; "real" is the tool itself.
+  void fakeTool(const std::string& tool, const std::string& script) const {
+    const std::string path = root_ + "/prog/bin/" + tool + (tool == "gzip" ? "" : ".exe");
+    fs::remove(path);
+    std::ofstream(path) << "#!/bin/sh\nreal=/usr/bin/" << tool << "\n" << script << '\n';
+    fs::permissions(path, fs::perms(0755));
+  }
+  /// Asks for a stop once a fake tool has told that it is at work.
+  void stopWhenAtWork() {
+    sitter_.meanwhile = [this] {
+      if (fs::exists(root_ + "/at-work")) busy_.requestStop();
     };
-    return archive::Extractor(services(), script_).ExtractArchive(path, "C:\\out", all, list);
   }
   /// What stands in the output folder, sorted, "/" behind a folder.
   std::string contents(const std::string& folder = "out") const {
@@ -115,6 +143,9 @@ class ExtractTest : public testworld::World {
     EXPECT_FALSE(fs::exists(host("up")) || fs::exists("/pakrune-absolute"));
   }
 
+  Sitter sitter_;
+  Sitter& person_ = sitter_;
+  runtime::modAPI api2_{system_, sitter_};
   Script script_;
   Unwatched progress_;
   archive::ArchiveTree tree_;
@@ -127,25 +158,24 @@ TEST_F(ExtractTest, AllAndSelectedMembersWithTheirModes) {
   write("in/-top");
   chmod(host("in/usr/bin/app").c_str(), 0751);
   output("cd " + host("in") + " && tar -czf ../a.tgz -- usr ./-top");
-  EXPECT_TRUE(fromTree("a.tgz", false, {"usr/bin/-x", "./-top"}).complete) << log_.all;
+  EXPECT_EQ(fromTree("a.tgz", false, {"usr/bin/-x", "./-top"}).end, JobEnd::Done) << log_.all;
   EXPECT_EQ(contents(), "usr/ usr/bin/ usr/bin/app usr/line\nfeed\\n\xFF ");
   EXPECT_EQ(fs::status(host("out/usr/bin/app")).permissions(), fs::perms(0751));
   EXPECT_TRUE(logged(" Extracted file: C:\\a.tgz\n"));
   EXPECT_TRUE(told("Create folder?|C:\\out does not exist, create it?"));
   script_.answers = {OverwriteAnswer::YesToAll};
-  EXPECT_TRUE(fromTree("a.tgz", true, {"usr"}).complete);
+  EXPECT_EQ(fromTree("a.tgz", true, {"usr"}).end, JobEnd::Done);
   EXPECT_EQ(bytes("out/usr/bin/-x") + bytes("out/-top"), "dashtext");
   write("b.tar", tarOf({{"-x"}, {"./-x2"}, {"--help"}}));
   fs::remove_all(host("out"));
-  EXPECT_TRUE(fromTree("b.tar", true).complete) << log_.all;
+  EXPECT_EQ(fromTree("b.tar", true).end, JobEnd::Done) << log_.all;
   EXPECT_EQ(contents(), "--help -x -x2 ");
 }
 
 TEST_F(ExtractTest, RefusalsHaveTheirTextsAndFocus) {
-  archive::Extractor extractor(services(), script_);
   const auto tryIt = [&](const std::string& path, const std::string& out) {
-    const ExtractResult result = extractor.ExtractArchive(path, out, true, [] { return nullptr; });
-    EXPECT_FALSE(result.started);
+    const Extraction result = extract({archive::Extract::All, path, out});
+    EXPECT_FALSE(result.toolRan);
     return std::pair(result.focus, person_.told.empty() ? "" : person_.told.back());
   };
   write("a.TGZ");
@@ -168,10 +198,10 @@ TEST_F(ExtractTest, RefusalsHaveTheirTextsAndFocus) {
   EXPECT_EQ(tryIt("C:\\a.tgz", "C:\\x\\y\\").first, Focus::None);
   EXPECT_TRUE(fs::is_directory(host("x/y")));
   write("b.tar", tarOf({{"f"}}));
-  EXPECT_FALSE(fromTree("b.tar", false, {"f"}).started);
+  EXPECT_FALSE(fromTree("b.tar", false, {"f"}).toolRan);
   EXPECT_TRUE(told("Unable To Extract|Error extracting package:\r\nC:\\b.tar\r\n\r\nNo files to extract"));
   fs::remove(root_ + "/prog/bin/tar.exe");
-  EXPECT_FALSE(quick("b.tar").started);
+  EXPECT_FALSE(quick("b.tar").toolRan);
   EXPECT_TRUE(
       told("Unable to Untar|Error: Unable to locate 'tar.exe'.\r\nTry reinstalling Pakrune or Cygwin"));
 }
@@ -184,13 +214,13 @@ TEST_F(ExtractTest, OverwriteAnswersOfTheTree) {
   };
   prepare();
   script_.answers = {OverwriteAnswer::Yes, OverwriteAnswer::No, OverwriteAnswer::Yes};
-  EXPECT_TRUE(fromTree("a.tar", true).complete);
+  EXPECT_EQ(fromTree("a.tar", true).end, JobEnd::Done);
   EXPECT_EQ(bytes("out/d/x") + bytes("out/e") + bytes("out/f"), "d/xoldf");
   EXPECT_EQ(script_.asked[0], "C:\\out\\d|folder|0 bytes, 2004-01-10 13:37");
   EXPECT_EQ(script_.asked[1], "C:\\out\\e|file|1 bytes, 2004-01-10 13:37");
   prepare();
   script_.answers = {OverwriteAnswer::YesToAll};
-  EXPECT_TRUE(fromTree("a.tar", true).complete);
+  EXPECT_EQ(fromTree("a.tar", true).end, JobEnd::Done);
   EXPECT_EQ(script_.asked.size(), 1U);
   EXPECT_EQ(bytes("out/f"), "f");
   prepare();
@@ -198,22 +228,22 @@ TEST_F(ExtractTest, OverwriteAnswersOfTheTree) {
   EXPECT_EQ(fromTree("a.tar", true).focus, Focus::OutputFolder);
   EXPECT_EQ(bytes("out/d/x"), "old");
   script_.answers = {OverwriteAnswer::No};
-  EXPECT_FALSE(fromTree("a.tar", true).started);
+  EXPECT_FALSE(fromTree("a.tar", true).toolRan);
 }
 
 TEST_F(ExtractTest, QuickExtractionKeepsWhatWasAnsweredNo) {
   write("a.tar", tarOf({{"./", '5'}, {"./d/", '5'}, {"./d/x"}, {"./d/y"}, {"./-z"}}));
-  EXPECT_TRUE(quick("a.tar").complete) << log_.all;
+  EXPECT_EQ(quick("a.tar").end, JobEnd::Done) << log_.all;
   EXPECT_EQ(contents(), "-z d/ d/x d/y ");
   for (const char* name : {"out/d/x", "out/d/y"}) write(name, "old");
   fs::remove(host("out/-z"));
   script_.answers = {OverwriteAnswer::Yes, OverwriteAnswer::No, OverwriteAnswer::Yes};
-  EXPECT_TRUE(quick("a.tar").complete) << log_.all;
+  EXPECT_EQ(quick("a.tar").end, JobEnd::Done) << log_.all;
   EXPECT_EQ(script_.asked.front(), "C:\\out\\.\\d|folder|?");
   EXPECT_EQ(bytes("out/d/x") + bytes("out/d/y") + bytes("out/-z"), "old./d/y./-z");
   EXPECT_EQ(progress_.percent, 100);
   script_.answers = {OverwriteAnswer::Cancel};
-  EXPECT_FALSE(quick("a.tar").started);
+  EXPECT_FALSE(quick("a.tar").toolRan);
 }
 
 TEST_F(ExtractTest, HostileMembersStayOutOfTheWorld) {
@@ -237,8 +267,8 @@ TEST_F(ExtractTest, HostileMembersStayOutOfTheWorld) {
     fs::create_directory(host("out"));
     fs::create_directory_symlink(out, host("out/stands"));
     log_.all.clear();
-    const ExtractResult result = tree ? fromTree("h.tar", true) : quick("h.tar");
-    EXPECT_TRUE(result.started && !result.complete);
+    const Extraction result = tree ? fromTree("h.tar", true) : quick("h.tar");
+    EXPECT_TRUE(result.toolRan && result.end != JobEnd::Done);
     expectNothingOutside();
     EXPECT_EQ(contents(), "d/ good link stands via ") << log_.all;
     for (const char* line :
@@ -267,7 +297,7 @@ TEST_F(ExtractTest, NewFolderIsSafeToo) {
                         {"../usr8/other"},
                         {"hard", '1', host("outside/kept")},
                         {"a"}}));
-  EXPECT_FALSE(quick("h.tar").complete);
+  EXPECT_NE(quick("h.tar").end, JobEnd::Done);
   expectNothingOutside();
   EXPECT_TRUE(fs::is_symlink(host("out/link")) && fs::exists(host("out/a")));
   EXPECT_FALSE(fs::exists(host("usr8")));
@@ -282,7 +312,7 @@ TEST_F(ExtractTest, NoMemberIsTakenForARemarkOrForAnother) {
   write("a.tar", tarOf({{"tar: x"}, {"gzip: y"}, {"n"}, {"n/", '5'}, {"n/in"}}));
   fs::create_directory(host("out"));
   script_.answers = {OverwriteAnswer::YesToAll};
-  EXPECT_TRUE(quick("a.tar").complete) << log_.all;
+  EXPECT_EQ(quick("a.tar").end, JobEnd::Done) << log_.all;
   EXPECT_EQ(contents(), "gzip: y n/ n/in tar: x ");
 }
 
@@ -291,7 +321,7 @@ TEST_F(ExtractTest, ALinkStaysWhereItsMembersAreLeftOut) {
   fs::create_directory(host("out"));
   fs::create_directory_symlink(host("outside"), host("out/stands"));
   script_.answers = {OverwriteAnswer::YesToAll};
-  EXPECT_FALSE(fromTree("a.tar", true).complete);
+  EXPECT_NE(fromTree("a.tar", true).end, JobEnd::Done);
   expectNothingOutside();
   EXPECT_TRUE(fs::is_symlink(host("out/stands")) && fs::exists(host("out/b"))) << log_.all;
 }
@@ -301,7 +331,7 @@ TEST_F(ExtractTest, LinksThatStayInsideAreOrdinary) {
   write("out/real/old");
   fs::create_directory_symlink("real", host("out/in"));
   script_.answers = {OverwriteAnswer::Yes};
-  EXPECT_TRUE(fromTree("a.tar", true).started);
+  EXPECT_TRUE(fromTree("a.tar", true).toolRan);
   EXPECT_EQ(bytes("out/real/new"), "in/new");
   EXPECT_EQ(fs::read_symlink(host("out/abs")), "/usr/lib");
 }
@@ -312,7 +342,7 @@ TEST_F(ExtractTest, PackagesAreMovedInWithoutFollowingLinks) {
   fs::create_directory(host("out"));
   fs::create_symlink(host("outside/kept"), host("out/data"));
   script_.answers = {OverwriteAnswer::YesToAll};
-  EXPECT_TRUE(fromTree("p.ipk", true).complete) << log_.all;
+  EXPECT_EQ(fromTree("p.ipk", true).end, JobEnd::Done) << log_.all;
   expectNothingOutside();
   EXPECT_EQ(contents(), "-x data packageSize ");
   EXPECT_EQ(tree_.tag(1), "Package Size: packageSize bytes");
@@ -320,11 +350,11 @@ TEST_F(ExtractTest, PackagesAreMovedInWithoutFollowingLinks) {
   EXPECT_TRUE(std::any_of(person_.consoles.begin(), person_.consoles.end(),
                           [](const std::string& title) { return title == "ar.exe"; }));
   fs::remove_all(host("out"));
-  EXPECT_TRUE(quick("p.ipk").complete) << log_.all;
+  EXPECT_EQ(quick("p.ipk").end, JobEnd::Done) << log_.all;
   EXPECT_EQ(contents(), "-x data packageSize ");
   fs::remove(host("out/data"));
   write("out/data/in the way");
-  EXPECT_FALSE(quick("p.ipk").complete);
+  EXPECT_NE(quick("p.ipk").end, JobEnd::Done);
   EXPECT_TRUE(logged(" Unable to write file: C:\\out\\data\n"));
 }
 
@@ -357,16 +387,146 @@ TEST_F(ExtractTest, BadArchivesHaveTheirMessages) {
       {"g.ipk", package + "g.ipk\r\n\r\nfile format not recognized\n"}};
   for (const auto& c : cases) {
     person_.told.clear();
-    EXPECT_FALSE(fromTree(c.name, true).started);
+    EXPECT_FALSE(fromTree(c.name, true).toolRan);
     EXPECT_EQ(person_.told.back(), c.message);
     person_.told.clear();
-    if (c.name.starts_with("cut")) continue;
-    EXPECT_FALSE(quick(c.name, "C:\\other").started) << c.name;
+    if (c.name.starts_with("cut")) {
+      EXPECT_EQ(quick(c.name, "C:\\cut").end, JobEnd::Failed);
+      EXPECT_EQ(person_.told, std::vector<std::string>{c.message});
+      continue;
+    }
+    EXPECT_FALSE(quick(c.name, "C:\\other").toolRan) << c.name;
     EXPECT_EQ(person_.told.back(), "Pakrune|Nothing to extract") << c.name;
   }
-  EXPECT_FALSE(quick("cut.tgz", "C:\\cut").complete);
-  EXPECT_TRUE(logged(" Extracted file: C:\\cut.tgz (exit code 2)\n")) << log_.all;
-  EXPECT_TRUE(logged("gzip: stdin: unexpected end of file\n"));
+  EXPECT_FALSE(fs::exists(host("cut")));
+}
+
+TEST_F(ExtractTest, AListingThatDidNotEndWellIsNoArchive) {
+  write("a.tar", tarOf({{"1"}, {"2"}, {"3"}, {"4"}, {"5"}, {"6"}}));
+  write("in/packageSize");
+  output("cd " + host("in") + " && ar -q ../p.ipk packageSize 2>/dev/null");
+  fs::create_directory(host("out"));
+  fs::create_directory_symlink(host("outside"), host("out/link"));  // so that attributes are asked for
+  write("out/1", "old");
+  script_.answers = {OverwriteAnswer::YesToAll};
+  const std::string box = "Error Opening Package|An error occurred when attempting to open ";
+  const std::string tar = box + "tar package:\r\nC:\\a.tar\r\n\r\n";
+  const std::string cut = "case \"$*\" in *-Pt*) $real \"$@\" | head -n 2; ";
+  const struct {
+    std::string tool, script, message;
+    bool names;  // those alone can still be listed
+  } cases[] = {{"tar", "$real \"$@\" | head -n 2; kill -9 $$", tar + "tar was ended by signal 9", false},
+               {"tar", "$real \"$@\" | head -n 2; exit 3", tar + "tar ended with exit code 3", false},
+               {"tar", cut + "kill -9 $$;; esac; exec $real \"$@\"", tar + "tar was ended by signal 9", true},
+               {"ar", "case $1 in -p) kill -9 $$;; esac; exec $real \"$@\"",
+                box + "package:\r\nC:\\p.ipk\r\n\r\nar was ended by signal 9", true}};
+  for (const auto& c : cases) {
+    fakeTool(c.tool, c.script);
+    const std::string archive = c.tool == "ar" ? "p.ipk" : "a.tar";
+    sitter_.told.clear();
+    EXPECT_EQ(fromTree(archive, true).end, JobEnd::Failed);
+    EXPECT_EQ(tree_.nodeCount(), 0U);
+    EXPECT_EQ(sitter_.told.back(), c.message);
+    if (c.tool == "ar") continue;
+    EXPECT_EQ(quick(archive).end, JobEnd::Failed);
+    EXPECT_EQ(sitter_.told.size(), 3U);
+    EXPECT_EQ(sitter_.told.back(), c.message);
+    EXPECT_EQ(contents() + bytes("out/1"), "1 link old");
+  }
+  EXPECT_TRUE(script_.asked.empty() && sitter_.consoles.empty());
+  fs::permissions(root_ + "/prog/bin/tar.exe", fs::perms(0644));
+  EXPECT_EQ(quick("a.tar").end, JobEnd::Failed);
+  EXPECT_EQ(sitter_.told.back(), tar + "tar could not be started: Permission denied");
+}
+
+TEST_F(ExtractTest, OnlyRegularFilesAreArchives) {
+  mkfifo(host("p.tar").c_str(), 0600);
+  fs::create_symlink("/dev/zero", host("d.tar"));
+  for (const std::string name : {"p.tar", "d.tar"}) {
+    EXPECT_EQ(quick(name).end, JobEnd::Refused);
+    EXPECT_EQ(archive::ListingJob(services(), "C:\\" + name, progress_).run().end, JobEnd::Refused);
+    EXPECT_EQ(sitter_.told, std::vector<std::string>(2, "Error|Invalid tar file C:\\" + name));
+    sitter_.told.clear();
+  }
+}
+
+TEST_F(ExtractTest, AFolderThatCannotBeWrittenIsKnownBefore) {
+  if (!tests::ordinaryUserGetsAbout()) GTEST_SKIP() << tests::rootIsClosed;
+  write("a.tar", tarOf({{"f"}}));
+  fs::create_directory(host("ro"));
+  fs::permissions(host("ro"), fs::perms(0555));
+  fs::permissions(root_, fs::perms(0755));
+  EXPECT_TRUE(tests::asOrdinaryUser([this] {
+    return extract({archive::Extract::All, "C:\\a.tar", "C:\\ro"}).focus == Focus::OutputFolder &&
+           told("Pakrune|Error: Unable to write into folder C:\\ro\\: Permission denied") &&
+           sitter_.consoles.empty();
+  }));
+}
+
+TEST_F(ExtractTest, NoStepBeginsAfterAStop) {
+  write("a.tar", tarOf({{"f"}, {"g"}}));
+  write("in/f");
+  output("cd " + host("in") + " && ar -q ../p.ipk f 2>/dev/null");
+  const std::string waits = "touch " + root_ + "/at-work; sleep 20";
+  const struct {
+    const char* name;
+    std::string archive;
+    bool stands;  // the output folder, and a file in it
+    std::function<void()> prepare;
+  } cases[] = {{"listing", "a.tar", false,
+                [&] {
+                  fakeTool("tar", "echo f; " + waits);
+                  stopWhenAtWork();
+                }},
+               {"progress", "a.tar", false, [&] { progress_.meanwhile = [this] { busy_.requestStop(); }; }},
+               {"question", "a.tar", true, [&] { script_.meanwhile = [this] { busy_.requestStop(); }; }},
+               {"ar", "p.ipk", false, [&] {
+                  fakeTool("ar", "case $1 in -x) touch half; " + waits + ";; esac; exec $real \"$@\"");
+                  stopWhenAtWork();
+                }}};
+  for (const auto& c : cases) {
+    SCOPED_TRACE(c.name);
+    fs::remove_all(host("out"));
+    if (c.stands) write("out/f", "old");
+    log_.all.clear();
+    sitter_.told.clear();
+    script_.answers = {OverwriteAnswer::YesToAll};
+    c.prepare();
+    EXPECT_EQ(quick(c.archive).end, JobEnd::Stopped);
+    EXPECT_EQ(log_.all, " Stopped: extracting C:\\" + c.archive + "\n");
+    EXPECT_EQ(fs::exists(host("out")) ? contents() + bytes("out/f") : "none", c.stands ? "f old" : "none");
+    EXPECT_EQ(sitter_.consoles.size(), c.archive == "p.ipk" ? 1U : 0U);
+    sitter_.meanwhile = progress_.meanwhile = script_.meanwhile = {};
+    fs::remove(root_ + "/at-work");
+    fakeTool("tar", "exec $real \"$@\"");
+  }
+}
+
+TEST_F(ExtractTest, AStoppedRunKeepsWhatIsWhole) {
+  for (const char* name : {"in/1", "in/2"}) write(name, std::string(400, 'w'));
+  write("in/4half", std::string(500'000, 'h'));
+  write("in/5", "after");
+  fs::create_symlink("/usr/lib", host("in/3abs"));
+  output("cd " + host("in") + " && touch -d '1 hour ago' * && tar -czf ../a.tgz 1 2 3abs 4half 5");
+  // Once a console is open, the compressor gives the first members and half of a large one.
+  fakeTool("gzip", "[ -e " + root_ + "/half ] || exec $real \"$@\"\n$real -dc | head -c 200000; touch " +
+                       root_ + "/at-work; sleep 20");
+  for (const char* name : {"out/1", "out/4half", "out/5"}) write(name, "old");
+  script_.answers = {OverwriteAnswer::YesToAll};
+  sitter_.meanwhile = [this] {
+    if (!sitter_.consoles.empty()) std::ofstream(root_ + "/half") << "";
+    if (fs::exists(root_ + "/at-work")) busy_.requestStop();
+  };
+  fakeTool("tar", "case \"$*\" in *xv*) while [ ! -e " + root_ +
+                      "/half ]; do sleep 0.02; done;; esac\nexec $real \"$@\"");
+  const Extraction end = quick("a.tgz");
+  EXPECT_TRUE(end.end == JobEnd::Stopped && end.toolRan);
+  EXPECT_EQ(contents(), "1 2 5 ");
+  EXPECT_EQ(bytes("out/1") + bytes("out/5"), std::string(400, 'w') + "old");
+  EXPECT_EQ(log_.all,
+            " Removed, only a part of it was extracted: C:\\out\\4half\n Lost, it was being replaced: "
+            "C:\\out\\4half\n Removed, only a part of it was extracted: C:\\out\\3abs\n"
+            " Stopped: extracting C:\\a.tgz\n");
 }
 
 TEST_F(ExtractTest, ArchivesOfOtherToolsListAsTarListsThem) {
@@ -385,7 +545,7 @@ TEST_F(ExtractTest, ArchivesOfOtherToolsListAsTarListsThem) {
       continue;
     }
     fs::remove_all(host("out"));
-    EXPECT_TRUE(fromTree(name, true).complete) << name << log_.all;
+    EXPECT_EQ(fromTree(name, true).end, JobEnd::Done) << name << log_.all;
     EXPECT_EQ(output("diff -r --no-dereference " + host("in") + ' ' + host("out/in")), "") << name;
     EXPECT_EQ(tree_.nodeCount(), 6U) << name;
   }
@@ -395,23 +555,26 @@ TEST_F(ExtractTest, ManyNamesGoThroughAFileOrNeedNone) {
   std::vector<Member> members;
   for (int i = 10000; i < 13000; ++i) members.push_back({std::string(60, 'n') + std::to_string(i)});
   write("m.tar", tarOf(members));
-  EXPECT_TRUE(fromTree("m.tar", false, {members[7].name}).complete) << log_.all;
+  EXPECT_EQ(fromTree("m.tar", false, {members[7].name}).end, JobEnd::Done) << log_.all;
   EXPECT_EQ(std::distance(fs::directory_iterator(host("out")), fs::directory_iterator()), 2999);
   script_.answers = {OverwriteAnswer::YesToAll};
-  EXPECT_TRUE(quick("m.tar").complete) << log_.all;
+  EXPECT_EQ(quick("m.tar").end, JobEnd::Done) << log_.all;
   EXPECT_TRUE(fs::exists(host("out/" + members[7].name)));
   EXPECT_TRUE(fs::is_empty(root_ + "/tmp"));
 }
 
 TEST_F(ExtractTest, BatchFormAnswersByItsExitStatus) {
-  shell::Program program(system_, program_, person_);
+  shell::BatchUser user(false);
+  shell::Program program(system_, program_, user);
+  std::string errors;
   write("in/a.tar", tarOf({{"f"}}));
+  write("in/bad.tar", tarOf({{"link", '2', host("outside")}, {"link/new"}}));
   const auto batch = [&](std::vector<std::string> fields, bool yes = false) {
     fields.insert(fields.begin(), "-extract");
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
     const int status = shell::batchExtract(program, fields, yes);
-    testing::internal::GetCapturedStderr();
+    errors = testing::internal::GetCapturedStderr() + program.log.text();
     return std::to_string(status) + testing::internal::GetCapturedStdout();
   };
   EXPECT_EQ(batch({"C:\\in", "a.tar", "C:\\out"}), "0" + host("out") + "\n");
@@ -423,6 +586,14 @@ TEST_F(ExtractTest, BatchFormAnswersByItsExitStatus) {
   EXPECT_EQ(batch({"C:\\in", "mistyped.tar", "C:\\out"}), "1");
   EXPECT_EQ(batch({"C:\\nowhere", "a.tar", "C:\\out"}), "1");
   EXPECT_EQ(batch({"C:\\in", "a.tar"}), "1");
+  EXPECT_EQ(batch({"C:\\in", "bad.tar", "C:\\new"}), "1");
+  const std::size_t said = errors.find("tar: link/new: Cannot open: Not a directory");
+  ASSERT_NE(said, std::string::npos) << errors;
+  EXPECT_EQ(errors.find("tar: link/new:", said + 1), std::string::npos) << errors;
+  fakeTool("tar", "echo f; kill -9 $$");
+  EXPECT_EQ(batch({"C:\\in", "a.tar", "C:\\other"}), "1");
+  EXPECT_NE(errors.find("tar was ended by signal 9"), std::string::npos) << errors;
+  EXPECT_FALSE(fs::exists(host("other")));
 }
 
 }  // namespace

@@ -95,13 +95,21 @@ TEST(ListingOutput, MessagesNameTheReason) {
                {"bzip2: (stdin) is not a bzip2 file.\ntar: Child returned status 2\n",
                 tar + "tar: Child returned status 2\n"},
                {"", package + "No files to extract"}};
-  for (const auto& c : cases) EXPECT_EQ(listingProblem(c.output, "C:\\x"), c.message) << c.output;
+  const auto problem = [](const std::string& output, int status = 0) {
+    return listingProblem({output, status}, ArchiveKind::Gzip, "C:\\x");
+  };
+  for (const auto& c : cases) EXPECT_EQ(problem(c.output), c.message) << c.output;
   std::string flood;
   while (flood.size() < 10000) flood += line("member");
-  EXPECT_EQ(listingProblem(flood + "gzip: stdin: crc error\n", "C:\\x"), tar + "gzip: stdin: crc error\n");
-  EXPECT_FALSE(listingProblem(line("tar: gzip: ar: x"), "C:\\x"));
-  EXPECT_FALSE(
-      listingProblem("tar: Ignoring unknown extended header keyword 'SCHILY.dev'\n" + line("a"), "C:\\x"));
+  EXPECT_EQ(problem(flood + "gzip: stdin: crc error\n"), tar + "gzip: stdin: crc error\n");
+  EXPECT_FALSE(problem(line("tar: gzip: ar: x")));
+  const std::string harmless = "tar: Ignoring unknown extended header keyword 'SCHILY.dev'\n" + line("a");
+  EXPECT_FALSE(problem(harmless));
+  EXPECT_EQ(problem(harmless, 137), tar + "tar was ended by signal 9");
+  EXPECT_EQ(problem("", 2), tar + "tar ended with exit code 2");
+  EXPECT_EQ(problem("tar: x\n", 2), tar + "tar: x\n");
+  EXPECT_EQ(listingProblem({runtime::startFailure, -1, 2}, ArchiveKind::Ipk, "C:\\x"),
+            package + "ar could not be started: No such file or directory");
 }
 
 TEST(ArchiveTree, ComponentsBecomeNodes) {

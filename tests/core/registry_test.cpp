@@ -29,6 +29,8 @@ constexpr const char* heading = "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Halvoren Inc\\Pa
 class RecordedLog : public runtime::Log {
  public:
   void append(const std::string& text) override { entries.push_back(text); }
+  std::size_t size() const override { return 0; }
+  std::string since(std::size_t) const override { return ""; }
   std::vector<std::string> entries;
 };
 

@@ -8,6 +8,7 @@
 #include <QRegularExpression>
 #include <QTest>
 #include <QTimer>
+#include <QTreeView>
 #include <functional>
 
 #include "platform/HeldName.h"
@@ -328,6 +329,30 @@ TEST_F(MainTest, ASingleArchiveOpensTheExtractFrame) {
   EXPECT_FALSE(find("frameUntar")->isVisible());
   EXPECT_TRUE(find("frameMain")->isEnabled());
   EXPECT_TRUE(find<QMenu>("mnuDownload")->isEnabled());  // the archive is still the one selected file
+}
+
+TEST_F(MainTest, OpenShowsWhatAnArchiveHolds) {
+  output("tar -C " + host("pkg") + " -czf " + host("pkg/one.tgz") + " a.txt sub");
+  ASSERT_TRUE(load({"-open", "pkg", "one.tgz"}));
+  EXPECT_TRUE(find("frameUntar")->isVisible());
+  EXPECT_EQ(find<QTreeView>("tarTree")->model()->rowCount(), 2);
+}
+
+TEST_F(MainTest, AFailingExtractionTellsWhy) {
+  output("cd " + host("pkg") + " && tar -cPf up.tar a.txt ../pkg/sub && echo none >bad.tar");
+  EXPECT_FALSE(load({"-extract", "pkg", "up.tar", "C:\\new"}));
+  EXPECT_EQ(program_object_.exitStatus, 1);
+  EXPECT_TRUE(fs::exists(host("new/a.txt")));
+  EXPECT_NE(
+      windowPerson_.told.back().find("Not extracted, its name leads out of the output folder: ../pkg/sub"),
+      std::string::npos)
+      << windowPerson_.told.back();
+  EXPECT_FALSE(load({"-extract", "pkg", "bad.tar", "C:\\none"}));
+  EXPECT_EQ(windowPerson_.told.back(), "Pakrune|Nothing to extract");
+  EXPECT_EQ(program_object_.exitStatus, 1);
+  EXPECT_FALSE(load({"-extract", "pkg", "up.tar", "C:\\pkg\\a.txt"}));
+  EXPECT_EQ(windowPerson_.told.back(),
+            "Pakrune|Error: Unable to create folder C:\\pkg\\a.txt\\: Not a directory");
 }
 
 TEST_F(MainTest, OpenFallsBackToTheBrowserWithoutTheArchive) {

@@ -18,6 +18,7 @@
 #include "archive/ui/frmOverwriteFile.h"
 #include "archive/ui/frmQuickExtract.h"
 #include "platform/desktop/FolderList.h"
+#include "platform/desktop/Gate.h"
 #include "shell/ui/DesktopUser.h"
 #include "tests/World.h"
 
@@ -79,7 +80,13 @@ class Sitter : public testworld::Person {
     QApplication::processEvents();
     if (meanwhile) meanwhile();
   }
+  runtime::Answer message(const std::string& text, runtime::Buttons buttons, runtime::Icon icon,
+                          const std::string& title, runtime::Consequence consequence) override {
+    if (asked) asked();
+    return Person::message(text, buttons, icon, title, consequence);
+  }
   std::function<void()> meanwhile;
+  std::function<void()> asked;
 };
 
 class UntarTest : public testworld::World {
@@ -113,6 +120,8 @@ class UntarTest : public testworld::World {
     window_.selected = {"C:\\pkg.tgz"};
     frame_.open();
   }
+  void slowDown();
+  void cancelAtWork(QPushButton& button);
   bool extractionEnabled() {
     const bool enabled = get<QPushButton>("cmdUnTar").isEnabled();
     for (const char* name : {"cmdUnTarSelected", "cmdSelectAllTar", "cmdSelectNoneTar"})
@@ -229,6 +238,7 @@ TEST_F(UntarTest, CancelDuringAListingKeepsTheNodesSoFar) {
 TEST_F(UntarTest, ExtractsAndCloses) {
   openPackage();
   model().setData(at({0, 1}), Qt::Unchecked, Qt::CheckStateRole);
+  sitter_.asked = [this] { model().setData(at({1}), Qt::Unchecked, Qt::CheckStateRole); };  // comes too late
   click("cmdUnTarSelected");
   EXPECT_EQ(bytes("pkg/usr/bin/app") + bytes("pkg/top"), "newnew");
   EXPECT_FALSE(fs::exists(host("pkg/usr/lib")));
@@ -338,18 +348,76 @@ TEST_F(UntarTest, NewOutputFolderNeedsAProperName) {
   EXPECT_FALSE(archive::isFolderName("a\xEF\x80\xBA"));
 }
 
-TEST_F(UntarTest, QuickExtractionStaysShownAndCancelEndsTheProgram) {
-  int ended = 0;
-  archive::frmQuickExtract quick(services_, [&] { ++ended; });
+/// A compressor that gives the first half of what it is to unpack, and then nothing more.
+void UntarTest::slowDown() {
+  write("in/half", std::string(900'000, 'h'));
+  output("cd " + host("in") + " && tar -czf ../pkg.tgz top half usr");
+  fs::remove(root_ + "/prog/bin/gzip");
+  std::ofstream(root_ + "/prog/bin/gzip")
+      << "#!/bin/sh\n[ -e " + root_ + "/half ] || exec /usr/bin/gzip \"$@\"\n"
+      << "/usr/bin/gzip -dc | head -c 300000; touch " + root_ << "/at-work; sleep 20\n";
+  fs::permissions(root_ + "/prog/bin/gzip", fs::perms(0755));
+}
+
+/// Presses the button while tar waits for more.
+void UntarTest::cancelAtWork(QPushButton& button) {
+  sitter_.meanwhile = [this, &button] {
+    if (!sitter_.consoles.empty()) std::ofstream(root_ + "/half") << "";
+    if (!fs::exists(root_ + "/at-work")) return;
+    sitter_.meanwhile = nullptr;
+    button.click();
+  };
+}
+
+TEST_F(UntarTest, QuickExtractionStaysShownAndItsCancelEndsTheProgram) {
+  archive::frmQuickExtract quick(services_);
   quick.show();
   fs::create_directory(host("quick"));
-  EXPECT_TRUE(quick.QuickExtract("C:\\pkg.tgz", "C:\\quick").complete);
+  EXPECT_EQ(quick.QuickExtract("C:\\pkg.tgz", "C:\\quick").end, runtime::JobEnd::Done);
   EXPECT_EQ(bytes("quick/top"), "new");
   EXPECT_EQ(quick.findChild<QProgressBar*>("ProgressBar1")->value(), 100);
   EXPECT_TRUE(quick.isVisible());
-  quick.findChild<QPushButton*>("cmdCancel")->click();
-  QTest::keyClick(&quick, Qt::Key_Escape);
-  EXPECT_EQ(ended, 2);
+  slowDown();
+  sitter_.consoles.clear();
+  cancelAtWork(*quick.findChild<QPushButton*>("cmdCancel"));
+  const platform::desktop::Gate gate(busy_);
+  const platform::Busy::Scope busy(busy_);
+  EXPECT_EQ(quick.QuickExtract("C:\\pkg.tgz", "C:\\half").end, runtime::JobEnd::Stopped);
+  EXPECT_TRUE(busy_.endRequested());
+  EXPECT_EQ(bytes("half/top"), "new");
+  EXPECT_FALSE(fs::exists(host("half/half")));
+}
+
+TEST_F(UntarTest, CancelWhileTarRunsLeavesTheFrameAndThePaneIsListedAgain) {
+  slowDown();
+  openPackage();
+  cancelAtWork(get<QPushButton>("cmdCancel"));
+  click("cmdUnTar");
+  EXPECT_EQ(events_, "shown closed ");
+  EXPECT_EQ(window_.refreshes, 1);
+  EXPECT_TRUE(fs::exists(host("pkg/top")) && !fs::exists(host("pkg/half")));
+  EXPECT_TRUE(log_.all.ends_with(" Stopped: extracting C:\\pkg.tgz\n")) << log_.all;
+}
+
+TEST_F(UntarTest, ClosingDuringTheListingOfAnExtractionExtractsNothing) {
+  openPackage();
+  output("touch -d 2001-01-01 " + host("pkg.tgz"));
+  sitter_.meanwhile = [this] {
+    if (get<QWidget>("frameTarRefreshLabel").isVisible()) busy_.requestEnd();
+  };
+  click("cmdUnTar");
+  EXPECT_EQ(log_.all, " Stopped: extracting C:\\pkg.tgz\n");
+  EXPECT_FALSE(fs::exists(host("pkg")) || extractionEnabled());
+}
+
+TEST_F(UntarTest, WhatIsLeftOutIsShownAtTheEnd) {
+  output("cd " + host("in") + " && tar -cPf ../up.tar top ../in/usr");
+  frame_.open("C:\\up.tar");
+  click("cmdUnTar");
+  EXPECT_EQ(bytes("up/top"), "new");
+  EXPECT_TRUE(sitter_.told.back().starts_with("Pakrune|Not extracted, its name leads out"))
+      << sitter_.told.back();
+  EXPECT_EQ(window_.refreshes, 1);
 }
 
 }  // namespace
