@@ -206,6 +206,7 @@ TEST_F(SendTest, RepliesThatSendNothing) {
     EXPECT_EQ(unit_.data(), "") << c.reply;
     EXPECT_TRUE(took_ >= 200ms + c.lasts && took_ < 400ms + c.lasts) << c.reply;
     EXPECT_TRUE(unit_.calls.ends_with("close\n") && display_.shown.ends_with("-left|Disconnected|"));
+    EXPECT_LT(display_.shown.size(), 90U) << display_.shown;  // each change once
   }
 }
 
@@ -250,6 +251,12 @@ TEST_F(SendTest, AUnitThatClosesOrResets) {
       EXPECT_EQ(told(), inOrder ? sent : c.told) << c.when;
       EXPECT_EQ(took_ >= 5s, c.told == requestFailed) << c.when;
     }
+  unit_ = {};
+  display_.shown.clear();
+  once([this] { return display_.shown.ends_with("Checking..|Connected|"); }, now(ConnectionState::Closed));
+  run();
+  EXPECT_EQ(told(), reset);
+  EXPECT_EQ(display_.shown.find("Sending"), std::string::npos);  // so that the dialog stays for another try
 }
 
 TEST_F(SendTest, ASlowUnitLivesAndADeadOneIsLostAfterTwentySeconds) {
@@ -323,6 +330,11 @@ TEST_F(SendTest, AStopAtEveryStepIsOneLine) {
     EXPECT_LE(unit_.looks, looks + 1) << c.when;
     EXPECT_EQ(unit_.now, ConnectionState::Closed) << c.when;
   }
+  unit_ = {};
+  display_.shown.clear();
+  busy_.requestEnd();
+  EXPECT_EQ(run(), JobEnd::Stopped);
+  EXPECT_EQ(display_.shown + unit_.calls + told(), "");
 }
 
 TEST_F(SendTest, AFileThatChangesIsNeverASuccess) {
@@ -340,7 +352,12 @@ TEST_F(SendTest, AFileThatChangesIsNeverASuccess) {
     EXPECT_LT(unit_.data().size(), 2500U);  // what the unit has is no whole file
   }
   unit_ = {};
-  once([this] { return unit_.chunks.size() == 2; }, [this] { fs::rename(host("app.tgz"), host("b")); });
+  write("app.tgz", "");
+  once([this] { return unit_.chunks.size() == 1; }, [this] { write("app.tgz", "no longer empty"); });
+  EXPECT_EQ(run(), JobEnd::Failed);
+  EXPECT_EQ(told(), changed);
+  unit_ = {};
+  once([this] { return unit_.chunks.size() == 1; }, [this] { fs::rename(host("app.tgz"), host("b")); });
   EXPECT_EQ(run(), JobEnd::Done);
 }
 

@@ -12,6 +12,7 @@
 #include <QToolTip>
 
 #include "download/ui/frmNetloader.h"
+#include "platform/desktop/Gate.h"
 #include "platform/desktop/ScrollList.h"
 #include "tests/SimProcess.h"
 #include "tests/World.h"
@@ -68,6 +69,7 @@ class NetloaderTest : public testworld::World {
     return all;
   }
 
+  platform::desktop::Gate gate_{busy_};
   std::unique_ptr<frmNetloader> form_;
   QTimer poll_;
 };
