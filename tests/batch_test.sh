@@ -81,7 +81,8 @@ start() { # FOLDER NAME...: packs in the background until tar has begun
   "$pakrune" --yes -qpack "$@" >"$world/out" 2>"$world/err" &
   packer=$!
   for _ in $(seq 200); do
-    tar=$(pgrep -P "$packer") && [ -n "$(find . "$TMPDIR" -path '*_PK*.tgz')" ] && return
+    tar=$(cut -d ' ' -f 1 "/proc/$packer/task/$packer/children")
+    [ -n "$tar" ] && [ -n "$(find . "$TMPDIR" -path '*_PK*.tgz')" ] && return
     sleep 0.02
   done
   fail "tar has not begun"
