@@ -81,9 +81,9 @@ start() { # FOLDER NAME...: packs in the background until tar has begun
   "$pakrune" --yes -qpack "$@" >"$world/out" 2>"$world/err" &
   packer=$!
   for _ in $(seq 200); do
+    [ -n "$(find . "$TMPDIR" -path '*_PK*.tgz')" ] || { sleep 0.02; continue; }
     tar=$(cut -d ' ' -f 1 "/proc/$packer/task/$packer/children")
-    [ -n "$tar" ] && [ -n "$(find . "$TMPDIR" -path '*_PK*.tgz')" ] && return
-    sleep 0.02
+    return
   done
   fail "tar has not begun"
 }
