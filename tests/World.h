@@ -39,7 +39,10 @@ class Person : public runtime::UserInterface {
     if (onClosed) onClosed();
   }
 
+  bool keepsConsole() const override { return readsConsole; }
+
   std::function<void()> onMessage, onEvents, onClosed;
+  bool readsConsole = false;
   bool agrees = true;
   int yields = 0;
   std::vector<std::string> told;

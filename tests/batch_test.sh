@@ -80,9 +80,10 @@ mkdir -p slow/usr8 && echo old >slow/slow.tgz && truncate -s 40G slow/zeros && e
 start() { # FOLDER NAME...: packs in the background until tar has begun
   "$pakrune" --yes -qpack "$@" >"$world/out" 2>"$world/err" &
   packer=$!
-  for _ in $(seq 200); do
-    tar=$(pgrep -P "$packer") && [ -n "$(find . "$TMPDIR" -path '*_PK*.tgz')" ] && return
-    sleep 0.02
+  for _ in $(seq 1000); do
+    [ -n "$(find . "$TMPDIR" -path '*_PK*.tgz')" ] || { sleep 0.02; continue; }
+    tar=$(cut -d ' ' -f 1 "/proc/$packer/task/$packer/children")
+    return
   done
   fail "tar has not begun"
 }

@@ -160,6 +160,10 @@ TEST_F(PackRunTest, StatusesOfTarHaveTheirBoxes) {
             "Pakrune|Error: An unknown error occurred.\rTry reinstalling Pakrune or Cygwin");
   EXPECT_EQ(members(), "a\n");
   EXPECT_NE(log_.all.find("tar: a: file changed"), std::string::npos);
+  person_.readsConsole = true;
+  log_.all.clear();
+  EXPECT_EQ(pack(items({"a"})), JobEnd::Failed);
+  EXPECT_EQ(log_.all.find("tar: a: file changed"), std::string::npos) << "told twice";
 }
 
 TEST_F(PackRunTest, RefusalsChangeNothing) {
@@ -213,6 +217,7 @@ TEST_F(PackRunTest, WhatHindersAPackIsTold) {
 
 TEST_F(PackRunTest, AFolderThatIsClosedOrFullIsToldWithTheSystemsReason) {
   if (!tests::ordinaryUserGetsAbout()) GTEST_SKIP() << tests::rootIsClosed;
+  chmod(root_.c_str(), 0755);
   chmod(host("").c_str(), 0555);
   EXPECT_TRUE(tests::asOrdinaryUser([this] { return files_.writeProblem("C:\\") == EACCES; }));
   write("pkg/a");
@@ -242,7 +247,9 @@ TEST_F(PackRunTest, AStopEndsThePackAndChangesNothing) {
     fs::remove(host("runs"));
   };
   person_.onMessage = stop;
+  person_.agrees = false;
   expectStopped("at the question", 0);
+  person_.agrees = true;
   person_.onEvents = stop;
   expectStopped("before cp", 0);
   person_.onClosed = stop;
@@ -365,6 +372,7 @@ TEST_F(PackRunTest, WhatNobodyWasAskedAboutIsNotReplaced) {
   write("pkg/a");
   tool("tar.exe", "/usr/bin/tar \"$@\"; echo theirs >" + host("out.tgz"));
   EXPECT_EQ(pack(items({"a"})), JobEnd::Failed);
+  ASSERT_EQ(person_.told.size(), 1U);
   EXPECT_TRUE(person_.told.back().starts_with("Pakrune|'C:\\out.tgz' has appeared meanwhile"));
   EXPECT_EQ(bytes("out.tgz"), "theirs\n");
   EXPECT_TRUE(nothingLeft());
