@@ -352,7 +352,12 @@ TEST_F(ExtractTest, PackagesAreMovedInWithoutFollowingLinks) {
   fs::remove_all(host("out"));
   EXPECT_EQ(quick("p.ipk").end, JobEnd::Done) << log_.all;
   EXPECT_EQ(contents(), "-x data packageSize ");
-  fs::remove(host("out/data"));
+  fs::remove_all(host("out"));
+  fakeTool("ar", "$real \"$@\"; case $1 in -x) kill -9 $$;; esac");
+  EXPECT_EQ(quick("p.ipk").end, JobEnd::Failed);
+  EXPECT_EQ(contents(), "");  // what a killed run unpacked need not be whole
+  EXPECT_TRUE(logged(" ar was ended by signal 9, not extracted whole: C:\\p.ipk\n"));
+  fakeTool("ar", "exec $real \"$@\"");
   write("out/data/in the way");
   EXPECT_NE(quick("p.ipk").end, JobEnd::Done);
   EXPECT_TRUE(logged(" Unable to write file: C:\\out\\data\n"));
