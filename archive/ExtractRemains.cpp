@@ -18,7 +18,7 @@ bool isEarlier(const timespec& a, const timespec& b) {
 
 ExtractRemains::ExtractRemains(const runtime::Services& services, std::string outFolder,
                                const std::vector<std::string>& members)
-    : services_(services), outFolder_(std::move(outFolder)), guard_(services.system.drives, outFolder_) {
+    : services_(services), outFolder_(std::move(outFolder)) {
   const platform::Files& files = services_.system.files;
   for (const std::string& member : members) {
     const std::string path = pathOf(member);
@@ -47,7 +47,6 @@ void ExtractRemains::clear(std::string_view printed) {
   bool last = true;
   for (auto line = lines.rbegin(); line != lines.rend(); ++line) {
     const std::string member = heldName(*line);
-    if (guard_.judge({member, false, {}})) continue;
     const std::string path = pathOf(member);
     const Made made = lookAt(path, last);
     if (made == Made::Nothing && isRemark(*line) && standing_.count(member) == 0) continue;  // no name

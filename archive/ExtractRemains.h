@@ -1,11 +1,11 @@
 #pragma once
 
+#include <ctime>
 #include <set>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "archive/ExtractGuard.h"
 #include "runtime/Services.h"
 
 namespace archive {
@@ -18,7 +18,8 @@ class ExtractRemains {
   /// To be made right before the run. `members`: what might be replaced; none where the folder is new.
   ExtractRemains(const runtime::Services& services, std::string outFolder,
                  const std::vector<std::string>& members);
-  /// After the run: removes what is not whole and logs it. `printed` is all that tar printed.
+  /// After the run: removes what is not whole and logs it. `printed` is all that tar printed; what would lead
+  /// out of the folder was never given to it.
   void clear(std::string_view printed);
 
  private:
@@ -28,9 +29,8 @@ class ExtractRemains {
 
   runtime::Services services_;
   std::string outFolder_;
-  ExtractGuard guard_;
   std::set<std::string, std::less<>> standing_;  // members in whose place a file stands
-  struct timespec start_ {};
+  timespec start_{};
 };
 
 }  // namespace archive

@@ -69,7 +69,7 @@ runtime::ToolResult ExtractRun::runAr() {
   if (!environment.get("Path").ends_with(tools)) environment.set("Path", environment.get("Path") + tools);
   runtime::ToolResult run =
       services_.api.RunAndWait(arExtractCommand(plan_.archivePath, plan_.members), place.path());
-  if (run.stopped || moveIn(place.path())) return run;
+  if (!run.ended() || moveIn(place.path())) return run;
   run.stopped = services_.system.busy.stopRequested();
   if (run.status == 0) run.status = 1;
   return run;

@@ -55,7 +55,11 @@ class Sitter : public testworld::Person {
   void letEventsRun() override {
     if (meanwhile) meanwhile();
   }
+  void consoleClosed() override {
+    if (atEnd) atEnd();
+  }
   std::function<void()> meanwhile;
+  std::function<void()> atEnd;
 };
 
 /// Gives its answers in order, the last one again and again.
@@ -352,7 +356,12 @@ TEST_F(ExtractTest, PackagesAreMovedInWithoutFollowingLinks) {
   fs::remove_all(host("out"));
   EXPECT_EQ(quick("p.ipk").end, JobEnd::Done) << log_.all;
   EXPECT_EQ(contents(), "-x data packageSize ");
-  fs::remove(host("out/data"));
+  fs::remove_all(host("out"));
+  fakeTool("ar", "$real \"$@\"; case $1 in -x) kill -9 $$;; esac");
+  EXPECT_EQ(quick("p.ipk").end, JobEnd::Failed);
+  EXPECT_EQ(contents(), "");  // what a killed run unpacked need not be whole
+  EXPECT_TRUE(logged(" ar was ended by signal 9, not extracted whole: C:\\p.ipk\n"));
+  fakeTool("ar", "exec $real \"$@\"");
   write("out/data/in the way");
   EXPECT_NE(quick("p.ipk").end, JobEnd::Done);
   EXPECT_TRUE(logged(" Unable to write file: C:\\out\\data\n"));
@@ -471,32 +480,42 @@ TEST_F(ExtractTest, NoStepBeginsAfterAStop) {
   const struct {
     const char* name;
     std::string archive;
-    bool stands;  // the output folder, and a file in it
+    bool stands;   // the output folder, and files in it
+    bool creates;  // it gets so far as to make the folder
     std::function<void()> prepare;
-  } cases[] = {{"listing", "a.tar", false,
-                [&] {
-                  fakeTool("tar", "echo f; " + waits);
-                  stopWhenAtWork();
-                }},
-               {"progress", "a.tar", false, [&] { progress_.meanwhile = [this] { busy_.requestStop(); }; }},
-               {"question", "a.tar", true, [&] { script_.meanwhile = [this] { busy_.requestStop(); }; }},
-               {"ar", "p.ipk", false, [&] {
-                  fakeTool("ar", "case $1 in -x) touch half; " + waits + ";; esac; exec $real \"$@\"");
-                  stopWhenAtWork();
-                }}};
+  } cases[] = {
+      {"listing", "a.tar", false, false,
+       [&] {
+         fakeTool("tar", "echo f; " + waits);
+         stopWhenAtWork();
+       }},
+      {"progress", "a.tar", false, true, [&] { progress_.meanwhile = [this] { busy_.requestStop(); }; }},
+      {"question", "a.tar", true, false, [&] { script_.meanwhile = [this] { busy_.requestStop(); }; }},
+      {"moving", "p.ipk", false, true, [&] { sitter_.atEnd = [this] { busy_.requestStop(); }; }},
+      {"ar", "p.ipk", false, true, [&] {
+         fakeTool("ar", "case $1 in -x) touch half; " + waits + ";; esac; exec $real \"$@\"");
+         stopWhenAtWork();
+       }}};
   for (const auto& c : cases) {
     SCOPED_TRACE(c.name);
     fs::remove_all(host("out"));
-    if (c.stands) write("out/f", "old");
+    for (const char* name : {"out/f", "out/g"})
+      if (c.stands) write(name, "old");
     log_.all.clear();
     sitter_.told.clear();
-    script_.answers = {OverwriteAnswer::YesToAll};
+    sitter_.consoles.clear();
+    script_.asked.clear();
+    script_.answers = {OverwriteAnswer::Yes};
     c.prepare();
-    EXPECT_EQ(quick(c.archive).end, JobEnd::Stopped);
+    const Extraction end = quick(c.archive);
+    EXPECT_EQ(end.end, JobEnd::Stopped);
+    EXPECT_EQ(end.toolRan, !sitter_.consoles.empty());
     EXPECT_EQ(log_.all, " Stopped: extracting C:\\" + c.archive + "\n");
-    EXPECT_EQ(fs::exists(host("out")) ? contents() + bytes("out/f") : "none", c.stands ? "f old" : "none");
+    EXPECT_EQ(fs::exists(host("out")) ? contents() + bytes("out/f") : "none", c.stands ? "f g old" : "none");
+    EXPECT_EQ(script_.asked.size(), c.stands ? 1U : 0U);
+    EXPECT_EQ(sitter_.told.size(), c.creates ? 1U : 0U);  // nothing but the question about the folder
     EXPECT_EQ(sitter_.consoles.size(), c.archive == "p.ipk" ? 1U : 0U);
-    sitter_.meanwhile = progress_.meanwhile = script_.meanwhile = {};
+    sitter_.meanwhile = sitter_.atEnd = progress_.meanwhile = script_.meanwhile = {};
     fs::remove(root_ + "/at-work");
     fakeTool("tar", "exec $real \"$@\"");
   }
@@ -507,7 +526,8 @@ TEST_F(ExtractTest, AStoppedRunKeepsWhatIsWhole) {
   write("in/4half", std::string(500'000, 'h'));
   write("in/5", "after");
   fs::create_symlink("/usr/lib", host("in/3abs"));
-  output("cd " + host("in") + " && touch -d '1 hour ago' * && tar -czf ../a.tgz 1 2 3abs 4half 5");
+  output("cd " + host("in") +
+         " && touch -d '1 hour ago' * && touch -d '1 hour' 2 && tar -czf ../a.tgz 1 2 3abs 4half 5");
   // Once a console is open, the compressor gives the first members and half of a large one.
   fakeTool("gzip", "[ -e " + root_ + "/half ] || exec $real \"$@\"\n$real -dc | head -c 200000; touch " +
                        root_ + "/at-work; sleep 20");
@@ -527,6 +547,14 @@ TEST_F(ExtractTest, AStoppedRunKeepsWhatIsWhole) {
             " Removed, only a part of it was extracted: C:\\out\\4half\n Lost, it was being replaced: "
             "C:\\out\\4half\n Removed, only a part of it was extracted: C:\\out\\3abs\n"
             " Stopped: extracting C:\\a.tgz\n");
+  log_.all.clear();
+  fs::remove(root_ + "/at-work");
+  stopWhenAtWork();
+  fakeTool("gzip", "exec $real \"$@\"");
+  fakeTool("tar", "case \"$*\" in *xv*) echo 1; touch -d 2001-01-01 $3/1 " + root_ +
+                      "/at-work; sleep 20;; esac; exec $real \"$@\"");
+  EXPECT_EQ(quick("a.tgz", "C:\\new").end, JobEnd::Stopped);
+  EXPECT_EQ(contents("new") + log_.all, "1  Stopped: extracting C:\\a.tgz\n");
 }
 
 TEST_F(ExtractTest, ArchivesOfOtherToolsListAsTarListsThem) {

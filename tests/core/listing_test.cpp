@@ -5,6 +5,7 @@
 
 #include "archive/ArchiveTreeBuilder.h"
 #include "archive/ExtractCommand.h"
+#include "archive/ExtractGuard.h"
 #include "archive/ListingLine.h"
 #include "archive/ListingOutput.h"
 #include "archive/SiblingOrder.h"
@@ -27,6 +28,42 @@ std::string line(const std::string& path, char kind = 0) {
   if (kind == 0) kind = path.ends_with('/') ? 'd' : '-';
   return std::string(1, kind) + "rwxr-xr-x 507/1              12 2006-05-04 13:22 " + path + "\n";
 }
+
+// What GNU tar 1.34 printed with LC_ALL=C.UTF-8, and with gzip 1.12, bzip2 1.0.8 and GNU ar 2.40 behind it.
+constexpr const char* recordedListing =
+    R"(drwxr-xr-x 507/Domain Users  0 2006-05-04 13:22 usr/
+-rw-r--r-- 507/Domain Users  2 2006-05-04 13:22 usr/a b\nc\\d\377
+drwxr-xr-x 507/Domain Users  0 2006-05-04 13:22 usr/bin/
+-rw-r--r-- 507/Domain Users  1 2006-05-04 13:22 usr/bin/app
+hrw-r--r-- 507/Domain Users  0 2006-05-04 13:22 usr/hard link to usr/bin/app
+lrwxrwxrwx 507/Domain Users  0 2006-05-04 13:22 usr/ln -> ../lib/x.so
+crw-r--r-- 507/Domain Users 1,3 2006-05-04 13:22 usr/null
+)";
+constexpr const char* cutGzip = R"(
+gzip: stdin: unexpected end of file
+tar: Unexpected EOF in archive
+tar: Error is not recoverable: exiting now
+)";
+constexpr const char* noGzip = R"(
+gzip: stdin: not in gzip format
+tar: Child returned status 1
+tar: Error is not recoverable: exiting now
+)";
+constexpr const char* childFailed =
+    "tar: Child returned status 2\ntar: Error is not recoverable: exiting now\n";
+constexpr const char* cutBzip2 = R"(
+bzip2: Compressed file ends unexpectedly;
+	perhaps it is corrupted?  *Possible* reason follows.
+bzip2: Inappropriate ioctl for device
+	Input file = (stdin), output file = (stdout)
+
+It is possible that the compressed file(s) have become corrupted.
+You can use the -tvv option to test integrity of such files.
+
+You can use the `bzip2recover' program to attempt to recover
+data from undamaged sections of corrupted files.
+
+)";
 
 /// Each node on a line of its own, indented, in sibling order.
 std::string outline(const ArchiveTree& tree, NodeId parent = 0, int depth = 0) {
@@ -87,13 +124,11 @@ TEST(ListingOutput, MessagesNameTheReason) {
   const struct {
     std::string output;
     std::string message;
-  } cases[] = {{"ar: /d/x.ipk: file format not recognized\n", package + "file format not recognized\n"},
-               {"\ngzip: stdin: not in gzip format\ntar: Child returned status 1\n",
-                tar + "\ngzip: stdin: not in gzip format\ntar: Child returned status 1\n"},
-               {line("a") + "\ngzip: stdin: unexpected end of file\ntar: Unexpected EOF in archive\n",
-                tar + "Unexpected end of file"},
-               {"bzip2: (stdin) is not a bzip2 file.\ntar: Child returned status 2\n",
-                tar + "tar: Child returned status 2\n"},
+  } cases[] = {{"ar: n.tgz: file format not recognized\n", package + "file format not recognized\n"},
+               {noGzip, tar + noGzip},
+               {std::string(recordedListing) + cutGzip, tar + "Unexpected end of file"},
+               {std::string(cutBzip2) + childFailed, tar + childFailed},
+               {std::string("bzip2: (stdin) is not a bzip2 file.\n") + childFailed, tar + childFailed},
                {"", package + "No files to extract"}};
   const auto problem = [](const std::string& output, int status = 0) {
     return listingProblem({output, status}, ArchiveKind::Gzip, "C:\\x");
@@ -110,6 +145,27 @@ TEST(ListingOutput, MessagesNameTheReason) {
   EXPECT_EQ(problem("tar: x\n", 2), tar + "tar: x\n");
   EXPECT_EQ(listingProblem({runtime::startFailure, -1, 2}, ArchiveKind::Ipk, "C:\\x"),
             package + "ar could not be started: No such file or directory");
+}
+
+TEST(ListingOutput, RecordedRemarksAreNoNames) {
+  for (const char* said : {cutGzip, noGzip, childFailed, cutBzip2})
+    for (const std::string_view line : completeLines(said))
+      EXPECT_TRUE(line.empty() || isRemark(line)) << line;
+  std::string members;
+  for (const GuardedMember& member : membersOf(std::string(recordedListing) + cutGzip))
+    members += platform::releaseName(member.name) + (member.isLink ? ">" : "|") + member.hardTarget + ' ';
+  EXPECT_EQ(members,
+            "usr/| usr/a b\nc\\d\377| usr/bin/| usr/bin/app| usr/hard>usr/bin/app usr/ln> usr/null| ");
+}
+
+TEST(ArchiveTree, ARecordedListingBecomesATree) {
+  const ArchiveTree tree = treeOf(recordedListing);
+  EXPECT_EQ(platform::releaseName(outline(tree)), "usr\n bin\n  app\n a b\nc\\d\377\n hard\n ln\n null\n");
+  EXPECT_EQ(tree.tag(7),
+            "Size:                 1,3 bytes\rModified:          2006-05-04 13:22\r"
+            "Permissions:     crw-r--r--\rOwner/Group:  507/Domain Users");
+  EXPECT_TRUE(tree.tag(6).ends_with("\rShortcut:          ../lib/x.so"));
+  EXPECT_EQ(tree.entry(4)->size, "1");
 }
 
 TEST(ArchiveTree, ComponentsBecomeNodes) {
