@@ -6,14 +6,14 @@
 
 #include <algorithm>
 
+#include "platform/Ascii.h"
+
 namespace browser {
 namespace {
 
 bool isAscii(std::string_view text) {
   return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
 }
-
-char foldAscii(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
 /// Makes the host's tables of letters the calling thread's for as long as it lives.
 class LetterTables {
@@ -42,8 +42,7 @@ void appendFolded(std::string& out, wchar_t code) {
 }  // namespace
 
 std::string foldCase(std::string_view text) {
-  std::string folded(text);
-  std::transform(folded.begin(), folded.end(), folded.begin(), foldAscii);
+  const std::string folded = platform::lowerAscii(text);
   if (isAscii(text)) return folded;
   const LetterTables tables;
   std::string out;

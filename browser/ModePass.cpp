@@ -2,31 +2,80 @@
 
 #include <algorithm>
 
+#include "platform/HeldName.h"
+#include "runtime/EscapeQuoting.h"
+#include "runtime/Lines.h"
 #include "runtime/LsLine.h"
 
 namespace browser {
+namespace {
 
-std::string modeCommand(const std::vector<std::string>& names, std::size_t first, std::size_t count) {
+constexpr std::string_view speaker = "ls: ";
+
+std::string passed(const std::string& name) { return name.starts_with('-') ? "./" + name : name; }
+
+/// Whether the character at `at` stands behind a backslash that escapes it.
+bool isEscaped(std::string_view text, std::size_t at) {
+  const std::size_t before = text.substr(0, at).find_last_not_of('\\');
+  const std::size_t backslashes = before == text.npos ? at : at - before - 1;
+  return backslashes % 2 == 1;
+}
+
+std::string_view withoutTarget(std::string_view line) {
+  constexpr std::string_view arrow = " -> ";
+  std::size_t at = line.find(arrow);
+  while (at != line.npos && isEscaped(line, at)) at = line.find(arrow, at + 1);
+  return line.substr(0, at);
+}
+
+/// The bytes of the name at the end of a line: behind its last blank that is no part of the name.
+std::string nameOf(std::string_view line) {
+  if (runtime::lsType(line) == 'l') line = withoutTarget(line);
+  std::size_t blank = line.rfind(' ');
+  while (blank != line.npos && blank > 0 && isEscaped(line, blank)) blank = line.rfind(' ', blank - 1);
+  return runtime::unescaped(line.substr(blank + 1));  // npos + 1 is the beginning
+}
+
+/// Complaints quote a name in one of two ways, unless it is an odd one.
+std::string complaintOf(const std::vector<std::string_view>& complaints, const std::string& name) {
+  for (const std::string_view line : complaints)
+    for (const char* quote : {"'", "\""})
+      if (line.find(quote + name + quote) != line.npos) return runtime::lsModeColumn(line);
+  return {};
+}
+
+}  // namespace
+
+std::string modeCommand(std::span<const std::string> names) {
   std::string command = "ls.exe -lnd --sort=none --group-directories-first ";
-  for (std::size_t i = first; i < first + count; ++i)
-    command += (names[i].starts_with('-') ? "\"./" : "\"") + names[i] + "\" ";
+  for (const std::string& name : names) command += '"' + passed(name) + "\" ";
   return command;
 }
 
-std::vector<std::string> modesOf(std::string_view output, std::size_t count) {
-  std::vector<std::string> modes = runtime::lsLines(output);
-  modes.resize(std::min(modes.size(), count));
-  for (std::string& line : modes) line = runtime::lsModeColumn(line);
-  return modes;
-}
-
-void runModePass(runtime::modAPI& api, const std::string& toolFolder, const std::string& folder,
-                 const std::vector<std::string>& names, const ModesReady& ready) {
-  for (std::size_t first = 0; first < names.size(); first += modeBatch) {
-    const std::size_t count = std::min(modeBatch, names.size() - first);
-    const std::string output = api.RunCapture(toolFolder, modeCommand(names, first, count), folder).text;
-    if (!ready(first, modesOf(output, count))) return;
+BatchModes modesOf(std::string_view output, std::span<const std::string> names) {
+  std::vector<std::string> wanted;
+  for (const std::string& name : names) wanted.push_back(platform::releaseName(passed(name)));
+  BatchModes batch;
+  batch.modes.resize(names.size());
+  std::vector<std::string_view> complaints;
+  auto next = wanted.begin();
+  for (const std::string_view line : runtime::completeLines(output)) {
+    if (line.starts_with(speaker)) {
+      complaints.push_back(line);
+      continue;
+    }
+    const auto found = std::find(next, wanted.end(), nameOf(line));
+    if (found == wanted.end()) continue;
+    batch.modes[static_cast<std::size_t>(found - wanted.begin())] = runtime::lsModeColumn(line);
+    next = found + 1;
   }
+  for (std::size_t i = 0; i < wanted.size(); ++i) {
+    if (!batch.modes[i].empty()) continue;
+    ++batch.withoutLine;
+    batch.modes[i] = complaintOf(complaints, wanted[i]);
+  }
+  batch.complaints = complaints.size();
+  return batch;
 }
 
 }  // namespace browser

@@ -1,5 +1,7 @@
 #include "browser/PaneRows.h"
 
+#include <unordered_map>
+
 #include "browser/FoldCase.h"
 #include "platform/DirectorySearch.h"
 #include "platform/HeldName.h"
@@ -14,9 +16,9 @@ bool visible(const PaneRow& row, const ListingChoice& choice) {
   return (!row.hidden || choice.showHidden) && (!row.system || choice.showSystem);
 }
 
-bool passesFilter(const PaneRow& row, const ListingChoice& choice) {
+bool passesFilter(const PaneRow& row, const ListingChoice& choice, const NamePattern& pattern) {
   if (choice.filterIndex <= 0 || runtime::imageTag(row.image) == choice.filterIndex) return true;
-  return choice.filterIndex == choice.filterCount - 1 && matchPattern(choice.customPattern, row.name);
+  return choice.filterIndex == choice.filterCount - 1 && pattern.matches(row.name);
 }
 
 PaneRow rowOf(const runtime::InfoClass& info, int image, bool isFile) {
@@ -43,10 +45,25 @@ std::string heldPattern(std::string_view typed) {
   }
 }
 
+/// The picture of each extension is looked for once; there are few in a folder.
+class ExtensionImages {
+ public:
+  int of(const std::string& extension) {
+    const auto [place, isNew] = known_.try_emplace(extension, 0);
+    if (isNew) place->second = runtime::getImageIndex(extension);
+    return place->second;
+  }
+
+ private:
+  std::unordered_map<std::string, int> known_;
+};
+
 }  // namespace
 
-bool matchPattern(std::string_view pattern, std::string_view name) {
-  const std::string wanted = foldCase(heldPattern(pattern));
+NamePattern::NamePattern(std::string_view typed) : wanted_(foldCase(heldPattern(typed))) {}
+
+bool NamePattern::matches(std::string_view name) const {
+  const std::string_view wanted = wanted_;
   const std::string text = foldCase(name);
   std::size_t star = wanted.find('*');
   if (!text.starts_with(wanted.substr(0, star))) return false;
@@ -54,7 +71,7 @@ bool matchPattern(std::string_view pattern, std::string_view name) {
   while (star != wanted.npos) {
     const std::size_t begin = star + 1;
     star = wanted.find('*', begin);
-    const std::string piece = wanted.substr(begin, star == wanted.npos ? star : star - begin);
+    const std::string_view piece = wanted.substr(begin, star == wanted.npos ? star : star - begin);
     if (star == wanted.npos) return text.ends_with(piece);
     const std::size_t at = text.find(piece, from);
     if (at == text.npos) return false;
@@ -67,13 +84,15 @@ std::vector<PaneRow> paneRows(const runtime::FileClass& found, const ListingChoi
   std::vector<PaneRow> rows;
   rows.reserve(found.Folders().size() + found.Files().size());
   const int folderImage = runtime::getImageIndex("fldr");
+  ExtensionImages images;
+  const NamePattern pattern(choice.customPattern);
   for (const runtime::InfoClass& info : found.Folders()) {
     PaneRow row = rowOf(info, folderImage, false);
     if (visible(row, choice)) rows.push_back(std::move(row));
   }
   for (const runtime::InfoClass& info : found.Files()) {
-    PaneRow row = rowOf(info, runtime::getImageIndex(info.FileExt), true);
-    if (visible(row, choice) && passesFilter(row, choice)) rows.push_back(std::move(row));
+    PaneRow row = rowOf(info, images.of(info.FileExt), true);
+    if (visible(row, choice) && passesFilter(row, choice, pattern)) rows.push_back(std::move(row));
   }
   for (std::size_t i = 0; i < rows.size(); ++i) rows[i].place = i;
   return rows;

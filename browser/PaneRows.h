@@ -18,10 +18,16 @@ struct ListingChoice {
   std::string customPattern;
 };
 
-/// Whether a name matches a wildcard pattern, without regard to case: "*" stands for any text, and a pattern
-/// without one for every name that begins with it. The pieces behind and before a "*" may overlap: ab*b
-/// matches ab.
-bool matchPattern(std::string_view pattern, std::string_view name);
+/// A wildcard pattern, compared without regard to case: "*" stands for any text, and a pattern without one
+/// for every name that begins with it. The pieces behind and before a "*" may overlap: ab*b matches ab.
+class NamePattern {
+ public:
+  explicit NamePattern(std::string_view typed);
+  bool matches(std::string_view name) const;
+
+ private:
+  std::string wanted_;  // held form, lower case
+};
 
 /// The rows of a folder: its subfolders (never filtered by type), then its files, in the order found. No
 /// modes yet.

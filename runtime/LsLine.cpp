@@ -10,13 +10,6 @@ bool continuesCharacter(char byte) { return (static_cast<unsigned char>(byte) & 
 
 }  // namespace
 
-std::vector<std::string> lsLines(std::string_view output) {
-  std::vector<std::string> lines;
-  for (std::size_t start = 0, end; (end = output.find('\n', start)) != output.npos; start = end + 1)
-    lines.emplace_back(output.substr(start, end - start));
-  return lines;
-}
-
 std::string lsModeColumn(std::string_view line) {
   std::size_t length = 0;
   for (std::size_t characters = 0; length < line.size(); ++length)

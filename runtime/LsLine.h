@@ -2,7 +2,6 @@
 
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace runtime {
 
@@ -15,9 +14,6 @@ namespace runtime {
 /// than what is asked for gives what there is of it.
 
 enum class LsClass { Owner, Group, Everyone };
-
-/// The lines of a tool's output: cut at every line feed, what follows the last one is no line.
-std::vector<std::string> lsLines(std::string_view output);
 
 std::string lsModeColumn(std::string_view line);  ///< the first 10 characters, whatever they say
 std::string lsModeString(std::string_view line);  ///< up to the first blank; empty when there is none

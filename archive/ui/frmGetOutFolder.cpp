@@ -22,8 +22,8 @@ bool isFolderName(const std::string& name) {
 frmGetOutFolder::frmGetOutFolder(runtime::Services services, const std::string& startFolder, QWidget* parent)
     : QDialog(parent), services_(services), ui_(std::make_unique<Ui::frmGetOutFolder>()) {
   ui_->setupUi(this);
-  const platform::Busy& running = services_.system.busy;
-  ui_->Drive1->setDrives(services_.system.drives, running);
+  platform::Busy& running = services_.system.busy;
+  ui_->Drive1->setDrives(services_.system.drives);
   ui_->dirList->setDrives(services_.system.drives, running);
   if (ui_->dirList->setPath(startFolder))
     ui_->Drive1->setDrive(startFolder);

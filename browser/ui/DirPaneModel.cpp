@@ -45,39 +45,51 @@ QIcon dimmedIcon(const QIcon& icon) {
 void DirPaneModel::setRows(std::vector<PaneRow> rows) {
   beginResetModel();
   rows_ = std::move(rows);
+  arrangeRows(sortedOrder(rows_, order_));
   endResetModel();
 }
 
 void DirPaneModel::setModes(std::size_t first, const std::vector<std::string>& modes) {
   const std::size_t end = std::min(rows_.size(), first + modes.size());
-  if (first >= end) return;
-  for (std::size_t i = first; i < end; ++i) rows_[i].mode = modes[i - first];
-  emit dataChanged(index(static_cast<int>(first), modeColumn), index(static_cast<int>(end - 1), modeColumn),
-                   {Qt::DisplayRole});
+  for (std::size_t place = first; place < end; ++place) rows_[rowOfPlace_[place]].mode = modes[place - first];
+}
+
+void DirPaneModel::showModes() {
+  if (rows_.empty()) return;
+  emit dataChanged(index(0, modeColumn), index(rowCount() - 1, modeColumn), {Qt::DisplayRole});
 }
 
 void DirPaneModel::sortBy(PaneOrder order) {
   emit layoutAboutToBeChanged({}, VerticalSortHint);
   order_ = order;
-  moveRows(sortedOrder(rows_, order));
+  std::vector<std::size_t> placesBefore;
+  placesBefore.reserve(rows_.size());
+  for (const PaneRow& row : rows_) placesBefore.push_back(row.place);
+  arrangeRows(sortedOrder(rows_, order));
+  movePersistent(placesBefore);
   emit layoutChanged({}, VerticalSortHint);
   emit headerDataChanged(Qt::Horizontal, 0, columnCount() - 1);
 }
 
-void DirPaneModel::moveRows(const std::vector<std::size_t>& from) {
+void DirPaneModel::arrangeRows(const std::vector<std::size_t>& from) {
   std::vector<PaneRow> moved;
   moved.reserve(rows_.size());
-  std::vector<int> to(rows_.size());
+  rowOfPlace_.resize(rows_.size());
   for (const std::size_t old : from) {
-    to[old] = static_cast<int>(moved.size());
+    rowOfPlace_[rows_[old].place] = moved.size();
     moved.push_back(std::move(rows_[old]));
   }
   rows_ = std::move(moved);
+}
+
+void DirPaneModel::movePersistent(const std::vector<std::size_t>& placesBefore) {
   const QModelIndexList before = persistentIndexList();
   QModelIndexList after;
   after.reserve(before.size());
-  for (const QModelIndex& kept : before)
-    after.append(index(to[static_cast<std::size_t>(kept.row())], kept.column()));
+  for (const QModelIndex& kept : before) {
+    const std::size_t place = placesBefore[static_cast<std::size_t>(kept.row())];
+    after.append(index(static_cast<int>(rowOfPlace_[place]), kept.column()));
+  }
   changePersistentIndexList(before, after);
 }
 

@@ -21,10 +21,11 @@ class DirPaneModel : public QAbstractTableModel {
  public:
   using QAbstractTableModel::QAbstractTableModel;
 
-  void setRows(std::vector<PaneRow> rows);
+  void setRows(std::vector<PaneRow> rows);  ///< in listing order; they show in the model's
   const std::vector<PaneRow>& rows() const { return rows_; }
-  /// Modes of the rows from `first` on.
+  /// Modes of the rows whose places begin with `first`; they show with the next showModes().
   void setModes(std::size_t first, const std::vector<std::string>& modes);
+  void showModes();
   void sortBy(PaneOrder order);
   PaneOrder order() const { return order_; }
   /// The rows of these exact names (of each the first), in the names' order; names without a row are left
@@ -39,9 +40,11 @@ class DirPaneModel : public QAbstractTableModel {
  private:
   QString text(const PaneRow& row, int column) const;
   QIcon icon(const PaneRow& row) const;
-  void moveRows(const std::vector<std::size_t>& from);
+  void arrangeRows(const std::vector<std::size_t>& from);
+  void movePersistent(const std::vector<std::size_t>& placesBefore);
 
   std::vector<PaneRow> rows_;
+  std::vector<std::size_t> rowOfPlace_;
   PaneOrder order_;
   platform::desktop::Locale locale_;
   mutable std::array<QIcon, runtime::imageCount + 1> dimmed_;  // made when first shown

@@ -1,5 +1,8 @@
 #include "browser/ui/Navigation.h"
 
+#include <QPointer>
+#include <QShortcut>
+
 #include "platform/HeldName.h"
 #include "platform/ResolvedPath.h"
 #include "platform/desktop/Handlers.h"
@@ -47,19 +50,23 @@ Navigation::Navigation(runtime::Services services, platform::desktop::FilePicker
       folders_(folders),
       location_(location),
       Timer1_(this) {
-  const platform::Busy& running = services_.system.busy;
+  platform::Busy& running = services_.system.busy;
   Timer1_.setObjectName(QStringLiteral("Timer1"));
   Timer1_.setInterval(tick);
-  drives_.setDrives(services_.system.drives, running);
+  drives_.setDrives(services_.system.drives);
   folders_.setDrives(services_.system.drives, running);
   showInitialFolder();
-  // Both lists take no input while a tool runs; a change must never pass unheard.
+  setWhileBusy(&location_, platform::desktop::WhileBusy::Remembered);
+  auto* const escape = new QShortcut(QKeySequence(Qt::Key_Escape), &location_);
+  escape->setContext(Qt::WidgetShortcut);
+  // A change must never pass unheard: what has to wait for the gate is remembered.
   connect(&drives_, &DriveList::driveChanged, this, &Navigation::Drive1_Change);
   connect(&folders_, &FolderList::changed, this, &Navigation::folderChanged);
-  connectHandler(&folders_, &FolderList::openFolderClicked, this, running, &Navigation::Dir1_OpenFolderClick);
+  connect(&folders_, &FolderList::openFolderClicked, this, &Navigation::Dir1_OpenFolderClick);
   connectHandler(&folders_, &FolderList::rightClicked, this, running, &Navigation::Dir1_RightClick);
-  connectHandler(&location_, &QLineEdit::returnPressed, this, running, &Navigation::txtLocation_Enter);
-  connectHandler(&Timer1_, &QTimer::timeout, this, running, &Navigation::Timer1_Timer);
+  connect(&location_, &QLineEdit::returnPressed, this, &Navigation::txtLocation_Enter);
+  connect(escape, &QShortcut::activated, this, &Navigation::showLocation);
+  connect(&Timer1_, &QTimer::timeout, this, &Navigation::Timer1_Timer);
 }
 
 void Navigation::showInitialFolder() {
@@ -67,7 +74,15 @@ void Navigation::showInitialFolder() {
   if (!folders_.setPath(services_.cygwin.GetEXEPath())) folders_.setPath(fallbackFolder);
 }
 
+void Navigation::whenFree(std::function<void()> deed) {
+  services_.system.busy.whenFree(platform::Busy::Width::OpenFolder,
+                                 [alive = QPointer<Navigation>(this), deed = std::move(deed)] {
+                                   if (!alive.isNull()) deed();
+                                 });
+}
+
 void Navigation::openFolder(const std::string& path) {
+  const platform::Busy::Scope busy(services_.system.busy);
   const std::string wanted = services_.system.files.folderExists(path) ? path : fallbackFolder;
   const std::string before = folders_.path();
   {
@@ -87,8 +102,10 @@ void Navigation::openParent() {
 }
 
 void Navigation::Drive1_Change() {
-  if (drivesLocked_) return;
-  const std::string drive = drives_.drive();
+  if (!drivesLocked_) whenFree([this, drive = drives_.drive()] { openDrive(drive); });
+}
+
+void Navigation::openDrive(const std::string& drive) {
   if (folders_.setPath(drive + "\\")) return;
   services_.user.message("Drive unavailable '" + drive + "'", Buttons::Ok, Icon::Critical, errorTitle);
   const DriveLock lock(*this);
@@ -112,25 +129,47 @@ void Navigation::Dir1_RightClick() {
   if (!chosen.empty()) openChosen(chosen);
 }
 
-bool Navigation::openChosen(const std::string& path) {
-  {
-    const DriveLock lock(*this);
-    if (folders_.setPath(path)) return true;
-  }
+void Navigation::tellUnavailable(const std::string& path) {
   services_.user.message("Unavailable to access: '" + path + "'", Buttons::Ok, Icon::Critical, errorTitle);
-  return false;
+}
+
+bool Navigation::openLocked(const std::string& path) {
+  const DriveLock lock(*this);
+  return folders_.setPath(path);
+}
+
+void Navigation::openChosen(const std::string& path) {
+  if (!openLocked(path)) tellUnavailable(path);
 }
 
 /// A path of the host is understood as well.
-void Navigation::txtLocation_Enter() {
-  std::string path = platform::desktop::fromControl(location_.text().trimmed());
-  if (path.starts_with('/') && !path.starts_with("/cygdrive/"))
-    path = services_.system.drives.toWindows(path);
-  path = platform::withoutDotDot(services_.system.drives, platform::holdPath(path));
-  if (openChosen(path))
-    location_.setText(platform::desktop::toControl(folders_.path()));
-  else
-    location_.selectAll();
+std::string Navigation::typedPath(std::string text) const {
+  if (text.starts_with('/') && !text.starts_with("/cygdrive/"))
+    text = services_.system.drives.toWindows(text);
+  return platform::withoutDotDot(services_.system.drives, platform::holdPath(text));
 }
+
+void Navigation::txtLocation_Enter() {
+  whenFree([this, text = platform::desktop::fromControl(location_.text().trimmed())] { openTyped(text); });
+}
+
+void Navigation::openTyped(const std::string& text) {
+  const std::string path = typedPath(text);
+  if (openTypedPath(path)) return showLocation();
+  tellUnavailable(path);
+  location_.selectAll();
+}
+
+/// A file's folder is opened, and the file asked for, before anything else that waits for the gate.
+bool Navigation::openTypedPath(const std::string& path) {
+  const platform::Busy::Scope busy(services_.system.busy);
+  if (!services_.system.files.fileExists(path)) return openLocked(path);
+  const std::string file = platform::desktop::folderPath(path);
+  if (!openLocked(runtime::getFilePath(file))) return false;
+  emit fileWanted(runtime::GetFileName(file));
+  return true;
+}
+
+void Navigation::showLocation() { location_.setText(platform::desktop::toControl(folders_.path())); }
 
 }  // namespace browser

@@ -3,6 +3,7 @@
 #include <QLineEdit>
 #include <QObject>
 #include <QTimer>
+#include <functional>
 #include <string>
 
 #include "platform/desktop/DriveList.h"
@@ -13,7 +14,8 @@
 namespace browser {
 
 /// How the current folder (the folder list's path) is chosen: drive list, folder list, folder picker, typed
-/// path, parent. The drive list always shows the current folder's drive.
+/// path, parent. The drive list always shows the current folder's drive. What the user chooses while a job
+/// holds the gate is opened afterwards; the public operations act at once.
 class Navigation : public QObject {
   Q_OBJECT
 
@@ -28,7 +30,8 @@ class Navigation : public QObject {
 
  signals:
   void folderChanged();  ///< another folder is the current one, or openFolder asked for the same one
-  void relistWanted();   ///< a double click on the folder that is open
+  void relistWanted();   ///< a double click on the folder that is open, also while a job holds the gate
+  void fileWanted(const std::string& name);  ///< a file of the current folder was typed
 
  private:
   class DriveLock;
@@ -37,7 +40,15 @@ class Navigation : public QObject {
   void Dir1_RightClick();
   void txtLocation_Enter();
   void Timer1_Timer();
-  bool openChosen(const std::string& path);
+  void openDrive(const std::string& drive);
+  void openChosen(const std::string& path);
+  void openTyped(const std::string& text);
+  bool openTypedPath(const std::string& path);
+  bool openLocked(const std::string& path);
+  void tellUnavailable(const std::string& path);
+  std::string typedPath(std::string text) const;
+  void showLocation();
+  void whenFree(std::function<void()> deed);
   void showInitialFolder();
 
   runtime::Services services_;

@@ -9,6 +9,8 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/desktop/Handlers.h"
+
 namespace browser {
 namespace {
 
@@ -41,20 +43,29 @@ class HeardView : public View {
  protected:
   void keyPressEvent(QKeyEvent* event) override {
     if (!event->isAutoRepeat()) pressedKey_ = event->key();
-    isPaneKey(event->key()) || startsSelection(*event) ? event->accept() : View::keyPressEvent(event);
+    if (isPaneKey(event->key()) || pane_.busy() || startsSelection(*event))
+      event->accept();
+    else
+      View::keyPressEvent(event);
   }
   void keyReleaseEvent(QKeyEvent* event) override {
-    View::keyReleaseEvent(event);
+    if (!pane_.busy()) View::keyReleaseEvent(event);
     if (!event->isAutoRepeat() && std::exchange(pressedKey_, 0) == event->key())
       emit pane_.keyReleased(event->key());
   }
   void mousePressEvent(QMouseEvent* event) override {
     pressedAt_ = event->position().toPoint();
-    View::mousePressEvent(event);
+    if (!pane_.busy()) View::mousePressEvent(event);
+  }
+  void mouseMoveEvent(QMouseEvent* event) override {
+    if (!pane_.busy()) View::mouseMoveEvent(event);
   }
   /// A second click of another button is a click like the first.
   void mouseDoubleClickEvent(QMouseEvent* event) override {
-    event->button() == Qt::LeftButton ? View::mouseDoubleClickEvent(event) : mousePressEvent(event);
+    if (event->button() != Qt::LeftButton) return mousePressEvent(event);
+    if (!pane_.busy()) return View::mouseDoubleClickEvent(event);
+    const QModelIndex index = this->indexAt(event->position().toPoint());
+    if (index.isValid()) emit pane_.rowDoubleClicked(index.row());
   }
   /// A rubber band that ends in empty space keeps what it selected.
   void mouseReleaseEvent(QMouseEvent* event) override {
@@ -157,6 +168,30 @@ void PaneViews::setModel(DirPaneModel& model) {
   for (int i = 0; i < 4; ++i) details_->header()->resizeSection(i, widths[i] * letter);
 }
 
+void PaneViews::setBusy(const platform::Busy& busy) {
+  busy_ = &busy;
+  setWhileBusy(this, platform::desktop::WhileBusy::Remembered);
+}
+
+void PaneViews::setListing(bool listing) {
+  if (listing) {
+    const bool focused = view().hasFocus();
+    setFocusProxy(nullptr);
+    if (focused) setFocus();
+  }
+  details_->setEnabled(!listing);
+  icons_->setEnabled(!listing);
+  if (listing) return;
+  const bool waited = hasFocus();
+  setFocusProxy(currentWidget());
+  if (waited) view().setFocus();
+}
+
+void PaneViews::keyReleaseEvent(QKeyEvent* event) {
+  if (listing() && event->key() == Qt::Key_Backspace && !event->isAutoRepeat())
+    emit keyReleased(event->key());
+}
+
 QAbstractItemView& PaneViews::view() const { return *static_cast<QAbstractItemView*>(currentWidget()); }
 
 void PaneViews::setViewMode(int mode) {
@@ -175,7 +210,7 @@ void PaneViews::setViewMode(int mode) {
   }
   const bool focused = view().hasFocus();
   setCurrentWidget(mode == 3 ? static_cast<QWidget*>(details_) : icons_);
-  setFocusProxy(currentWidget());
+  if (!listing()) setFocusProxy(currentWidget());
   if (focused) view().setFocus();
 }
 

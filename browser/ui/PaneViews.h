@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "browser/ui/DirPaneModel.h"
+#include "platform/Busy.h"
 
 namespace browser {
 
@@ -17,6 +18,15 @@ class PaneViews : public QStackedWidget {
  public:
   explicit PaneViews(QWidget* parent = nullptr);
   void setModel(DirPaneModel& model);  ///< must outlive the views
+  /// While a job holds the gate the views take nothing but what may open a folder: a double click, Enter and
+  /// Backspace, which are told of as ever.
+  void setBusy(const platform::Busy& busy);
+  bool busy() const { return busy_ != nullptr && busy_->held(); }
+
+  /// While it is being listed the pane takes no input and does not scroll, except that Backspace is told of.
+  /// Its focus waits here, so that a key meant for the pane reaches no button.
+  void setListing(bool listing);
+  bool listing() const { return !details_->isEnabled(); }
 
   void setViewMode(int mode);  ///< 0 icons, 2 list, 3 details
   QAbstractItemView& view() const;
@@ -29,6 +39,9 @@ class PaneViews : public QStackedWidget {
   /// Makes a row the current one (-1: none) without selecting it, and scrolls to a former place.
   void returnTo(int row, int scrolled);
 
+ protected:
+  void keyReleaseEvent(QKeyEvent* event) override;
+
  signals:
   void selectionChanged();  ///< once for a change, whatever made it
   void rowDoubleClicked(int row);
@@ -40,6 +53,7 @@ class PaneViews : public QStackedWidget {
   void buildDetails();
   void buildIcons();
 
+  const platform::Busy* busy_ = nullptr;
   QTreeView* details_;
   QListView* icons_;
 };

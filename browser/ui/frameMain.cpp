@@ -1,16 +1,13 @@
 #include "browser/ui/frameMain.h"
 
+#include <QPointer>
 #include <QScrollBar>
 #include <QShortcut>
 #include <QStyle>
 #include <algorithm>
 #include <utility>
 
-#include "browser/ModePass.h"
-#include "browser/PaneRows.h"
-#include "browser/SelectedRows.h"
 #include "browser/ui/frmPattern.h"
-#include "platform/DirectorySearch.h"
 #include "platform/desktop/Handlers.h"
 #include "platform/desktop/Text.h"
 #include "platform/desktop/WaitCursor.h"
@@ -20,17 +17,17 @@
 namespace browser {
 
 using platform::desktop::connectHandler;
+using platform::desktop::connectRemembered;
 using platform::desktop::toControl;
+
+using platform::Busy;
+using platform::desktop::WhileBusy;
 
 namespace {
 
-constexpr std::size_t driveLength = 2;
 constexpr std::size_t rootLength = 3;
-
-/// A drive is ready when its folder can be read.
-bool driveReady(const platform::DriveTable& drives, const std::string& path) {
-  return platform::DirectorySearch(drives, path.substr(0, driveLength) + "\\*").next().has_value();
-}
+constexpr int modeColumn = 2;   // as columns are counted for sorting
+constexpr int showEvery = 100;  // milliseconds
 
 }  // namespace
 
@@ -48,28 +45,22 @@ class frameMain::SelectionLock {
   bool before_;
 };
 
-/// The pane takes no input. Its focus waits in the frame, so that a key meant for the pane reaches no button,
-/// and comes back unless the user went elsewhere.
-class frameMain::PaneDisabled {
+/// The pane takes no input, and the hourglass shows.
+class frameMain::ListingShown {
  public:
-  explicit PaneDisabled(frameMain& owner) : owner_(owner), pane_(*owner.ui_->DirPaneViews) {
-    if (!pane_.isEnabled()) return;
-    if (pane_.view().hasFocus()) owner_.setFocus();
-    pane_.setEnabled(false);
-    mine_ = true;
+  explicit ListingShown(PaneViews& pane) : pane_(pane), mine_(!pane.listing()) {
+    if (mine_) pane_.setListing(true);
   }
-  ~PaneDisabled() {
-    if (!mine_) return;
-    pane_.setEnabled(true);
-    if (owner_.hasFocus()) owner_.focusDirPane();
+  ~ListingShown() {
+    if (mine_) pane_.setListing(false);
   }
-  PaneDisabled(const PaneDisabled&) = delete;
-  PaneDisabled& operator=(const PaneDisabled&) = delete;
+  ListingShown(const ListingShown&) = delete;
+  ListingShown& operator=(const ListingShown&) = delete;
 
  private:
-  frameMain& owner_;
   PaneViews& pane_;
-  bool mine_ = false;
+  bool mine_;
+  platform::desktop::WaitCursor hourglass_;
 };
 
 frameMain::frameMain(runtime::Services services, runtime::Selection& selection,
@@ -86,61 +77,79 @@ frameMain::frameMain(runtime::Services services, runtime::Selection& selection,
   });
   navigation_ = new Navigation(services_, pickers, *ui_->Drive1, *ui_->Dir1, *ui_->txtLocation, this);
   ui_->txtLocation->setText(toControl(dir1Path()));
+  wireActions();
   wireFolders();
   wirePane();
   wireFiles();
-  wireButtons();
 }
 
 frameMain::~frameMain() = default;
 
+void frameMain::whenFree(Busy::Width width, std::function<void()> deed) {
+  services_.system.busy.whenFree(width, [alive = QPointer<frameMain>(this), deed = std::move(deed)] {
+    if (!alive.isNull()) deed();
+  });
+}
+
+void frameMain::wireActions() {
+  const auto relist = [this] { refreshKeepList(); };
+  const auto belowRoot = [this] { return dir1Path().size() > rootLength; };
+  const auto ownersKnown = [this] { return ownersKnown_; };
+  constexpr auto later = WhileBusy::Remembered;
+  actions_ = new platform::desktop::ActionTable(
+      *this, services_.system.busy,
+      {
+          {"cmdTar", [this] { emit createTar(); }},
+          {"cmdExtract", [this] { emit extractTar(); }},
+          {"checkAll", [this] { checkAll_Click(); }},
+          {"cmdSetPerms"},
+          {"cmdSetOwner", {}, ownersKnown},
+          {"cmdSetGroup", {}, ownersKnown},
+          {"cmdDos2Unix", {}, [this] { return convertible_; }},
+          {"cmdDirPaneUp", [this] { cmdDirPaneUp_Click(); }, belowRoot, later, Busy::Width::OpenFolder},
+          {"cmdRefreshFiles", [this] { cmdRefreshFiles_Click(); }, {}, later},
+          {"optShowHidden", relist, {}, later},
+          {"optShowSystem", relist, {}, later},
+          {"Filter", [this] { Filter_Click(); }, {}, later},
+      });
+}
+
 void frameMain::wireFolders() {
   connect(navigation_, &Navigation::folderChanged, this, &frameMain::Dir1_Change);
-  connect(navigation_, &Navigation::relistWanted, this, &frameMain::openDirPane);
+  connect(navigation_, &Navigation::relistWanted, this,
+          [this] { whenFree(Busy::Width::Relist, [this] { openDirPane(); }); });
+  connect(navigation_, &Navigation::fileWanted, this, &frameMain::selectFile);
   connect(ui_->divider, &Divider::dragged, this, &frameMain::dividerDragged);
 }
 
 void frameMain::wirePane() {
-  const platform::Busy& running = services_.system.busy;
   PaneViews* const pane = ui_->DirPaneViews;
+  pane->setBusy(services_.system.busy);
   connect(pane, &PaneViews::selectionChanged, this, &frameMain::getDirPaneSelected);
-  const auto whenIdle = [this, &running](void (frameMain::*handler)(int)) {
-    return [this, &running, handler](int value) {
-      if (!running.held()) (this->*handler)(value);
+  connect(pane, &PaneViews::rowDoubleClicked, this, &frameMain::DirPane_DblClick);
+  connect(pane, &PaneViews::keyReleased, this, &frameMain::DirPane_KeyUp);
+  const auto whenIdle = [this](void (frameMain::*handler)(int)) {
+    return [this, handler](int value) {
+      if (!busy()) (this->*handler)(value);
     };
   };
-  connect(pane, &PaneViews::rowDoubleClicked, this, whenIdle(&frameMain::DirPane_DblClick));
-  connect(pane, &PaneViews::keyReleased, this, whenIdle(&frameMain::DirPane_KeyUp));
   connect(pane, &PaneViews::mouseReleased, this, whenIdle(&frameMain::DirPane_MouseUp));
   connect(pane, &PaneViews::columnClicked, this, whenIdle(&frameMain::DirPane_ColumnClick));
-  connect(ui_->Filter, &QComboBox::activated, this, whenIdle(&frameMain::Filter_Click));
 }
 
 void frameMain::wireFiles() {
-  const platform::Busy& running = services_.system.busy;
+  Busy& running = services_.system.busy;
   connectHandler(ui_->File1, &QListView::clicked, this, running, &frameMain::File1_Click);
   connectHandler(ui_->File1, &QListView::doubleClicked, this, running, &frameMain::File1_DblClick);
-  const auto onKey = [this, &running](const QKeySequence& key, void (frameMain::*handler)()) {
+  const auto onKey = [this](const QKeySequence& key) {
     auto* shortcut = new QShortcut(key, ui_->File1);
     shortcut->setContext(Qt::WidgetShortcut);
-    connectHandler(shortcut, &QShortcut::activated, this, running, handler);
+    return shortcut;
   };
-  onKey(QKeySequence(Qt::Key_Escape), &frameMain::openDirPane);
-  onKey(QKeySequence(Qt::CTRL | Qt::Key_A), &frameMain::checkAll_Click);
-}
-
-void frameMain::wireButtons() {
-  const platform::Busy& running = services_.system.busy;
-  const auto onClick = [this, &running](QAbstractButton* button, void (frameMain::*handler)()) {
-    connectHandler(button, &QAbstractButton::clicked, this, running, handler);
-  };
-  onClick(ui_->cmdDirPaneUp, &frameMain::cmdDirPaneUp_Click);
-  onClick(ui_->cmdRefreshFiles, &frameMain::cmdRefreshFiles_Click);
-  onClick(ui_->checkAll, &frameMain::checkAll_Click);
-  onClick(ui_->optShowHidden, &frameMain::refreshKeepList);
-  onClick(ui_->optShowSystem, &frameMain::refreshKeepList);
-  onClick(ui_->cmdTar, &frameMain::createTar);
-  onClick(ui_->cmdExtract, &frameMain::extractTar);
+  connectRemembered(onKey(QKeySequence(Qt::Key_Escape)), &QShortcut::activated, this, running,
+                    Busy::Width::Relist, &frameMain::openDirPane);
+  connectHandler(onKey(QKeySequence(Qt::CTRL | Qt::Key_A)), &QShortcut::activated, this, running,
+                 &frameMain::checkAll_Click);
 }
 
 void frameMain::setLoading(bool loading) { loading_ = loading; }
@@ -151,68 +160,64 @@ std::string frameMain::dir1Path() const { return ui_->Dir1->path(); }
 
 std::string frameMain::GetDir1Path() const { return runtime::withTrailingBackslash(dir1Path()); }
 
-void frameMain::fillDirPane() { list(Listing::Fill); }
-
-void frameMain::openDirPane() { list(Listing::Open); }
-
-void frameMain::refreshKeepList() { list(Listing::Refresh); }
-
-void frameMain::list(Listing wanted) {
-  if (listing_) {
-    pending_ = std::max(pending_, wanted);
-    if (wanted != Listing::Open) return;
-    model_.setRows({});  // rows of another folder must not be taken for rows of this one
-    resetSelection();
-    return;
-  }
-  listing_ = true;
-  for (pending_ = wanted; pending_ != Listing::Nothing;) {
-    const Listing now = std::exchange(pending_, Listing::Nothing);
-    now == Listing::Refresh ? refreshNow() : listFolder();
-    if (now == Listing::Open) resetSelection();
-  }
-  listing_ = false;
+ListingChoice frameMain::choice() const {
+  return {ui_->optShowHidden->isChecked(), ui_->optShowSystem->isChecked(), ui_->Filter->currentIndex(),
+          ui_->Filter->count(), customPattern_};
 }
 
-void frameMain::listFolder() {
-  const std::string path = dir1Path();
-  ui_->cmdDirPaneUp->setEnabled(path.size() > rootLength);
-  if (!driveReady(services_.system.drives, path)) return;
-  const platform::desktop::WaitCursor hourglass;
-  const PaneDisabled disabled(*this);
-  ui_->DirPaneViews->setViewMode(viewMode_);
-  listRows(path);
+void frameMain::fillDirPane() {
+  const Busy::Scope busy(services_.system.busy);
+  const ListingShown shown(*ui_->DirPaneViews);
+  actions_->update();
+  rowsAwaited_ = false;
+  modesAwaited_.reset();
+  FolderListing(services_, dir1Path(), choice(), *this).run();
+  showModes();
 }
 
-void frameMain::listRows(const std::string& folder) {
-  runtime::FileClass found(services_.system.drives);
-  found.Refresh(folder + "\\*");
-  model_.setRows(paneRows(found, {ui_->optShowHidden->isChecked(), ui_->optShowSystem->isChecked(),
-                                  ui_->Filter->currentIndex(), ui_->Filter->count(), customPattern_}));
-  found.EmptyTrash();
-  std::vector<std::string> names;
-  names.reserve(model_.rows().size());
-  for (const PaneRow& row : model_.rows()) names.push_back(row.name);
-  const auto current = [this] { return pending_ != Listing::Open; };
-  runModePass(services_.api, services_.cygwin.cygwinBin(), runtime::withTrailingBackslash(folder), names,
-              [&](std::size_t first, const std::vector<std::string>& modes) {
-                if (current()) model_.setModes(first, modes);
-                return current();
-              });
-  model_.sortBy(model_.order());
+void frameMain::listRows() {
+  const Busy::Scope busy(services_.system.busy);
+  actions_->update();
+  rowsAwaited_ = false;
+  ListingListener& listener = *this;
+  modesAwaited_.emplace(services_, dir1Path(), choice(), listener).listRows();
 }
 
-void frameMain::refreshNow() {
+void frameMain::readModes() {
+  const Busy::Scope busy(services_.system.busy);
+  if (rowsAwaited_) return fillDirPane();
+  if (!modesAwaited_) return;
+  keepingSelection([this] {
+    const ListingShown shown(*ui_->DirPaneViews);
+    modesAwaited_->readModes();
+    modesAwaited_.reset();
+    showModes();
+  });
+}
+
+void frameMain::openDirPane() {
+  const Busy::Scope busy(services_.system.busy);
+  fillDirPane();
+  resetSelection();
+}
+
+void frameMain::refreshKeepList() {
+  const Busy::Scope busy(services_.system.busy);
+  keepingSelection([this] {
+    ui_->Dir1->refresh();
+    fillDirPane();
+    services_.user.letEventsRun();
+  });
+}
+
+void frameMain::keepingSelection(const std::function<void()>& list) {
   getDirPaneSelected();
   PaneViews& pane = *ui_->DirPaneViews;
   const std::vector<std::string> selected = selectedNames();
   const int row = pane.currentRow();
   const int scrolled = pane.view().verticalScrollBar()->value();
   const std::string current = row < 0 ? std::string() : model_.rows()[static_cast<std::size_t>(row)].name;
-  ui_->Dir1->refresh();
-  listFolder();
-  services_.user.letEventsRun();
-  if (pending_ == Listing::Open) return;
+  list();
   {
     const SelectionLock lock(*this);
     pane.selectRows(model_.rowsOf(selected));
@@ -220,6 +225,25 @@ void frameMain::refreshNow() {
     pane.returnTo(place.empty() ? -1 : place.front(), scrolled);
   }
   getDirPaneSelected();
+}
+
+void frameMain::rowsFound(std::vector<PaneRow> rows) {
+  ui_->DirPaneViews->setViewMode(viewMode_);
+  model_.setRows(std::move(rows));
+  sinceShown_.start();
+}
+
+void frameMain::modesFound(std::size_t first, const std::vector<std::string>& modes) {
+  model_.setModes(first, modes);
+  if (sinceShown_.elapsed() < showEvery) return;
+  model_.showModes();
+  sinceShown_.start();
+}
+
+/// All other columns were sorted when the rows came.
+void frameMain::showModes() {
+  model_.showModes();
+  if (model_.order().sortColumn == modeColumn) model_.sortBy(model_.order());
 }
 
 void frameMain::resetSelection() {
@@ -231,13 +255,18 @@ void frameMain::getDirPaneSelected() {
   if (loading_ || selectionLocked_) return;
   const SelectionCounts counts =
       rebuildSelection(selection_, services_.system.files, GetDir1Path(), selectedNames());
+  showCounts(counts);
+}
+
+void frameMain::showCounts(const SelectionCounts& counts) {
   showSelection(summaryText(counts), counts.files > 0 && counts.folders == 0);
 }
 
 void frameMain::showSelection(const std::string& text, bool convertible) {
   ui_->txtSelect->setText(toControl(text));
   ui_->txtSelect->home(false);
-  ui_->cmdDos2Unix->setEnabled(convertible);
+  convertible_ = convertible;
+  actions_->update();
   emit selectionChanged();
 }
 
@@ -286,25 +315,48 @@ void frameMain::focusDirPane() { ui_->DirPaneViews->view().setFocus(); }
 bool frameMain::setOwnerShown() const { return !ui_->cmdSetOwner->isHidden(); }
 
 void frameMain::enableOwnerButtons(bool enabled) {
-  ui_->cmdSetOwner->setEnabled(enabled);
-  ui_->cmdSetGroup->setEnabled(enabled);
+  ownersKnown_ = enabled;
+  actions_->update();
 }
 
 void frameMain::Dir1_Change() {
+  const Busy::Scope busy(services_.system.busy);
   ui_->File1->setPath(dir1Path());
-  openDirPane();
+  loading_ ? awaitListing() : openDirPane();
   ui_->txtLocation->setText(toControl(dir1Path()));
   if (window()->isVisible()) focusDirPane();
   emit folderChanged();
 }
 
+/// Rows of another folder must not be taken for rows of this one.
+void frameMain::awaitListing() {
+  rowsAwaited_ = true;
+  modesAwaited_.reset();
+  model_.setRows({});
+  resetSelection();
+}
+
+void frameMain::selectFile(const std::string& name) {
+  if (model_.rowsOf({name}).empty()) openDirPane();
+  {
+    const SelectionLock lock(*this);
+    ui_->DirPaneViews->clearSelected();
+    if (selectRow(name)) goToSelected();
+  }
+  getDirPaneSelected();
+}
+
 void frameMain::openRow(int row) {
-  const PaneRow chosen = model_.rows()[static_cast<std::size_t>(row)];  // a listing replaces the rows
+  const PaneRow& chosen = model_.rows()[static_cast<std::size_t>(row)];
   const std::string path = GetDir1Path() + chosen.name;
-  if (isFolderRow(chosen))
+  if (!isFolderRow(chosen)) {
+    if (!busy()) openArchive(path);
+    return;
+  }
+  whenFree(Busy::Width::OpenFolder, [this, path] {
     navigation_->openSubfolder(path);
-  else
-    openArchive(path);
+    focusDirPane();
+  });
 }
 
 void frameMain::openArchive(const std::string& path) {
@@ -312,16 +364,18 @@ void frameMain::openArchive(const std::string& path) {
 }
 
 void frameMain::DirPane_DblClick(int row) {
+  if (busy()) return openRow(row);
   {
-    const PaneDisabled disabled(*this);
+    const ListingShown shown(*ui_->DirPaneViews);
     openRow(row);
   }
   focusDirPane();
 }
 
 void frameMain::DirPane_KeyUp(int key) {
-  if (key == Qt::Key_Backspace) navigation_->openParent();
+  if (key == Qt::Key_Backspace) whenFree(Busy::Width::OpenFolder, [this] { navigation_->openParent(); });
   if (key == Qt::Key_Return || key == Qt::Key_Enter) openCurrent();
+  if (busy()) return;
   focusDirPane();
   getDirPaneSelected();
 }
@@ -335,7 +389,7 @@ void frameMain::openCurrent() {
   const PaneRow& chosen = model_.rows()[static_cast<std::size_t>(row)];
   if (isFolderRow(chosen))
     openRow(row);
-  else if (selected.size() == 1 && runtime::IsArchiveName(chosen.name))
+  else if (!busy() && selected.size() == 1 && runtime::IsArchiveName(chosen.name))
     emit extractTar();
 }
 
@@ -359,9 +413,9 @@ void frameMain::cmdRefreshFiles_Click() {
   focusDirPane();
 }
 
-void frameMain::Filter_Click(int index) {
+void frameMain::Filter_Click() {
   if (loading_) return;
-  if (index == ui_->Filter->count() - 1) {
+  if (ui_->Filter->currentIndex() == ui_->Filter->count() - 1) {
     frmPattern dialog(customPattern_, window());
     if (dialog.exec() == QDialog::Accepted) customPattern_ = dialog.pattern();
   }
@@ -370,9 +424,8 @@ void frameMain::Filter_Click(int index) {
 }
 
 void frameMain::File1_Click() {
-  const SelectionCounts counts =
-      rebuildSelection(selection_, services_.system.files, GetDir1Path(), ui_->File1->selectedNames());
-  showSelection(summaryText(counts), counts.files > 0 && counts.folders == 0);
+  showCounts(
+      rebuildSelection(selection_, services_.system.files, GetDir1Path(), ui_->File1->selectedNames()));
 }
 
 void frameMain::File1_DblClick() {

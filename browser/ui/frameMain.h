@@ -1,12 +1,18 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QFrame>
+#include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
+#include "browser/FolderListing.h"
+#include "browser/SelectedRows.h"
 #include "browser/ui/DirPaneModel.h"
 #include "browser/ui/Navigation.h"
+#include "platform/desktop/Actions.h"
 #include "platform/desktop/FilePickers.h"
 #include "runtime/Selection.h"
 #include "runtime/Services.h"
@@ -19,7 +25,10 @@ namespace browser {
 
 /// The browsing area of the main window: drive, folder and file panes, filter, selection summary and action
 /// buttons. The current folder is the folder list's path.
-class frameMain : public QFrame {
+///
+/// What the user does here that asks for a listing waits until no job holds the gate, and is done once. The
+/// public operations act at once: a job that holds the gate may list as its step.
+class frameMain : public QFrame, private ListingListener {
   Q_OBJECT
 
  public:
@@ -27,14 +36,16 @@ class frameMain : public QFrame {
             platform::desktop::FilePickers& pickers, QWidget* parent = nullptr);
   ~frameMain() override;
 
-  /// The selection-update lock and the loading flag; on while the main window loads.
+  /// On while the main window loads: the selection is not read, and a folder that is opened is not listed
+  /// before listRows() or readModes().
   void setLoading(bool loading);
   void openFolder(const std::string& path);  ///< a path that is no folder opens C:\ instead
   std::string dir1Path() const;              ///< the folder list's path
   std::string GetDir1Path() const;           ///< the same with a trailing backslash
 
-  /// A listing that is asked for while one runs is remembered and done once after it.
-  void fillDirPane();
+  void listRows();         ///< rows without modes: what a start-up selects from before its window shows
+  void readModes();        ///< what is still missing: the modes, or the whole listing; keeps the selection
+  void fillDirPane();      ///< lists
   void openDirPane();      ///< lists and resets the selection
   void refreshKeepList();  ///< lists and selects the same names again
   void getDirPaneSelected();
@@ -51,6 +62,9 @@ class frameMain : public QFrame {
   bool setOwnerShown() const;  ///< whether the button "Set Owner" is shown (not hidden)
   void enableOwnerButtons(bool enabled);  ///< cmdSetOwner and cmdSetGroup
 
+  /// Buttons, boxes and the filter: when each can be used, and what it does.
+  platform::desktop::ActionTable& actions() { return *actions_; }
+
  signals:
   void folderChanged();                         ///< after a new current folder was listed
   void selectionChanged();                      ///< after the selection list was rebuilt or reset
@@ -60,21 +74,26 @@ class frameMain : public QFrame {
   void dividerDragged(int x);                   ///< see Divider::dragged; the layout's owner moves it
 
  private:
-  enum class Listing { Nothing, Fill, Refresh, Open };  // what is asked for later covers what came before
   class SelectionLock;
-  class PaneDisabled;
+  class ListingShown;
 
   void wireFolders();
   void wirePane();
   void wireFiles();
-  void wireButtons();
-  void list(Listing wanted);
-  void listFolder();
-  void listRows(const std::string& folder);
-  void refreshNow();
+  void wireActions();
+  void whenFree(platform::Busy::Width width, std::function<void()> deed);
+  bool busy() const { return services_.system.busy.held(); }
+  ListingChoice choice() const;
+  void keepingSelection(const std::function<void()>& list);
+  void rowsFound(std::vector<PaneRow> rows) override;
+  void modesFound(std::size_t first, const std::vector<std::string>& modes) override;
+  void showModes();
+  void awaitListing();
   void resetSelection();
   void showSelection(const std::string& text, bool convertible);
+  void showCounts(const SelectionCounts& counts);
   std::vector<std::string> selectedNames() const;
+  void selectFile(const std::string& name);
   void openRow(int row);
   void openArchive(const std::string& path);
   void openCurrent();
@@ -86,7 +105,7 @@ class frameMain : public QFrame {
   void DirPane_ColumnClick(int column);
   void cmdDirPaneUp_Click();
   void cmdRefreshFiles_Click();
-  void Filter_Click(int index);
+  void Filter_Click();
   void File1_Click();
   void File1_DblClick();
 
@@ -94,13 +113,17 @@ class frameMain : public QFrame {
   runtime::Services services_;
   runtime::Selection& selection_;
   DirPaneModel model_;
-  Navigation* navigation_;  // a child
+  Navigation* navigation_;                   // a child
+  platform::desktop::ActionTable* actions_;  // a child
   std::string customPattern_ = "*.*";
   int viewMode_ = 3;
   bool loading_ = false;
   bool selectionLocked_ = false;
-  bool listing_ = false;
-  Listing pending_ = Listing::Nothing;
+  bool convertible_ = false;  // the selection, its line ends
+  bool ownersKnown_ = true;   // the system has owners
+  bool rowsAwaited_ = true;   // the current folder has not been listed
+  std::optional<FolderListing> modesAwaited_;
+  QElapsedTimer sinceShown_;  // modes come faster than anybody reads
 };
 
 }  // namespace browser

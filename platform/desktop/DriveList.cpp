@@ -1,10 +1,9 @@
 #include "platform/desktop/DriveList.h"
 
-#include <QKeyEvent>
 #include <QSignalBlocker>
-#include <QWheelEvent>
 
 #include "platform/HeldName.h"
+#include "platform/desktop/Handlers.h"
 #include "platform/desktop/Text.h"
 
 namespace platform::desktop {
@@ -28,9 +27,9 @@ DriveList::DriveList(QWidget* parent) : QComboBox(parent) {
   connect(this, &QComboBox::currentIndexChanged, this, &DriveList::noteChange);
 }
 
-void DriveList::setDrives(DriveTable& drives, const Busy& busy) {
+void DriveList::setDrives(DriveTable& drives) {
   drives_ = &drives;
-  busy_ = &busy;
+  setWhileBusy(this, WhileBusy::Remembered);
   fill();
 }
 
@@ -47,16 +46,9 @@ bool DriveList::setDrive(std::string_view text) {
 }
 
 void DriveList::showPopup() {
-  if (busy()) return;
   readAgain();
   QComboBox::showPopup();
 }
-
-void DriveList::keyPressEvent(QKeyEvent* event) {
-  busy() ? event->ignore() : QComboBox::keyPressEvent(event);
-}
-
-void DriveList::wheelEvent(QWheelEvent* event) { busy() ? event->ignore() : QComboBox::wheelEvent(event); }
 
 void DriveList::readAgain() {
   if (drives_ == nullptr) return;

@@ -4,22 +4,21 @@
 #include <string>
 #include <string_view>
 
-#include "platform/Busy.h"
 #include "platform/DriveTable.h"
 
 namespace platform::desktop {
 
 /// The drop-down list of the drives: "C: [user]", the last name of the drive's host folder in brackets. The
-/// table is read again when it drops down. A chosen drive that has gone stays until another is chosen.
+/// table is read again when it drops down. A chosen drive that has gone stays until another is chosen. It
+/// works also while a job holds the gate: whoever is told of the change remembers it.
 class DriveList : public QComboBox {
   Q_OBJECT
 
  public:
   explicit DriveList(QWidget* parent = nullptr);
 
-  /// Shows these drives; the first is chosen, without a signal. Both must outlive the list. While a tool runs
-  /// the user cannot choose.
-  void setDrives(DriveTable& drives, const Busy& busy);
+  /// Shows these drives; the first is chosen, without a signal. They must outlive the list.
+  void setDrives(DriveTable& drives);
 
   std::string drive() const;  ///< "C:", empty before setDrives
   /// Chooses the drive that the text begins with ("D:", "d:\", "D:\pkg\a"). False for one that is not in the
@@ -35,18 +34,12 @@ class DriveList : public QComboBox {
  public slots:
   void showPopup() override;
 
- protected:
-  void keyPressEvent(QKeyEvent* event) override;
-  void wheelEvent(QWheelEvent* event) override;
-
  private:
   void readAgain();
   void fill();
   void noteChange();
-  bool busy() const { return busy_ != nullptr && busy_->held(); }
 
   DriveTable* drives_ = nullptr;
-  const Busy* busy_ = nullptr;
   QString known_;  // the drive that was last told of
 };
 

@@ -3,10 +3,13 @@
 #include <QContextMenuEvent>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QPointer>
 #include <QScrollBar>
 #include <QStyledItemDelegate>
 #include <algorithm>
 #include <utility>
+
+#include "platform/desktop/Handlers.h"
 
 namespace platform::desktop {
 namespace {
@@ -56,9 +59,10 @@ FolderList::FolderList(QWidget* parent) : QListView(parent), model_(new FolderLi
   setTextElideMode(Qt::ElideRight);
 }
 
-void FolderList::setDrives(const DriveTable& drives, const Busy& busy) {
+void FolderList::setDrives(const DriveTable& drives, Busy& busy) {
   model_->setDrives(drives);
   busy_ = &busy;
+  setWhileBusy(this, WhileBusy::Remembered);
 }
 
 bool FolderList::setPath(const std::string& path) {
@@ -101,47 +105,50 @@ void FolderList::showEvent(QShowEvent* event) {
   showHighlight();
 }
 
-void FolderList::click(int row) {
-  openedByClick_ = !isCurrentFolder(row);
-  openedByClick_ ? static_cast<void>(setPath(model_->pathOf(row))) : emit openFolderClicked();
+void FolderList::click(const std::string& path) {
+  openedByClick_ = path != this->path();
+  openedByClick_ ? openWhenFree(path) : emit openFolderClicked();
 }
 
-void FolderList::openParent() { setPath(model_->pathOf(model_->openRow() - 1)); }
+void FolderList::openWhenFree(const std::string& path) {
+  const auto open = [list = QPointer<FolderList>(this), path] {
+    if (!list.isNull()) list->setPath(path);
+  };
+  busy_ == nullptr ? open() : busy_->whenFree(Busy::Width::OpenFolder, open);
+}
 
 void FolderList::keyPressEvent(QKeyEvent* event) {
-  if (busy()) return event->ignore();
   switch (event->key()) {
     case Qt::Key_Return:
     case Qt::Key_Enter:
-      setPath(highlighted());
+      openWhenFree(highlighted());
       break;
     case Qt::Key_Backspace:
-      openParent();
+      openWhenFree(model_->pathOf(model_->openRow() - 1));
       break;
     default:
-      movesHighlight(*event) ? QListView::keyPressEvent(event) : event->ignore();
+      movesHighlight(*event) && !busy() ? QListView::keyPressEvent(event) : event->ignore();
   }
 }
 
 void FolderList::mousePressEvent(QMouseEvent* event) {
-  pressedRow_ = -1;
+  pressedPath_.clear();
   openedByClick_ = false;
-  if (busy() || event->button() != Qt::LeftButton) return;
-  QListView::mousePressEvent(event);
-  pressedRow_ = indexAt(event->position().toPoint()).row();
+  if (event->button() != Qt::LeftButton) return;
+  if (!busy()) QListView::mousePressEvent(event);
+  pressedPath_ = model_->pathOf(indexAt(event->position().toPoint()).row());
 }
 
 /// A highlight that follows the pressed pointer would open a folder that was never clicked.
 void FolderList::mouseMoveEvent(QMouseEvent*) {}
 
 void FolderList::mouseReleaseEvent(QMouseEvent* event) {
-  if (busy()) return;
   const QPoint at = event->position().toPoint();
   if (event->button() == Qt::RightButton && viewport()->rect().contains(at)) emit rightClicked();
   if (event->button() != Qt::LeftButton) return;
-  QListView::mouseReleaseEvent(event);
-  const int row = indexAt(at).row();
-  if (row >= 0 && row == std::exchange(pressedRow_, -1)) click(row);
+  if (!busy()) QListView::mouseReleaseEvent(event);
+  const std::string path = model_->pathOf(indexAt(at).row());
+  if (!path.empty() && path == std::exchange(pressedPath_, {})) click(path);
 }
 
 /// When the first click opened a folder, other rows stand under the pointer by the second one.
@@ -151,7 +158,7 @@ void FolderList::mouseDoubleClickEvent(QMouseEvent* event) {
 
 void FolderList::contextMenuEvent(QContextMenuEvent* event) {
   event->accept();
-  if (event->reason() == QContextMenuEvent::Keyboard && !busy()) emit rightClicked();
+  if (event->reason() == QContextMenuEvent::Keyboard) emit rightClicked();
 }
 
 }  // namespace platform::desktop

@@ -11,15 +11,16 @@ namespace platform::desktop {
 
 /// The folder list: the path down to the open folder, root first, each part indented below the one before,
 /// and below them its subfolders. One row is highlighted. A click or Enter opens the highlighted folder,
-/// Backspace its parent, and letters and arrows move the highlight; every other key is the window's.
+/// Backspace its parent, and letters and arrows move the highlight; every other key is the window's. While a
+/// job holds the gate what opens a folder is remembered, and the highlight stays.
 class FolderList : public QListView {
   Q_OBJECT
 
  public:
   explicit FolderList(QWidget* parent = nullptr);
 
-  /// Both must outlive the list, which is empty until setPath. While a tool runs the user changes nothing.
-  void setDrives(const DriveTable& drives, const Busy& busy);
+  /// Both must outlive the list, which is empty until setPath.
+  void setDrives(const DriveTable& drives, Busy& busy);
 
   /// The open folder: `C:\`, `C:\pkg`; empty before the first setPath that succeeded.
   std::string path() const { return model_->path(); }
@@ -46,13 +47,13 @@ class FolderList : public QListView {
  private:
   void highlight(int row);
   void showHighlight();
-  void click(int row);
-  void openParent();
+  void click(const std::string& path);
+  void openWhenFree(const std::string& path);
   bool busy() const { return busy_ != nullptr && busy_->held(); }
 
   FolderListModel* model_;
-  const Busy* busy_ = nullptr;
-  int pressedRow_ = -1;         // where the left button went down
+  Busy* busy_ = nullptr;
+  std::string pressedPath_;     // where the left button went down
   bool openedByClick_ = false;  // the last click opened a folder and so moved the rows
 };
 

@@ -114,13 +114,12 @@ bool StartUp::showWindow() {
   program_.user.letEventsRun();
   if (ends()) return false;
   window_.browsing().goToSelected();
-  return true;
+  window_.browsing().readModes();
+  return !window_.ended();
 }
 
 void StartUp::normalTail() {
-  if (!showWindow()) return;
-  window_.browsing().fillDirPane();
-  window_.browsing().focusDirPane();
+  if (showWindow()) window_.browsing().focusDirPane();
 }
 
 void StartUp::takeSelection() {
@@ -132,6 +131,7 @@ void StartUp::takeSelection() {
 void StartUp::selectNamed(const CommandLine& commandLine) {
   window_.browsing().openFolder(commandLine.fields[1]);
   program_.user.letEventsRun();
+  window_.browsing().listRows();
   window_.browsing().clearCurrentRow();
   for (std::size_t i = 2; i < commandLine.fields.size(); ++i)
     window_.browsing().selectRow(commandLine.fields[i]);
@@ -141,6 +141,7 @@ void StartUp::selectNamed(const CommandLine& commandLine) {
 bool StartUp::selectArchive(const CommandLine& commandLine) {
   window_.browsing().openFolder(commandLine.fields[1]);
   program_.user.letEventsRun();
+  window_.browsing().listRows();
   window_.browsing().clearCurrentRow();
   if (!window_.browsing().selectRow(commandLine.fields[2])) return false;
   takeSelection();
@@ -223,7 +224,7 @@ bool StartUp::paths(const CommandLine& commandLine) {
   }
   window_.browsing().openFolder(runtime::getFilePath(first));
   program_.user.letEventsRun();
-  window_.browsing().openDirPane();
+  window_.browsing().listRows();
   for (const std::string& path : commandLine.fields) window_.browsing().selectRow(runtime::GetFileName(path));
   takeSelection();
   if (!showWindow() || program_.selection.selectedCount() != 1) return true;

@@ -3,9 +3,8 @@
 
 #include <algorithm>
 
-#include "browser/FoldCase.h"
+#include "browser/FolderListing.h"
 #include "browser/ModePass.h"
-#include "browser/PaneRows.h"
 #include "browser/PaneSort.h"
 #include "browser/SelectedRows.h"
 #include "platform/HeldName.h"
@@ -16,7 +15,6 @@
 namespace {
 
 namespace fs = std::filesystem;
-using browser::matchPattern;
 using browser::PaneRow;
 using browser::sortKey;
 
@@ -49,7 +47,6 @@ TEST(LsLine, ColumnsAndTriads) {
   EXPECT_EQ(runtime::lsType(""), 0);
   EXPECT_EQ(runtime::lsModeString("nothing"), "");
   EXPECT_EQ(runtime::lsModeColumn("ls: \xC3\xA9\xC3\xA9 cannot"), "ls: \xC3\xA9\xC3\xA9 can");
-  EXPECT_EQ(runtime::lsLines("a\n\nb"), (std::vector<std::string>{"a", ""}));
 }
 
 TEST(PaneRow, SizesAreThousandsOfBytes) {
@@ -60,7 +57,7 @@ TEST(PaneRow, SizesAreThousandsOfBytes) {
   EXPECT_EQ(browser::sizeText(folder("a")), "");
 }
 
-TEST(MatchPattern, PiecesBetweenStars) {
+TEST(NamePattern, PiecesBetweenStars) {
   for (const auto& [pattern, name] :
        std::vector<std::pair<const char*, const char*>>{{"", "any"},
                                                         {"*", "any"},
@@ -75,14 +72,14 @@ TEST(MatchPattern, PiecesBetweenStars) {
                                                          "a\xEF\x80\xBA"
                                                          "b"},
                                                         {"*\xC3\x89*", "x\xC3\xA9"}})
-    EXPECT_TRUE(matchPattern(pattern, name)) << pattern << " " << name;
+    EXPECT_TRUE(browser::NamePattern(pattern).matches(name)) << pattern << " " << name;
   for (const auto& [pattern, name] : std::vector<std::pair<const char*, const char*>>{{"*.*", "nodot"},
                                                                                       {"*.c", "main.cpp"},
                                                                                       {"a*b*c", "ac"},
                                                                                       {"b*", "ab"},
                                                                                       {"a*x*c", "abc"},
                                                                                       {".", "a.b"}})
-    EXPECT_FALSE(matchPattern(pattern, name)) << pattern << " " << name;
+    EXPECT_FALSE(browser::NamePattern(pattern).matches(name)) << pattern << " " << name;
 }
 
 TEST(PaneSort, KeysAreThoseOfEachColumn) {
@@ -120,7 +117,31 @@ TEST(PaneSort, FoldersFirstTiesInListingOrder) {
   EXPECT_EQ(sorted(rows, {3, false}), (Names{"\xC3\xA9", "\xC3\x89", "A", "b", "Y", "z"}));
 }
 
-class Listing : public testworld::World {
+/// What GNU coreutils ls 9.1 prints with LC_ALL=C.UTF-8 and QUOTING_STYLE=escape.
+TEST(ModesOf, ARowTakesTheLineThatEndsInItsName) {
+  const std::string output =
+      "ls: cannot access 'b c': No such file or directory\n"
+      "ls: cannot access \"it's\": Permission denied\n"
+      "-rw-r--r-- 1 0    0   5 Nov 25 07:07 a\\ b\\nc\\\\\\377\n"
+      "-rw------- 1 0    0   5 Nov 25 07:07 ./-rf\n"
+      "lrwxrwxrwx 1 0    0   3 Nov 25 07:07 x\\ ->\\ y -> to\\ a\n"
+      "lrwxrwxrwx 1 0    0   3 Nov 25 07:07 ends\\\\ -> a\n"
+      "crw--w---- 1 0    5 4, 1 Nov 25 07:07 directory\n"
+      "-r--r--r--+ 1 0 1000 12 Jan  1  2006 c\n";
+  const std::vector<std::pair<std::string, std::string>> rows = {
+      {"b c", "ls: cannot"},  {"a b\nc\\\xFF", "-rw-r--r--"}, {"gone", ""},
+      {"-rf", "-rw-------"},  {"x -> y", "lrwxrwxrwx"},       {"ends\\", "lrwxrwxrwx"},
+      {"it's", "ls: cannot"}, {"directory", "crw--w----"},    {"c", "-r--r--r--"}};
+  std::vector<std::string> names;
+  for (const auto& row : rows) names.push_back(platform::holdName(row.first));
+  const browser::BatchModes batch = browser::modesOf(output, names);
+  ASSERT_EQ(batch.modes.size(), rows.size());
+  for (std::size_t i = 0; i < rows.size(); ++i) EXPECT_EQ(batch.modes[i], rows[i].second) << rows[i].first;
+  EXPECT_EQ(batch.withoutLine, 3U);
+  EXPECT_EQ(batch.complaints, 2U);
+}
+
+class Listing : public testworld::World, public browser::ListingListener {
  protected:
   Listing() { findTools(); }
   std::vector<std::string> names(const browser::ListingChoice& choice) {
@@ -131,16 +152,44 @@ class Listing : public testworld::World {
     std::sort(all.begin(), all.end());
     return all;
   }
-  std::vector<std::string> modes(const std::vector<std::string>& names) {
-    std::vector<std::string> all;
-    browser::runModePass(api_, cygwin_.cygwinBin(), "C:\\", names, [&](std::size_t first, const auto& some) {
-      EXPECT_EQ(first, batches_++ * browser::modeBatch);
-      all.insert(all.end(), some.begin(), some.end());
-      return !stopAtOnce_;
-    });
-    return all;
+  runtime::JobEnd list() {
+    rows_.clear();
+    listings_ = batches_ = 0;
+    log_.all.clear();
+    const platform::Busy::Scope busy(busy_);
+    return browser::FolderListing(services(), "C:\\", {}, *this).run().end;
   }
-  std::size_t batches_ = 0;
+  void rowsFound(std::vector<PaneRow> rows) override {
+    rows_ = std::move(rows);
+    ++listings_;
+  }
+  void modesFound(std::size_t first, const std::vector<std::string>& modes) override {
+    for (std::size_t i = 0; i < modes.size(); ++i) rows_[first + i].mode = modes[i];
+    ++batches_;
+    if (stopAtOnce_) busy_.requestStop();
+  }
+  std::string modeOf(const std::string& name) const {
+    for (const PaneRow& row : rows_)
+      if (row.name == name) return row.mode;
+    return "no row";
+  }
+  std::ptrdiff_t without() const {
+    return std::count_if(rows_.begin(), rows_.end(), [](const PaneRow& row) { return row.mode.empty(); });
+  }
+  void writeMany(int count) const {
+    for (int i = 0; i < count; ++i) write("f" + std::to_string(i));
+  }
+  /// Another `ls`, which knows the drive as $disk.
+  void replaceLs(const std::string& script) const {
+    const std::string tool = root_ + "/prog/bin/ls.exe";
+    fs::remove(tool);
+    std::ofstream(tool) << "#!/bin/bash\ndisk=" + host("") + "\n" + script + "\n";
+    fs::permissions(tool, fs::perms::owner_all);
+  }
+
+  std::vector<PaneRow> rows_;
+  int listings_ = 0;
+  int batches_ = 0;
   bool stopAtOnce_ = false;
 };
 
@@ -170,46 +219,79 @@ TEST_F(Listing, HostileNamesGetTheirOwnModes) {
   fs::create_symlink("nowhere", host("dangling"));
   ASSERT_EQ(mkfifo(host("fifo").c_str(), 0600), 0);
   held.insert(held.end(), {"dangling", "fifo"});
-  const std::vector<std::string> found = modes(held);
-  ASSERT_EQ(found.size(), held.size());
+  EXPECT_EQ(list(), runtime::JobEnd::Done);
+  EXPECT_EQ(rows_.size(), held.size());
   for (std::size_t i = 0; i < hostNames.size(); ++i)
-    EXPECT_EQ(found[i], i % 2 == 0 ? "-rw-r-----" : "-r--r--r--") << hostNames[i];
-  EXPECT_EQ(found[found.size() - 2], "lrwxrwxrwx");
-  EXPECT_EQ(found.back(), "prw-------");
+    EXPECT_EQ(modeOf(held[i]), i % 2 == 0 ? "-rw-r-----" : "-r--r--r--") << hostNames[i];
+  EXPECT_EQ(modeOf("dangling"), "lrwxrwxrwx");
+  EXPECT_EQ(modeOf("fifo"), "prw-------");
+  EXPECT_EQ(listings_, 1);
 }
 
 TEST_F(Listing, RunsOfTwoHundred) {
-  std::vector<std::string> all;
-  for (int i = 0; i < 201; ++i) {
-    all.push_back("f" + std::to_string(i));
-    write(all.back());
-  }
-  EXPECT_EQ(browser::modeCommand({"a", "-b", "c"}, 1, 2),
+  EXPECT_EQ(browser::modeCommand(std::vector<std::string>{"-b", "c"}),
             "ls.exe -lnd --sort=none --group-directories-first \"./-b\" \"c\" ");
-  EXPECT_EQ(modes(all).size(), 201U);
-  EXPECT_EQ(batches_, 2U);
-  all.pop_back();
-  batches_ = 0;
-  EXPECT_EQ(modes(all).size(), 200U);
-  EXPECT_EQ(batches_, 1U);
-  batches_ = 0;
-  EXPECT_TRUE(modes({}).empty());
-  EXPECT_EQ(batches_, 0U);
-  all.insert(all.end(), 300, "f1");
-  stopAtOnce_ = true;
-  EXPECT_EQ(modes(all).size(), 200U);
+  list();
+  EXPECT_EQ(batches_, 0);
+  writeMany(200);
+  list();
+  EXPECT_EQ(batches_, 1);
+  write("last");
+  list();
+  EXPECT_EQ(batches_, 2);
+  EXPECT_EQ(without(), 0);
+  EXPECT_EQ(log_.all, "");
 }
 
-TEST_F(Listing, AMissingEntryTakesALineAndAMissingToolNone) {
-  write("a");
-  write("c");
-  const std::vector<std::string> found = modes({"a", "gone", "c"});
-  ASSERT_EQ(found.size(), 3U);
-  EXPECT_EQ(std::count(found.begin(), found.end(), "ls: cannot"), 1);
+TEST_F(Listing, WhatVanishedIsListedOnceMoreAndShiftsNothing) {
+  for (const char* name : {"a", "b", "c"}) write(name);
+  fs::permissions(host("a"), fs::perms::owner_read);
+  replaceLs("rm -f \"$disk/b\"; exec -a ls /usr/bin/ls \"$@\"");
+  EXPECT_EQ(list(), runtime::JobEnd::Done);
+  EXPECT_EQ(listings_, 2);
+  EXPECT_EQ(rows_.size(), 2U);
+  EXPECT_EQ(modeOf("a"), "-r--------");
+  EXPECT_EQ(modeOf("c"), "-rw-r--r--");
+  replaceLs("/usr/bin/ls \"$@\" | head -n 1");
+  list();
+  EXPECT_EQ(listings_, 2) << "the further listing asks for none";
+  EXPECT_EQ(without(), 1);
+}
+
+TEST_F(Listing, AnLsThatFailsIsToldOnceAndLeavesItsRowsEmpty) {
+  writeMany(201);
+  replaceLs("/usr/bin/ls \"$@\" | head -n 50; kill -9 $$");
+  EXPECT_EQ(list(), runtime::JobEnd::Remarks);
+  EXPECT_EQ(log_.all, " Unable to read permissions in C:\\: ls was ended by signal 9\n");
+  EXPECT_EQ(without(), 201);
+  EXPECT_EQ(listings_, 1);
+  replaceLs("echo broken; exit 1");
+  EXPECT_EQ(list(), runtime::JobEnd::Remarks);
+  EXPECT_EQ(log_.all, " Unable to read permissions in C:\\: ls ended with exit code 1\n");
   fs::remove(root_ + "/prog/bin/ls.exe");
   environment_.set("PATH", "");
-  batches_ = 0;
-  EXPECT_TRUE(modes({"a"}).empty());
+  EXPECT_EQ(list(), runtime::JobEnd::Remarks);
+  EXPECT_EQ(log_.all,
+            " Unable to read permissions in C:\\: ls could not be started: No such file or directory\n");
+}
+
+TEST_F(Listing, AStopLeavesTheRowsAndIsLoggedOnce) {
+  writeMany(401);
+  stopAtOnce_ = true;
+  EXPECT_EQ(list(), runtime::JobEnd::Stopped);
+  EXPECT_EQ(without(), 201);
+  EXPECT_EQ(log_.all, " Stopped: listing C:\\\n");
+  const platform::Busy::Scope stopped(busy_);
+  busy_.requestStop();
+  EXPECT_EQ(list(), runtime::JobEnd::Stopped);
+  EXPECT_EQ(listings_, 0) << "no step of a job that was stopped before";
+  EXPECT_EQ(log_.all, "");
+}
+
+TEST_F(Listing, ADriveThatIsNotReadyChangesNothing) {
+  fs::rename(host(""), root_ + "/away");
+  EXPECT_EQ(list(), runtime::JobEnd::Refused);
+  EXPECT_EQ(listings_, 0);
 }
 
 TEST_F(Listing, SelectionsAndBothWaysOfCounting) {

@@ -25,6 +25,7 @@
 #include "platform/desktop/DriveList.h"
 #include "platform/desktop/FileList.h"
 #include "platform/desktop/FolderList.h"
+#include "platform/desktop/Gate.h"
 #include "tests/World.h"
 
 namespace {
@@ -37,7 +38,7 @@ class Visitor : public testworld::Person {
  public:
   void letEventsRun() override {
     QApplication::processEvents();
-    if (whenEventsRun) whenEventsRun();
+    if (const auto act = whenEventsRun) act();
   }
   std::function<void()> whenEventsRun;
 };
@@ -121,6 +122,17 @@ class Browser : public testworld::World {
     emit filter->activated(index);
   }
 
+  /// What happens the next time that events run within a listing; nothing else of it.
+  void duringListing(const std::function<void()>& act) {
+    visitor_.whenEventsRun = [this, act] {
+      if (shown(1).empty() || !busyGate_.held()) return;
+      visitor_.whenEventsRun = {};
+      act();
+    };
+  }
+
+  platform::Busy& busyGate_ = World::busy_;
+  platform::desktop::Gate gate_{busyGate_};
   Visitor visitor_;
   runtime::modAPI busy_{system_, visitor_};
   Pickers pickers_;
@@ -233,6 +245,10 @@ TEST_F(Browser, ColumnsSortBothWays) {
   EXPECT_EQ(selection_.selectedPaths, Names{"C:\\b.txt"});
   press("cmdRefreshFiles");
   EXPECT_EQ(shown().front(), "C.c") << "sorted again after a listing";
+  fs::permissions(host("a.tgz"), fs::perms::owner_read);
+  clickColumn(2);
+  press("cmdRefreshFiles");
+  EXPECT_EQ(shown().front(), "a.tgz") << "by modes that came later";
 }
 
 TEST_F(Browser, RefreshKeepsExactlyWhatIsStillThere) {
@@ -358,29 +374,158 @@ TEST_F(Browser, OneSelectionInAllViews) {
   EXPECT_EQ(frame_->dir1Path(), "C:\\sub");
 }
 
-TEST_F(Browser, RequestsDuringAListingAreDoneOnceAfterIt) {
-  int visits = 0;
-  visitor_.whenEventsRun = [&] {
-    if (++visits > 1) return;
-    frame_->refreshKeepList();
-    folders()->setPath("C:\\sub");  // while the root is listed
-    EXPECT_TRUE(shown().empty()) << "no row of the root under the new path";
-    EXPECT_EQ(summary(), "C:\\sub\\*");
-  };
-  click("b.txt");
-  frame_->refreshKeepList();
-  EXPECT_EQ(shown(), (Names{"inner", "one"}));
-  EXPECT_EQ(shown(1), (Names{"drwxr-xr-x", "-rw-r--r--"}));
+TEST_F(Browser, NothingActsDuringAListing) {
+  QSignalSpy packs(frame_, &browser::frameMain::createTar);
+  QSignalSpy extracts(frame_, &browser::frameMain::extractTar);
+  click("a.tgz");
+  click("b.txt", Qt::ControlModifier);
+  bool listed = false;
+  duringListing([&] {
+    listed = true;
+    EXPECT_FALSE(tree()->isEnabled());
+    EXPECT_NE(QApplication::overrideCursor(), nullptr);
+    for (const char* button : {"cmdTar", "cmdExtract", "checkAll"}) {
+      press(button);
+      child<QAbstractButton>(button)->click();  // as assistive tools do, past every filter
+    }
+    clickColumn(1);
+    EXPECT_FALSE(tree()->selectionModel()->hasSelection());
+  });
+  QTest::mouseClick(folders()->viewport(), Qt::LeftButton, {},
+                    folders()->visualRect(folders()->model()->index(1, 0)).center());
+  ASSERT_TRUE(listed);
+  EXPECT_EQ(frame_->dir1Path(), "C:\\sub");
   EXPECT_EQ(selection_.selectedCount(), 0U);
-  visits = 0;
-  int listings = 0;
-  QObject::connect(tree()->model(), &QAbstractItemModel::modelReset, frame_, [&] { ++listings; });
-  visitor_.whenEventsRun = [&] {
-    if (++visits == 1)
-      for (int i = 0; i < 5; ++i) frame_->refreshKeepList();
+  EXPECT_EQ(summary(), "C:\\sub\\*");
+  EXPECT_EQ(packs.count() + extracts.count(), 0);
+  EXPECT_EQ(caption(1), "Filename >");
+  EXPECT_TRUE(tree()->isEnabled());
+  EXPECT_TRUE(tree()->hasFocus());
+  EXPECT_EQ(QApplication::overrideCursor(), nullptr);
+}
+
+TEST_F(Browser, WhatAsksForAListingDuringOneIsDoneOnceAfterIt) {
+  const auto clickFolder = [this](int row) {
+    QTest::mouseClick(folders()->viewport(), Qt::LeftButton, {},
+                      folders()->visualRect(folders()->model()->index(row, 0)).center());
   };
-  frame_->fillDirPane();
-  EXPECT_EQ(listings, 2);
+  auto* const location = child<QLineEdit>("txtLocation");
+  const auto type = [&](const char* text) {
+    location->setText(text);
+    QTest::keyClick(location, Qt::Key_Return);
+  };
+  struct Case {
+    const char* what;
+    std::function<void()> act;
+    const char* folder;
+    int listings;
+  };
+  for (const Case& row : std::vector<Case>{
+           {"Refresh",
+            [&] {
+              for (int i = 0; i < 5; ++i) press("cmdRefreshFiles");
+            },
+            "C:\\sub", 2},
+           {"a box", [&] { press("optShowHidden"); }, "C:\\sub", 2},
+           {"the filter", [&] { chooseFilter(0); }, "C:\\sub", 2},
+           {"Backspace", [&] { QTest::keyClick(QApplication::focusWidget(), Qt::Key_Backspace); }, "C:\\", 2},
+           {"the button",
+            [&] {
+              press("cmdDirPaneUp");
+              press("cmdRefreshFiles");
+            },
+            "C:\\", 2},
+           {"the folder list", [&] { clickFolder(2); }, "C:\\sub\\inner", 2},
+           {"the later of two",
+            [&] {
+              clickFolder(2);
+              type("C:\\zeta");
+            },
+            "C:\\zeta", 2},
+           {"the drive list", [&] { child<platform::desktop::DriveList>("Drive1")->setDrive("Z:"); }, "Z:\\",
+            2},
+       }) {
+    frame_->openFolder("C:\\sub");
+    frame_->focusDirPane();
+    int listings = 0;
+    const auto counted = QObject::connect(tree()->model(), &QAbstractItemModel::modelReset, frame_,
+                                          [&listings] { ++listings; });
+    duringListing([&] {
+      row.act();
+      EXPECT_EQ(frame_->dir1Path(), "C:\\sub") << row.what;
+      EXPECT_EQ(listings, 1) << row.what;
+    });
+    frame_->fillDirPane();
+    QObject::disconnect(counted);
+    EXPECT_EQ(frame_->dir1Path(), row.folder) << row.what;
+    EXPECT_EQ(listings, row.listings) << row.what;
+    EXPECT_TRUE(tree()->isEnabled());
+  }
+}
+
+TEST_F(Browser, DuringAnotherJobThePaneTellsOnlyOfFoldersToOpen) {
+  click("b.txt");
+  const QPoint sub = place("sub");
+  {
+    const platform::Busy::Scope job(busyGate_);
+    click("a.tgz");
+    QTest::keyClick(tree(), Qt::Key_Down);
+    QTest::mouseDClick(tree()->viewport(), Qt::LeftButton, {}, sub);
+    EXPECT_EQ(selection_.selectedPaths, Names{"C:\\b.txt"});
+    EXPECT_EQ(frame_->dir1Path(), "C:\\");
+    frame_->refreshKeepList();  // a step of the job
+    write("new");
+    frame_->refreshKeepList();
+    EXPECT_EQ(shown().size(), 6U);
+  }
+  EXPECT_EQ(frame_->dir1Path(), "C:\\sub");
+}
+
+TEST_F(Browser, AStoppedListingKeepsItsRows) {
+  duringListing([this] { busyGate_.requestStop(); });
+  press("cmdRefreshFiles");
+  EXPECT_EQ(shown(), (Names{"sub", "zeta", "a.tgz", "b.txt", "C.c"}));
+  EXPECT_EQ(shown(1), Names(5));
+  EXPECT_EQ(log_.all, " Stopped: listing C:\\\n");
+  EXPECT_TRUE(tree()->isEnabled());
+}
+
+TEST_F(Browser, ATypedFileIsSelectedAndEscapeBringsTheFolderBack) {
+  auto* const location = child<QLineEdit>("txtLocation");
+  for (const char* name : {"sub/one", "sub/two"}) {
+    write(name);  // the second one after its folder was listed
+    location->setText(QString("c:/") + name);
+    QTest::keyClick(location, Qt::Key_Return);
+    EXPECT_EQ(selection_.selectedPaths, Names{"C:\\sub\\" + std::string(name).substr(4)});
+    EXPECT_EQ(location->text(), QString("C:\\sub"));
+  }
+  location->setFocus();
+  location->setText("nonsense");
+  QTest::keyClick(location, Qt::Key_Escape);
+  EXPECT_EQ(location->text(), QString("C:\\sub"));
+  EXPECT_TRUE(visitor_.told.empty());
+}
+
+TEST_F(Browser, WhileLoadingAFolderIsListedOnceAndInTwoSteps) {
+  int listings = 0;
+  QObject::connect(tree()->model(), &QAbstractItemModel::modelReset, frame_, [&] {
+    if (tree()->model()->rowCount() > 0) ++listings;
+  });
+  frame_->setLoading(true);
+  frame_->openFolder("C:\\sub");
+  EXPECT_TRUE(shown().empty());
+  EXPECT_EQ(child<QLineEdit>("txtLocation")->text(), QString("C:\\sub"));
+  EXPECT_EQ(child<platform::desktop::FileList>("File1")->model()->rowCount(), 1);
+  frame_->listRows();
+  EXPECT_EQ(shown(), (Names{"inner", "one"}));
+  EXPECT_EQ(shown(1), Names(2));
+  EXPECT_TRUE(frame_->selectRow("one"));
+  for (int times = 0; times < 2; ++times) frame_->readModes();
+  frame_->setLoading(false);
+  frame_->getDirPaneSelected();
+  EXPECT_EQ(selection_.selectedPaths, Names{"C:\\sub\\one"});
+  EXPECT_EQ(shown(1), (Names{"drwxr-xr-x", "-rw-r--r--"}));
+  EXPECT_EQ(listings, 1);
 }
 
 TEST_F(Browser, WhatVanishesHarmsNothing) {

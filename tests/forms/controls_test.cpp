@@ -109,7 +109,7 @@ class Disk : public testing::Test {
 TEST_F(Disk, DriveListTellsOfEachChangeOnce) {
   DriveList list;
   QSignalSpy changes(&list, &DriveList::driveChanged);
-  list.setDrives(drives, busy);
+  list.setDrives(drives);
   EXPECT_EQ(list.drive(), "C:");
   EXPECT_EQ(list.currentText(), QString("C: [c]"));
   EXPECT_EQ(list.itemText(2), QString("Z: [/]"));
@@ -121,16 +121,13 @@ TEST_F(Disk, DriveListTellsOfEachChangeOnce) {
   QTest::keyClick(&list, Qt::Key_Down);
   EXPECT_EQ(list.drive(), "Z:");
   EXPECT_EQ(changes.size(), 2);
-  const platform::Busy::Scope running(busy);
-  QTest::keyClick(&list, Qt::Key_Up);
-  EXPECT_EQ(list.drive(), "Z:");
 }
 
 TEST_F(Disk, DriveListKeepsAVolumeThatHasGone) {
   platform::DriveTable home = platform::DriveTable::fromText("", host("c"));
   home.showVolumes({host("d")});
   DriveList list;
-  list.setDrives(home, busy);
+  list.setDrives(home);
   ASSERT_TRUE(list.setDrive("D:"));
   QSignalSpy changes(&list, &DriveList::driveChanged);
   home.showVolumes({});
@@ -263,11 +260,25 @@ TEST_F(Folders, RefreshKeepsPathAndHighlight) {
   EXPECT_EQ(changes.size(), 0);
 }
 
-TEST_F(Folders, NothingMovesWhileAToolRuns) {
-  const platform::Busy::Scope running(busy);
-  click(2);
-  QTest::keyClick(&list, Qt::Key_Backspace);
-  EXPECT_EQ(list.path(), "C:\\a");
+TEST_F(Folders, WhileAJobRunsTheLastFolderChosenIsRemembered) {
+  const std::pair<std::function<void()>, const char*> choices[] = {
+      {[&] { QTest::keyClick(&list, Qt::Key_Backspace); }, "C:\\a"},
+      {[&] { click(1); }, "C:\\a"},
+      {[&] { doubleClick(2); }, "C:\\Zoo"},
+  };
+  ASSERT_TRUE(list.setPath("C:\\a\\b"));
+  for (const auto& [choose, opened] : choices) {
+    const std::string before = list.path();
+    {
+      const platform::Busy::Scope running(busy);
+      click(0);
+      choose();
+      QTest::keyClick(&list, Qt::Key_Down);
+      EXPECT_EQ(list.highlighted(), before);
+    }
+    EXPECT_EQ(list.path(), opened);
+    list.setPath("C:\\");
+  }
 }
 
 TEST_F(Disk, FileListHoldsFilesByExactName) {

@@ -58,12 +58,14 @@ class MainTest : public testworld::World {
     for (const char* name : {"PAKRUNE_WINVER", "PAKRUNE_ADMIN"}) unsetenv(name);
   }
 
-  bool load(const std::vector<std::string>& arguments) {
+  std::string textOf(const std::vector<std::string>& arguments) const {
     const auto toWindows = [this](std::string_view path) {
       return platform::typedPath(drives_, path, "C:\\");
     };
-    const auto text = shell::readArguments(arguments, toWindows, platform::holdName).text;
-    const bool goesOn = window_.Load(shell::parseCommandLine(text));
+    return shell::readArguments(arguments, toWindows, platform::holdName).text;
+  }
+  bool load(const std::vector<std::string>& arguments) {
+    const bool goesOn = window_.Load(shell::parseCommandLine(textOf(arguments)));
     QApplication::processEvents();
     return goesOn;
   }
@@ -303,6 +305,24 @@ TEST_F(MainTest, PermissionsNeedFindWhateverTheRecordHolds) {
   EXPECT_FALSE(load({"-perms", "pkg"}));
   ASSERT_EQ(windowPerson_.told.size(), 1U);
   EXPECT_TRUE(windowPerson_.told[0].starts_with("Unable to Set Permissions|")) << windowPerson_.told[0];
+}
+
+TEST_F(MainTest, AStartListsItsFolderOnceAndInAWindow) {
+  const std::string tool = root_ + "/prog/bin/ls.exe";
+  fs::remove(tool);
+  std::ofstream(tool) << "#!/bin/sh\npwd >> " + root_ + "/runs\nexec /usr/bin/ls \"$@\"\n";
+  fs::permissions(tool, fs::perms::owner_all);
+  for (const auto& arguments : std::vector<std::vector<std::string>>{
+           {"-d", "C:\\pkg"}, {"-perms", "pkg", "a.txt"}, {"pkg/a.txt"}, {"-open", "pkg", "gone.tgz"}}) {
+    std::ofstream(root_ + "/runs");
+    shell::frmMain window(program_object_, pickers_);
+    bool seenWithoutModes = false;
+    windowPerson_.meanwhile = [&] { seenWithoutModes |= window.isVisible() && !window.paneItems().empty(); };
+    window.Load(shell::parseCommandLine(textOf(arguments)));
+    windowPerson_.meanwhile = {};
+    EXPECT_TRUE(seenWithoutModes) << arguments.front();
+    EXPECT_EQ(output("grep -c /disk/pkg " + root_ + "/runs"), "1\n") << arguments.front();
+  }
 }
 
 TEST_F(MainTest, NamedEntriesAreSelected) {
