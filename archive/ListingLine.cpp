@@ -4,6 +4,7 @@
 #include <array>
 
 #include "platform/HeldName.h"
+#include "runtime/EscapeQuoting.h"
 
 namespace archive {
 namespace {
@@ -82,33 +83,6 @@ ArchiveEntry byCountingWords(std::string_view mode, std::string_view rest) {
   return entry;
 }
 
-/// The character that a backslash and a letter stand for; 0 for none.
-char controlOf(char letter) {
-  constexpr std::string_view letters = "abtnvfr";
-  const std::size_t at = letters.find(letter);
-  return at == letters.npos ? '\0' : static_cast<char>('\a' + static_cast<char>(at));
-}
-
-bool isOctalCode(std::string_view text) {
-  return text.size() >= 3 &&
-         std::all_of(text.begin(), text.begin() + 3, [](char c) { return c >= '0' && c <= '7'; });
-}
-
-/// Appends what the escape at the front stands for (the text behind its backslash); how much it takes.
-std::size_t appendEscaped(std::string& bytes, std::string_view text) {
-  if (isOctalCode(text)) {
-    bytes += static_cast<char>((text[0] - '0') * 64 + (text[1] - '0') * 8 + (text[2] - '0'));
-    return 3;
-  }
-  const char control = text.empty() ? '\0' : controlOf(text.front());
-  if (control == '\0' && !text.starts_with('\\')) {
-    bytes += '\\';
-    return 0;
-  }
-  bytes += control == '\0' ? '\\' : control;
-  return 1;
-}
-
 }  // namespace
 
 std::optional<ArchiveEntry> parseListingLine(std::string_view line) {
@@ -136,20 +110,9 @@ EntryPath splitLinkText(const ArchiveEntry& entry) {
   return {entry.path.substr(0, at), entry.path.substr(at + arrow.size())};
 }
 
-std::string unescaped(std::string_view printed) {
-  std::string bytes;
-  bytes.reserve(printed.size());
-  while (!printed.empty()) {
-    const std::size_t plain = std::min(printed.find('\\'), printed.size());
-    bytes += printed.substr(0, plain);
-    printed.remove_prefix(plain);
-    if (!printed.empty()) printed.remove_prefix(1 + appendEscaped(bytes, printed.substr(1)));
-  }
-  return bytes;
-}
-
 std::string heldName(std::string_view printed) {
-  return platform::holdName(printed.find('\\') == printed.npos ? std::string(printed) : unescaped(printed));
+  return platform::holdName(printed.find('\\') == printed.npos ? std::string(printed)
+                                                               : runtime::unescaped(printed));
 }
 
 bool isRemark(std::string_view line) {

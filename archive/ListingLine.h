@@ -31,9 +31,8 @@ struct EntryPath {
 };
 EntryPath splitLinkText(const ArchiveEntry& entry);
 
-/// The bytes of a name that tar printed in its escape quoting.
-std::string unescaped(std::string_view printed);
-/// The same in the form that names have inside the program; for several components too.
+/// A name that tar printed in its escape quoting, in the form that names have inside the program; for several
+/// components too.
 std::string heldName(std::string_view printed);
 
 /// tar's own words, and those of the programs that it starts, among the names that it lists: a line that

@@ -9,8 +9,9 @@ namespace platform {
 constexpr char lowerAscii(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; }
 
 inline std::string lowerAscii(std::string_view text) {
-  std::string lower(text);
-  for (char& c : lower) c = lowerAscii(c);
+  std::string lower;
+  lower.reserve(text.size());
+  for (const char c : text) lower += lowerAscii(c);
   return lower;
 }
 

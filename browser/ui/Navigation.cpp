@@ -5,6 +5,7 @@
 
 #include "platform/HeldName.h"
 #include "platform/ResolvedPath.h"
+#include "platform/TypedPath.h"
 #include "platform/desktop/Handlers.h"
 #include "platform/desktop/Text.h"
 
@@ -142,21 +143,17 @@ void Navigation::openChosen(const std::string& path) {
   if (!openLocked(path)) tellUnavailable(path);
 }
 
-/// A path of the host is understood as well.
-std::string Navigation::typedPath(std::string text) const {
-  if (text.starts_with('/') && !text.starts_with("/cygdrive/"))
-    text = services_.system.drives.toWindows(text);
-  return platform::withoutDotDot(services_.system.drives, platform::holdPath(text));
-}
-
 void Navigation::txtLocation_Enter() {
-  whenFree([this, text = platform::desktop::fromControl(location_.text().trimmed())] { openTyped(text); });
+  whenFree([this, text = platform::desktop::fromControl(location_.text())] { openTyped(text); });
 }
 
 void Navigation::openTyped(const std::string& text) {
-  const std::string path = typedPath(text);
-  if (openTypedPath(path)) return showLocation();
-  tellUnavailable(path);
+  const platform::TypedPath typed = platform::typedPath(services_.system.drives, text, folders_.path());
+  if (typed && openTypedPath(typed.path)) return showLocation();
+  if (typed)
+    tellUnavailable(typed.path);
+  else
+    services_.user.message(typed.problem, Buttons::Ok, Icon::Critical, errorTitle);
   location_.selectAll();
 }
 

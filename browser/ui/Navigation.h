@@ -46,7 +46,6 @@ class Navigation : public QObject {
   bool openTypedPath(const std::string& path);
   bool openLocked(const std::string& path);
   void tellUnavailable(const std::string& path);
-  std::string typedPath(std::string text) const;
   void showLocation();
   void whenFree(std::function<void()> deed);
   void showInitialFolder();

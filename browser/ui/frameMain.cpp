@@ -103,15 +103,19 @@ void frameMain::wireActions() {
           {"cmdExtract", [this] { emit extractTar(); }},
           {"checkAll", [this] { checkAll_Click(); }},
           {"cmdSetPerms"},
-          {"cmdSetOwner", {}, ownersKnown},
-          {"cmdSetGroup", {}, ownersKnown},
-          {"cmdDos2Unix", {}, [this] { return convertible_; }},
+          {"cmdSetOwner", [this] { emit setOwner(); }, ownersKnown},
+          {"cmdSetGroup", [this] { emit setGroup(); }, [this] { return ownersKnown_ && !busy(); }},
+          {"cmdDos2Unix", [this] { emit dos2Unix(); }, [this] { return convertible_ && !busy(); }},
           {"cmdDirPaneUp", [this] { cmdDirPaneUp_Click(); }, belowRoot, later, Busy::Width::OpenFolder},
           {"cmdRefreshFiles", [this] { cmdRefreshFiles_Click(); }, {}, later},
           {"optShowHidden", relist, {}, later},
           {"optShowSystem", relist, {}, later},
           {"Filter", [this] { Filter_Click(); }, {}, later},
       });
+}
+
+void frameMain::setCaption(const char* button, const char* caption) {
+  findChild<QAbstractButton*>(QLatin1String(button))->setText(QString::fromLatin1(caption));
 }
 
 void frameMain::wireFolders() {

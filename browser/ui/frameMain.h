@@ -64,11 +64,15 @@ class frameMain : public QFrame, private ListingListener {
 
   /// Buttons, boxes and the filter: when each can be used, and what it does.
   platform::desktop::ActionTable& actions() { return *actions_; }
+  void setCaption(const char* button, const char* caption);  ///< of one of its buttons
 
  signals:
   void folderChanged();                         ///< after a new current folder was listed
   void selectionChanged();                      ///< after the selection list was rebuilt or reset
   void createTar();                             ///< cmdTar
+  void setOwner();                              ///< cmdSetOwner
+  void setGroup();                              ///< cmdSetGroup
+  void dos2Unix();                              ///< cmdDos2Unix
   void extractTar();                            ///< cmdExtract, or Enter on an archive
   void archiveOpened(const std::string& path);  ///< a double click into an archive
   void dividerDragged(int x);                   ///< see Divider::dragged; the layout's owner moves it

@@ -8,13 +8,8 @@
 
 namespace perms {
 
-frmOwner::frmOwner(const runtime::Services& services, OwnershipItems items, std::function<void()> listAgain,
-                   QWidget* parent)
-    : QDialog(parent),
-      ui_(std::make_unique<Ui::frmOwner>()),
-      services_(services),
-      items_(std::move(items)),
-      listAgain_(std::move(listAgain)) {
+frmOwner::frmOwner(const runtime::Services& services, OwnershipItems items, QWidget* parent)
+    : QDialog(parent), ui_(std::make_unique<Ui::frmOwner>()), services_(services), items_(std::move(items)) {
   using platform::desktop::WhileBusy;
   ui_->setupUi(this);
   QStringList owners;
@@ -40,7 +35,6 @@ void frmOwner::cmdSetOwner_Click() {
   actions_->update();
   OwnershipJob job(services_, ownerTo(platform::desktop::fromControl(ui_->listOwner->topEntry())), items_);
   job.run();
-  listAgain_();
   if (self.isNull()) return;
   running_ = false;
   ui_->cmdSetOwner->setText(caption);

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QDialog>
-#include <functional>
 #include <memory>
 
 #include "perms/OwnershipJob.h"
@@ -18,9 +17,7 @@ class frmOwner : public QDialog {
   Q_OBJECT
 
  public:
-  /// `listAgain` is the run's last step, under the same gate.
-  frmOwner(const runtime::Services& services, OwnershipItems items, std::function<void()> listAgain,
-           QWidget* parent = nullptr);
+  frmOwner(const runtime::Services& services, OwnershipItems items, QWidget* parent = nullptr);
   ~frmOwner() override;
 
   void reject() override { cmdCancel_Click(); }  ///< Escape and the close box
@@ -32,7 +29,6 @@ class frmOwner : public QDialog {
   std::unique_ptr<Ui::frmOwner> ui_;
   runtime::Services services_;
   OwnershipItems items_;
-  std::function<void()> listAgain_;
   bool running_ = false;
   platform::desktop::ActionTable* actions_;  // a child
 };

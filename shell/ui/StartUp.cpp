@@ -115,7 +115,7 @@ bool StartUp::showWindow() {
   if (ends()) return false;
   window_.browsing().goToSelected();
   window_.browsing().readModes();
-  return !window_.ended();
+  return !ends();
 }
 
 void StartUp::normalTail() {

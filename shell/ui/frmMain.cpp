@@ -2,10 +2,13 @@
 
 #include <QCloseEvent>
 #include <QPlainTextEdit>
+#include <QPointer>
 
 #include "archive/ui/frmTar.h"
 #include "browser/ui/ApplyLayout.h"
+#include "convert/ConvertJob.h"
 #include "download/ui/frmNetloader.h"
+#include "perms/ui/frmOwner.h"
 #include "platform/ShellOpen.h"
 #include "platform/SystemInfo.h"
 #include "platform/desktop/Text.h"
@@ -95,6 +98,9 @@ void frmMain::wireActions() {
 void frmMain::wireFrames() {
   connect(frameMain_, &browser::frameMain::createTar, this, &frmMain::cmdTar_Click);
   connect(frameMain_, &browser::frameMain::extractTar, this, &frmMain::cmdExtract_Click);
+  connect(frameMain_, &browser::frameMain::setOwner, this, &frmMain::cmdSetOwner_Click);
+  connect(frameMain_, &browser::frameMain::setGroup, this, &frmMain::cmdSetGroup_Click);
+  connect(frameMain_, &browser::frameMain::dos2Unix, this, &frmMain::cmdDos2Unix_Click);
   connect(frameMain_, &browser::frameMain::archiveOpened, this, &frmMain::openArchive);
   connect(frameMain_, &browser::frameMain::selectionChanged, this, &frmMain::updateDownloadMenu);
   connect(frameMain_, &browser::frameMain::dividerDragged, this, &frmMain::divider_MouseMove);
@@ -149,6 +155,47 @@ void frmMain::showfrmWDXOptions(const std::string& path) {
 
 void frmMain::cmdTar_Click() {
   archive::CheckTarSelection(program_.services(), *this, *this, pickers_, this);
+}
+
+bool frmMain::agreed(const std::string& question, const char* title) {
+  return program_.user.message(question, runtime::Buttons::OkCancel, runtime::Icon::None, title,
+                               runtime::Consequence::ReplacesSomething) == runtime::Answer::Ok;
+}
+
+void frmMain::cmdSetOwner_Click() {
+  perms::OwnershipItems items{program_.selection.selectedPaths, GetDir1Path()};
+  if (items.paths.empty() &&
+      !agreed("This will change the owner for all files and subdirectories under:\r" + frameMain_->dir1Path(),
+              "Warning.."))
+    return;
+  const QPointer<perms::frmOwner> form = new perms::frmOwner(program_.services(), std::move(items), this);
+  form->exec();
+  delete form;
+}
+
+void frmMain::cmdSetGroup_Click() {
+  const platform::Busy::Scope busy(program_.system.busy);
+  const perms::OwnershipItems items{program_.selection.selectedPaths, GetDir1Path()};
+  frameMain_->actions().update();
+  const std::string question =
+      items.paths.empty()
+          ? "This will set the group for all files and subdirectories under:\r" + frameMain_->dir1Path()
+          : "This will set the group for " + std::to_string(items.paths.size()) + " selected files";
+  if (agreed(question, "Setting Group..")) {
+    frameMain_->setCaption("cmdSetGroup", "Setting..");
+    perms::OwnershipJob(program_.services(), perms::groupToKT500(), items).run();
+  }
+  frameMain_->setCaption("cmdSetGroup", "Set Group");
+}
+
+void frmMain::cmdDos2Unix_Click() {
+  const platform::Busy::Scope busy(program_.system.busy);
+  frameMain_->actions().update();
+  const auto begun = [this] { frameMain_->setCaption("cmdDos2Unix", "Converting.."); };
+  convert::ConvertJob job(program_.services(), {program_.selection.selectedPaths, GetDir1Path()}, begun);
+  const convert::ConvertResult result = job.run();
+  frameMain_->setCaption("cmdDos2Unix", "dos2unix");
+  if (result.end == runtime::JobEnd::Done) refreshKeepList();
 }
 
 void frmMain::cmdExtract_Click() { frameUntar_->open(); }

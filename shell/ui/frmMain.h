@@ -64,6 +64,10 @@ class frmMain : public QMainWindow, public runtime::FilePane, public runtime::Do
   void wireActions();
   void wireFrames();
   void connectLog();
+  bool agreed(const std::string& question, const char* title);
+  void cmdSetOwner_Click();
+  void cmdSetGroup_Click();
+  void cmdDos2Unix_Click();
   void mnuShowLog_Click();
   void mnuAdmin_Click();
   void mnuNetwork_Click();

@@ -10,6 +10,7 @@
 #include "archive/ListingOutput.h"
 #include "archive/SiblingOrder.h"
 #include "platform/HeldName.h"
+#include "runtime/EscapeQuoting.h"
 
 namespace {
 
@@ -114,7 +115,7 @@ TEST(ListingLine, LinkTextIsCutForLinksOnly) {
 }
 
 TEST(ListingLine, EscapesAreTurnedBack) {
-  EXPECT_EQ(unescaped("a\\nb\\\\c\\td\\377\\001\\q\\"), "a\nb\\c\td\377\001\\q\\");
+  EXPECT_EQ(runtime::unescaped("a\\nb\\\\c\\td\\377\\001\\q\\"), "a\nb\\c\td\377\001\\q\\");
   EXPECT_EQ(platform::releaseName(heldName("caf\\303\\251:\\b")), "caf\303\251:\b");
 }
 

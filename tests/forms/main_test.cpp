@@ -12,6 +12,7 @@
 #include <functional>
 
 #include "platform/HeldName.h"
+#include "platform/desktop/ScrollList.h"
 #include "shell/ui/frmMain.h"
 #include "tests/World.h"
 
@@ -196,6 +197,38 @@ TEST_F(MainTest, WhileAJobRunsMenusDoNothingAndClosingStopsIt) {
     EXPECT_TRUE(window_.isVisible());
   }
   EXPECT_TRUE(busy_.endRequested());
+}
+
+TEST_F(MainTest, OwnerGroupAndLineEndsRunFromTheirButtons) {
+  for (const char* tool : {"chown.exe", "chgrp.exe", "dos2unix.exe"}) {
+    const std::string path = root_ + "/prog/bin/" + tool;
+    std::ofstream(path) << "#!/bin/sh\necho \"$0 $*\" >>'" << host("runs")
+                        << "'\ncase $0 in *dos*) echo done.;; esac\n";
+    fs::permissions(path, fs::perms::owner_all);
+  }
+  load({"pkg/a.txt"});
+  find<QPushButton>("cmdDos2Unix")->click();
+  EXPECT_NE(logText().find(" dos2unix successfull: 1 files in C:\\pkg\\"), std::string::npos);
+  EXPECT_EQ(find<QPushButton>("cmdDos2Unix")->text(), QString("dos2unix"));
+  EXPECT_EQ(find<QPushButton>("cmdSetGroup")->text(), QString("Set Goup"));
+  find<QPushButton>("cmdSetGroup")->click();
+  EXPECT_EQ(find<QPushButton>("cmdSetGroup")->text(), QString("Set Group"));
+  EXPECT_TRUE(find<QPushButton>("cmdSetGroup")->isEnabled());
+  EXPECT_EQ(windowPerson_.told.back(), "Setting Group..|This will set the group for 1 selected files");
+  onNextModal([](QWidget& modal) {
+    EXPECT_EQ(modal.windowTitle(), QString("Set Owner"));
+    modal.findChild<platform::desktop::ScrollList*>("listOwner")->setTopIndex(4);
+    modal.findChild<QPushButton*>("cmdSetOwner")->click();
+    EXPECT_FALSE(modal.isVisible());
+  });
+  find<QPushButton>("cmdSetOwner")->click();
+  EXPECT_NE(logText().find(" Owner(usr5) successfully set: 1 files in C:\\pkg\\"), std::string::npos);
+  EXPECT_NE(bytes("runs").find("chown.exe -R usr5 " + host("pkg/a.txt")), std::string::npos) << bytes("runs");
+  window_.browsing().openDirPane();
+  windowPerson_.agrees = false;
+  find<QPushButton>("cmdSetOwner")->click();
+  EXPECT_EQ(windowPerson_.told.back(),
+            "Warning..|This will change the owner for all files and subdirectories under:\rC:\\pkg");
 }
 
 TEST_F(MainTest, AboutOpensFromTheLabelAndTheMenu) {
