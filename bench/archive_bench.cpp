@@ -7,7 +7,6 @@
 #include <filesystem>
 #include <string>
 
-#include "archive/ArchiveListing.h"
 #include "archive/ExtractJob.h"
 #include "archive/PackJob.h"
 #include "bench/Measure.h"

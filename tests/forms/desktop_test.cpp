@@ -47,6 +47,8 @@ void onNextModal(std::function<void(Window&)> act) {
 
 struct SilentLog : runtime::Log {
   void append(const std::string&) override {}
+  std::size_t size() const override { return 0; }
+  std::string since(std::size_t) const override { return ""; }
 };
 
 struct SettingsWorld {

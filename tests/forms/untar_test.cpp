@@ -85,8 +85,12 @@ class Sitter : public testworld::Person {
     if (asked) asked();
     return Person::message(text, buttons, icon, title, consequence);
   }
+  void consoleOpened(const std::string&) override {
+    if (opened) opened();
+  }
   std::function<void()> meanwhile;
   std::function<void()> asked;
+  std::function<void()> opened;  // a console, right before its tool starts
 };
 
 class UntarTest : public testworld::World {
@@ -361,8 +365,8 @@ void UntarTest::slowDown() {
 
 /// Presses the button while tar waits for more.
 void UntarTest::cancelAtWork(QPushButton& button) {
+  sitter_.opened = [this] { std::ofstream(root_ + "/half") << ""; };
   sitter_.meanwhile = [this, &button] {
-    if (!sitter_.consoles.empty()) std::ofstream(root_ + "/half") << "";
     if (!fs::exists(root_ + "/at-work")) return;
     sitter_.meanwhile = nullptr;
     button.click();
@@ -378,7 +382,6 @@ TEST_F(UntarTest, QuickExtractionStaysShownAndItsCancelEndsTheProgram) {
   EXPECT_EQ(quick.findChild<QProgressBar*>("ProgressBar1")->value(), 100);
   EXPECT_TRUE(quick.isVisible());
   slowDown();
-  sitter_.consoles.clear();
   cancelAtWork(*quick.findChild<QPushButton*>("cmdCancel"));
   const platform::desktop::Gate gate(busy_);
   const platform::Busy::Scope busy(busy_);
