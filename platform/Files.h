@@ -22,8 +22,8 @@ class Files {
 
   bool fileExists(std::string_view path) const;  ///< anything but a folder that can be reached
   bool folderExists(std::string_view path) const;
-  bool entryExists(std::string_view path) const;  ///< a dangling link exists too (lstat)
-  bool isSpecial(std::string_view path) const;    ///< neither a file with bytes of its own nor a folder
+  bool entryExists(std::string_view path) const;    ///< a dangling link exists too (lstat)
+  bool isSpecial(std::string_view path) const;      ///< neither a file with bytes of its own nor a folder
   bool isRegularFile(std::string_view path) const;  ///< follows links
   std::optional<std::uint64_t> fileSize(std::string_view path) const;  ///< bytes
   std::optional<std::time_t> modifiedTime(std::string_view path) const;

@@ -7,8 +7,8 @@
 #include "download/SendJob.h"
 #include "platform/Signals.h"
 #include "platform/TcpConnection.h"
-#include "shell/BatchUser.h"
 #include "platform/TypedPath.h"
+#include "shell/BatchUser.h"
 #include "shell/Program.h"
 
 namespace {

@@ -95,7 +95,8 @@ frmTar::~frmTar() = default;
 
 void frmTar::Form_Load() {
   QStringList owners;
-  for (const runtime::OwnerEntry& entry : runtime::ownerEntries()) owners.append(QString::fromLatin1(entry.name));
+  for (const runtime::OwnerEntry& entry : runtime::ownerEntries())
+    owners.append(QString::fromLatin1(entry.name));
   if (!pane_.setOwnerShown()) owners.removeLast();
   ui_->listOwner->setEntries(owners);
   ui_->cmdGetOut->setIcon(platform::desktop::imageIcon(runtime::getImageIndex("fldrOpen")));
