@@ -4,7 +4,7 @@ set -euo pipefail
 export DEBIAN_FRONTEND=noninteractive
 packages=(
   g++ cmake ninja-build ccache       # compiler and build
-  qt6-base-dev qt6-base-dev-tools    # windows, network
+  qt6-base-dev qt6-base-dev-tools    # windows
   libqt6svg6                         # the plugin that draws the SVG pictures of the file lists (run time only)
   libgtest-dev                       # tests
   tar gzip bzip2 coreutils findutils binutils # the tools that the program drives (binutils: ar, for .ipk)

@@ -29,7 +29,6 @@ ConsoleWindow::ConsoleWindow(std::string_view title, QWidget* parent)
   output_->setMaximumBlockCount(keptLines);
   output_->setFont(QFontDatabase::systemFont(QFontDatabase::FixedFont));
   auto* layout = new QVBoxLayout(this);
-  layout->setContentsMargins(0, 0, 0, 0);
   layout->addWidget(output_);
   auto* stop = new QPushButton(tr("Stop"), this);
   stop->setObjectName(QStringLiteral("cmdStop"));
