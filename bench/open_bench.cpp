@@ -10,6 +10,7 @@
 #include <string>
 
 #include "bench/Measure.h"
+#include "platform/desktop/Gate.h"
 #include "platform/desktop/Text.h"
 #include "shell/BatchTools.h"
 #include "shell/ui/DesktopUser.h"
@@ -99,7 +100,8 @@ class OpenBench {
   }
 
   shell::Host host_;
-  shell::DesktopUser user_;
+  shell::DesktopUser user_{host_.busy};
+  platform::desktop::Gate gate_{host_.busy};
   shell::Program program_;
   platform::desktop::DesktopFilePickers pickers_;
   shell::frmMain window_{program_, pickers_};
