@@ -1,6 +1,5 @@
 #include "platform/HeldName.h"
 
-#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -106,20 +105,6 @@ std::string holdName(std::string_view hostBytes) {
 
 std::string releaseName(std::string_view inner) {
   return replaceHeld(inner, [](std::string& out, unsigned char byte) { out += static_cast<char>(byte); });
-}
-
-std::string holdPath(std::string_view windowsPath) {
-  constexpr std::size_t drive = 2;
-  if (windowsPath.size() < drive || windowsPath[1] != ':') return std::string(windowsPath);
-  std::string path(windowsPath.substr(0, drive));
-  windowsPath.remove_prefix(drive);
-  while (!windowsPath.empty()) {
-    const std::size_t end = std::min(windowsPath.find_first_of("\\/"), windowsPath.size());
-    path += holdName(releaseName(windowsPath.substr(0, end)));
-    if (end < windowsPath.size()) path += windowsPath[end];
-    windowsPath.remove_prefix(std::min(end + 1, windowsPath.size()));
-  }
-  return path;
 }
 
 std::string shownName(std::string_view inner) {

@@ -15,10 +15,6 @@ std::string holdName(std::string_view hostBytes);
 /// The bytes on disk of a name or text that may hold held characters. The inverse of holdName.
 std::string releaseName(std::string_view inner);
 
-/// A path that somebody typed: each name below its drive in held form, so that it is the one that a folder's
-/// listing gives. What does not begin with a drive stays as it is.
-std::string holdPath(std::string_view windowsPath);
-
 /// The text for lists and labels: the character that is held, and `\xHH` for a held control
 /// character or a byte that is not valid UTF-8.
 std::string shownName(std::string_view inner);

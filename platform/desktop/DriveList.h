@@ -24,9 +24,6 @@ class DriveList : public QComboBox {
   /// Chooses the drive that the text begins with ("D:", "d:\", "D:\pkg\a"). False for one that is not in the
   /// table, even after reading it again: the old one stays.
   bool setDrive(std::string_view text);
-  int driveIndex() const {
-    return currentIndex();
-  }  ///< counts rows; a letter survives a re-read, a row may not
 
  signals:
   void driveChanged();  ///< another drive is chosen, by the user or by the program
