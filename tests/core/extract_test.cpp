@@ -527,7 +527,7 @@ TEST_F(ExtractTest, AStoppedRunKeepsWhatIsWhole) {
   write("in/5", "after");
   fs::create_symlink("/usr/lib", host("in/3abs"));
   output("cd " + host("in") +
-         " && touch -d '1 hour ago' * && touch -d '1 hour' 2 && tar -czf ../a.tgz 1 2 3abs 4half 5");
+         " && touch -hd '1 hour ago' * && touch -d '1 hour' 2 && tar -czf ../a.tgz 1 2 3abs 4half 5");
   // Once a console is open, the compressor gives the first members and half of a large one.
   fakeTool("gzip", "[ -e " + root_ + "/half ] || exec $real \"$@\"\n$real -dc | head -c 200000; touch " +
                        root_ + "/at-work; sleep 20");
