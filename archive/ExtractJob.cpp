@@ -10,6 +10,7 @@
 #include "archive/NamesFile.h"
 #include "platform/HeldName.h"
 #include "runtime/DirExists.h"
+#include "runtime/Pace.h"
 #include "runtime/Slashes.h"
 
 namespace archive {
@@ -158,7 +159,7 @@ std::vector<std::string> ExtractJob::chooseMembers(const ArchiveTree& tree, bool
   for (const Contribution& one : chosen) asked.insert(one.members.begin(), one.members.end());
   if (isTar()) asked = guardAgainst(membersOf(tree.listing()), asked);
   std::vector<std::string> members;
-  Pace pace;
+  runtime::Pace pace;
   for (Contribution& one : chosen) {
     // A name that is given twice is found once, and tar would miss the other.
     std::erase_if(one.members, [&asked](const std::string& name) { return asked.erase(name) == 0; });
@@ -299,7 +300,7 @@ Extraction ExtractJob::QuickExtract() {
 std::vector<std::string> ExtractJob::keptNames() {
   std::vector<std::string> kept;
   std::set<std::string_view> seen;
-  Pace pace;
+  runtime::Pace pace;
   for (std::size_t i = 0; i < names_.size(); ++i) {
     // tar looks for a file and for a folder of that name alike, and finds each once.
     if (coverOf(excludes_, names_[i]) == nullptr && seen.insert(withoutSlash(names_[i])).second) {

@@ -3,6 +3,7 @@
 #include "archive/ArchiveTreeBuilder.h"
 #include "archive/ExtractCommand.h"
 #include "archive/ListingOutput.h"
+#include "runtime/Pace.h"
 
 namespace archive {
 
@@ -49,7 +50,7 @@ Listing fillTree(const runtime::Services& services, ArchiveKind kind, const std:
   progress.filling();
   progress.showPercent(0);
   ArchiveTreeBuilder builder(kind, std::move(listing), packageSize);
-  Pace pace;
+  runtime::Pace pace;
   const platform::Stop stop = services.system.busy.stop();
   const std::size_t count = builder.lineCount();
   for (std::size_t i = 0; !stop.requested() && builder.addNextLine(); ++i)

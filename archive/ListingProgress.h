@@ -1,6 +1,6 @@
 #pragma once
 
-#include <chrono>
+#include <cstddef>
 
 namespace archive {
 
@@ -14,20 +14,6 @@ class ListingProgress {
   virtual void filling() {}                     ///< they came, and go into the tree now
   virtual void showPercent(float percent) = 0;  ///< 0 to 100; pending events run
   virtual void listed(const Listing&) {}        ///< a step of another job: how it ended, and the tree
-};
-
-/// Tells when a step is worth showing: at most about 60 times a second.
-class Pace {
- public:
-  bool due() {
-    const auto now = std::chrono::steady_clock::now();
-    if (now < next_) return false;
-    next_ = now + std::chrono::milliseconds(16);
-    return true;
-  }
-
- private:
-  std::chrono::steady_clock::time_point next_;
 };
 
 /// How much of a listing has been read after its line `index` (from 0) of `count`.

@@ -51,6 +51,12 @@ FoundEntry describe(int folder, const std::string& folderPath, const dirent& ent
 
 }  // namespace
 
+bool isHiddenOrSystem(const DriveTable& drives, std::string_view path) {
+  if (path.substr(path.rfind('\\') + 1).starts_with('.')) return true;
+  const std::optional<std::string> host = drives.toHost(path);
+  return host && (notedAttributes(*host) & (attributeHidden | attributeSystem)) != 0;
+}
+
 DirectorySearch::DirectorySearch(const DriveTable& drives, std::string_view pattern) {
   if (pattern.empty() || pattern.back() != '*') return;
   pattern.remove_suffix(1);

@@ -24,6 +24,9 @@ struct FoundEntry {
   std::optional<std::time_t> modifiedTime;
 };
 
+/// What an ordinary listing leaves out: hidden and system files.
+bool isHiddenOrSystem(const DriveTable& drives, std::string_view path);
+
 /// The system's directory search: entries of a folder in the order that the system returns them,
 /// "." and ".." included. The pattern is a folder path followed by "*".
 class DirectorySearch {

@@ -1,8 +1,11 @@
 #include "archive/ui/ArchiveTreeModel.h"
 
 #include <QColor>
+#include <QGuiApplication>
+#include <QPalette>
 
 #include "platform/desktop/ImageList.h"
+#include "platform/desktop/ReadableColour.h"
 #include "platform/desktop/Text.h"
 #include "runtime/ImageKeys.h"
 
@@ -60,7 +63,9 @@ QVariant ArchiveTreeModel::memberData(NodeId node, int role) const {
     case Qt::CheckStateRole:
       return tree_.checked(node) ? Qt::Checked : Qt::Unchecked;
     case Qt::ForegroundRole:
-      return tree_.partlySelected(node) ? QColor(Qt::red) : QVariant();
+      return tree_.partlySelected(node) ? platform::desktop::readableColour(
+                                              Qt::red, QGuiApplication::palette().color(QPalette::Base))
+                                        : QVariant();
     case Qt::AccessibleDescriptionRole:
       return tree_.partlySelected(node) ? tr("partly selected") : QVariant();
     default:

@@ -6,6 +6,7 @@
 #include <unordered_map>
 
 #include "platform/desktop/ImageList.h"
+#include "platform/desktop/ReadableColour.h"
 #include "platform/desktop/Text.h"
 
 namespace browser {
@@ -19,9 +20,8 @@ constexpr double dimming = 0.5;
 
 QColor rowColour(const PaneRow& row) {
   const QPalette palette = QGuiApplication::palette();
-  const bool dark = palette.color(QPalette::Base).lightness() < 128;
   QColor colour = palette.color(QPalette::Text);
-  if (row.system) colour = dark ? QColor(120, 170, 255) : QColor(0, 0, 255);
+  if (row.system) colour = platform::desktop::readableColour(Qt::blue, palette.color(QPalette::Base));
   if (row.hidden) colour.setAlphaF(static_cast<float>(dimming));
   return colour;
 }

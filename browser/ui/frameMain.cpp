@@ -102,7 +102,7 @@ void frameMain::wireActions() {
           {"cmdTar", [this] { emit createTar(); }},
           {"cmdExtract", [this] { emit extractTar(); }},
           {"checkAll", [this] { checkAll_Click(); }},
-          {"cmdSetPerms"},
+          {"cmdSetPerms", [this] { emit setPerms(); }, [this] { return !busy(); }},
           {"cmdSetOwner", [this] { emit setOwner(); }, ownersKnown},
           {"cmdSetGroup", [this] { emit setGroup(); }, [this] { return ownersKnown_ && !busy(); }},
           {"cmdDos2Unix", [this] { emit dos2Unix(); }, [this] { return convertible_ && !busy(); }},

@@ -70,6 +70,7 @@ class frameMain : public QFrame, private ListingListener {
   void folderChanged();                         ///< after a new current folder was listed
   void selectionChanged();                      ///< after the selection list was rebuilt or reset
   void createTar();                             ///< cmdTar
+  void setPerms();                              ///< cmdSetPerms
   void setOwner();                              ///< cmdSetOwner
   void setGroup();                              ///< cmdSetGroup
   void dos2Unix();                              ///< cmdDos2Unix

@@ -2,6 +2,7 @@
 
 #include "archive/ui/frmQuickExtract.h"
 #include "archive/ui/frmTar.h"
+#include "perms/PermissionJob.h"
 #include "platform/SystemInfo.h"
 #include "runtime/ArchiveKind.h"
 #include "runtime/PermissionTest.h"
@@ -198,20 +199,20 @@ bool StartUp::quickExtract(const CommandLine& commandLine) {
 }
 
 bool StartUp::permissions(const CommandLine& commandLine) {
-  if (!program_.api.ProbeTool(program_.cygwin.cygwinBin() + "find.exe")) {
-    program_.user.message("Error: Unable to locate 'find.exe'.\r\nTry reinstalling Pakrune or Cygwin",
-                          Buttons::Ok, Icon::Critical, "Unable to Set Permissions");
-    return false;
-  }
+  if (!perms::permissionToolFound(program_.services(), "find.exe")) return false;
   if (!commandLine.complete) {
     normalTail();
     return true;
   }
   selectNamed(commandLine);
-  if (program_.selection.selectedCount() == 0)
-    program_.user.message("This will change permissions for all files and subdirectories under:\r" +
-                              window_.browsing().dir1Path(),
-                          Buttons::OkCancel, Icon::None, "Warning..");
+  if (program_.selection.selectedCount() == 0) {
+    if (!perms::agreesToWholeFolder(program_.user, window_.browsing().dir1Path())) return true;
+    window_.browsing().setLoading(false);
+    window_.selectAllRows();
+    window_.browsing().setLoading(true);
+  }
+  if (!showWindow()) return false;
+  begin(&frmMain::showPermissionsAtStart);
   return true;
 }
 

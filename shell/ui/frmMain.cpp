@@ -40,6 +40,7 @@ frmMain::frmMain(Program& program, platform::desktop::FilePickers& pickers)
   ui_->mnuspace6->setSeparator(true);
   ui_->mnuspace2->setSeparator(true);
   ui_->mnuFilterRightClick->menuAction()->setVisible(false);
+  ui_->mnuUndoPermissions->setVisible(false);
   ui_->txtLog->hide();
   frameMain_ = new browser::frameMain(program.services(), program.selection, pickers, ui_->client);
   frameUntar_ = new archive::frameUntar(program.services(), *this, pickers, ui_->client);
@@ -77,6 +78,8 @@ void frmMain::wireActions() {
       {
           {"mnuExit", [this] { close(); }, {}, WhileBusy::Acts},
           {"mnuAdmin", [this] { mnuAdmin_Click(); }},
+          {"mnuUndoPermissions", [this] { mnuUndoPermissions_Click(); },
+           [this] { return undo_ && !undo_->entries.empty(); }},
           {"mnuShowLog", [this] { mnuShowLog_Click(); }, {}, WhileBusy::Acts},
           {"mnuDownload", {}, mayDownload},
           {"mnuNetwork", [this] { mnuNetwork_Click(); }, mayDownload},
@@ -98,6 +101,7 @@ void frmMain::wireActions() {
 void frmMain::wireFrames() {
   connect(frameMain_, &browser::frameMain::createTar, this, &frmMain::cmdTar_Click);
   connect(frameMain_, &browser::frameMain::extractTar, this, &frmMain::cmdExtract_Click);
+  connect(frameMain_, &browser::frameMain::setPerms, this, &frmMain::cmdSetPerms_Click);
   connect(frameMain_, &browser::frameMain::setOwner, this, &frmMain::cmdSetOwner_Click);
   connect(frameMain_, &browser::frameMain::setGroup, this, &frmMain::cmdSetGroup_Click);
   connect(frameMain_, &browser::frameMain::dos2Unix, this, &frmMain::cmdDos2Unix_Click);
@@ -160,6 +164,62 @@ void frmMain::cmdTar_Click() {
 bool frmMain::agreed(const std::string& question, const char* title) {
   return program_.user.message(question, runtime::Buttons::OkCancel, runtime::Icon::None, title,
                                runtime::Consequence::ReplacesSomething) == runtime::Answer::Ok;
+}
+
+perms::frmPermissions* frmMain::newPermissions() {
+  perms::PermissionItems items{program_.selection.selectedPaths, true, GetDir1Path(), selectionText()};
+  if (items.paths.empty()) {
+    items.selected = false;
+    for (const std::string& name : paneItems()) items.paths.push_back(items.folder + name);
+  }
+  auto* const form = new perms::frmPermissions(program_.services(), std::move(items), this);
+  connect(form, &perms::frmPermissions::runBegun, this, [this] { frameMain_->actions().update(); });
+  connect(form, &perms::frmPermissions::ran, this, [this](const perms::PermissionUndo& undo) {
+    undo_ = undo;
+    ui_->mnuUndoPermissions->setVisible(true);
+    actions_->update();
+  });
+  return form;
+}
+
+void frmMain::cmdSetPerms_Click() {
+  program_.cygwin.SetCygwinEnvironment();
+  for (const char* tool : {"find.exe", "chmod.exe"})
+    if (!perms::permissionToolFound(program_.services(), tool)) return;
+  if (program_.selection.selectedPaths.empty()) {
+    if (!perms::agreesToWholeFolder(program_.user, frameMain_->dir1Path())) return;
+    selectAllRows();
+  }
+  const QPointer<perms::frmPermissions> form = newPermissions();
+  form->initSetup();
+  if (!form.isNull() && form->isVisible()) form->exec();
+  delete form;
+  relistAfterRun();
+}
+
+void frmMain::showPermissionsAtStart() {
+  perms::frmPermissions* const form = newPermissions();
+  form->setAttribute(Qt::WA_DeleteOnClose);
+  form->setModal(false);
+  form->setWindowTitle(QStringLiteral("Pakrune - Set Permissions"));
+  connect(form, &QDialog::finished, this, &frmMain::relistAfterRun);
+  form->initSetup();
+}
+
+void frmMain::relistAfterRun() {
+  program_.system.busy.whenFree(platform::Busy::Width::Relist, [self = QPointer<frmMain>(this)] {
+    if (self.isNull() || self->ended_) return;
+    self->refreshKeepList();
+    self->frameMain_->focusDirPane();
+  });
+}
+
+void frmMain::mnuUndoPermissions_Click() {
+  const platform::Busy::Scope busy(program_.system.busy);
+  const perms::UndoResult result = perms::UndoJob(program_.services(), *undo_).run();
+  if (result.end == runtime::JobEnd::Done) undo_->entries.clear();
+  actions_->update();
+  relistAfterRun();
 }
 
 void frmMain::cmdSetOwner_Click() {

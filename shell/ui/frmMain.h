@@ -2,12 +2,14 @@
 
 #include <QMainWindow>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "archive/ui/frameUntar.h"
 #include "browser/Layout.h"
 #include "browser/ui/frameMain.h"
+#include "perms/ui/frmPermissions.h"
 #include "platform/desktop/Actions.h"
 #include "platform/desktop/FilePickers.h"
 #include "runtime/Downloads.h"
@@ -47,6 +49,7 @@ class frmMain : public QMainWindow, public runtime::FilePane, public runtime::Do
   browser::frameMain& browsing() { return *frameMain_; }
   void cmdTar_Click();
   void cmdExtract_Click();
+  void showPermissionsAtStart();  ///< the dialog for the selection, not modal
   /// Opens the network download for a file, modally.
   void showNetloader(const std::string& path);
   bool ended() const { return ended_; }  ///< it was closed, and the program is to end
@@ -65,6 +68,10 @@ class frmMain : public QMainWindow, public runtime::FilePane, public runtime::Do
   void wireFrames();
   void connectLog();
   bool agreed(const std::string& question, const char* title);
+  void cmdSetPerms_Click();
+  perms::frmPermissions* newPermissions();
+  void relistAfterRun();
+  void mnuUndoPermissions_Click();
   void cmdSetOwner_Click();
   void cmdSetGroup_Click();
   void cmdDos2Unix_Click();
@@ -89,6 +96,7 @@ class frmMain : public QMainWindow, public runtime::FilePane, public runtime::Do
   archive::frameUntar* frameUntar_;
   browser::Layout layout_;
   platform::desktop::ActionTable* actions_ = nullptr;  // a child
+  std::optional<perms::PermissionUndo> undo_;          // of the latest run
   bool mayDownload_ = false;
   bool logShown_ = false;
   bool ended_ = false;

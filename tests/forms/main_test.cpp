@@ -231,6 +231,77 @@ TEST_F(MainTest, OwnerGroupAndLineEndsRunFromTheirButtons) {
             "Warning..|This will change the owner for all files and subdirectories under:\rC:\\pkg");
 }
 
+TEST_F(MainTest, PermissionsAreSetFromTheirButtonAndTakenBackFromTheMenu) {
+  load({"pkg/sub"});
+  const auto mode = [this](const char* name) {
+    return static_cast<unsigned>(fs::status(host(name)).permissions()) & 07777U;
+  };
+  fs::permissions(host("pkg/sub/x"), fs::perms(0600));
+  EXPECT_FALSE(action("mnuUndoPermissions")->isVisible());
+  bool shut = false;
+  windowPerson_.meanwhile = [&] { shut |= busy_.held() && !find<QPushButton>("cmdSetPerms")->isEnabled(); };
+  onNextModal([this](QWidget& modal) {
+    EXPECT_EQ(modal.windowTitle(), QString("Set Permissions"));
+    EXPECT_EQ(modal.findChild<QLabel*>("lblItems")->text().toStdString(), window_.selectionText());
+    window_.browsing().openDirPane();  // the items are those of the click
+    modal.findChild<QPushButton*>("cmdSetP")->click();
+  });
+  find<QPushButton>("cmdSetPerms")->click();
+  EXPECT_TRUE(shut && find<QPushButton>("cmdSetPerms")->isEnabled());
+  EXPECT_NE(logText().find(" Permissions automatically set: 1 items in C:\\pkg\\"), std::string::npos);
+  EXPECT_EQ(mode("pkg/sub/x"), 0644U);
+  ASSERT_TRUE(action("mnuUndoPermissions")->isVisible());
+  EXPECT_EQ(action("mnuUndoPermissions")->text(), QString("Undo Set Permissions"));
+  action("mnuUndoPermissions")->trigger();
+  EXPECT_EQ(mode("pkg/sub/x"), 0600U);
+  EXPECT_NE(logText().find(" Undo Set Permissions: 1 restored, 0 left as they are"), std::string::npos);
+  EXPECT_FALSE(action("mnuUndoPermissions")->isEnabled());
+}
+
+TEST_F(MainTest, PermissionsOfAWholeFolderAreAskedFor) {
+  const std::string question =
+      "Warning..|This will change permissions for all files and subdirectories under:\rC:\\pkg";
+  load({"-d", "C:\\pkg"});
+  windowPerson_.agrees = false;
+  find<QPushButton>("cmdSetPerms")->click();
+  EXPECT_EQ(windowPerson_.told, std::vector{question});
+  EXPECT_EQ(window_.findChild<QDialog*>("frmPermissions"), nullptr);
+  windowPerson_.agrees = true;
+  onNextModal([this](QWidget& modal) {
+    EXPECT_EQ(selected().size(), 3U);
+    modal.findChild<QPushButton*>("cmdCancel")->click();
+  });
+  find<QPushButton>("cmdSetPerms")->click();
+  for (const char* missing : {"chmod.exe", "find.exe"}) {
+    fs::remove(root_ + "/prog/bin/" + missing);
+    find<QPushButton>("cmdSetPerms")->click();
+    EXPECT_EQ(windowPerson_.told.back(), std::string("Unable to Set Permissions|Error: Unable to locate '") +
+                                             missing + "'.\r\nTry reinstalling Pakrune or Cygwin");
+  }
+  EXPECT_EQ(window_.findChild<QDialog*>("frmPermissions"), nullptr);
+}
+
+TEST_F(MainTest, PermissionsAtTheStartStandBesideTheWindow) {
+  windowPerson_.agrees = false;
+  ASSERT_TRUE(load({"-perms", "pkg", "nothing"}));
+  EXPECT_TRUE(window_.isVisible());
+  EXPECT_EQ(window_.findChild<QDialog*>("frmPermissions"), nullptr);
+  windowPerson_.agrees = true;
+  for (const char* name : {"nothing", "a.txt"}) {
+    ASSERT_TRUE(load({"-perms", "pkg", name}));
+    auto* const form = find<QDialog>("frmPermissions");
+    EXPECT_TRUE(window_.isVisible() && form->isVisible() && !form->isModal());
+    EXPECT_EQ(form->windowTitle(), QString("Pakrune - Set Permissions"));
+    EXPECT_EQ(selected().size(), name == std::string("a.txt") ? 1U : 3U);
+    form->findChild<QPushButton*>("cmdSetP")->click();
+    EXPECT_FALSE(form->isVisible());
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_EQ(window_.findChild<QDialog*>("frmPermissions"), nullptr);
+    EXPECT_TRUE(window_.isVisible());
+  }
+  EXPECT_NE(logText().find(" Permissions automatically set: 3 items in C:\\pkg\\"), std::string::npos);
+}
+
 TEST_F(MainTest, AboutOpensFromTheLabelAndTheMenu) {
   load({});
   QTest::mouseClick(find("lblHalvoren"), Qt::LeftButton);

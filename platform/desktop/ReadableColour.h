@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QColor>
+
+namespace platform::desktop {
+
+/// How far two colours stand apart, 1 (the same) to 21 (black on white): relative luminance as the Web's
+/// accessibility guide computes it.
+double contrast(const QColor& one, const QColor& other);
+
+/// A stated colour for text. It stays as it is on a light background; on a dark one it is lightened as far as
+/// it takes to be read (4.5 to 1).
+QColor readableColour(const QColor& wanted, const QColor& background);
+
+}  // namespace platform::desktop
