@@ -1,22 +1,38 @@
 #include "perms/Executables.h"
 
 #include "platform/DirectorySearch.h"
+#include "platform/FileStarts.h"
 #include "platform/FolderContents.h"
 #include "runtime/IsExecutable.h"
 
 namespace perms {
 namespace {
 
-/// The noted attributes are asked for last: that costs as much as the rest.
-bool isListedExecutable(const platform::Files& files, const std::string& path, std::string_view name) {
-  return !name.starts_with('.') && runtime::IsExecutable(files, path) &&
-         !platform::isHiddenOrSystem(files.drives(), path);
-}
+/// Asks of the files of a tree, those of one folder in a row.
+class Test {
+ public:
+  explicit Test(const platform::Files& files) : drives_(files.drives()), starts_(files.drives()) {}
+
+  /// The noted attributes are asked for last: that costs as much as the rest.
+  bool isListedExecutable(std::string_view folder, std::string_view name, const std::string& path,
+                          bool isRegular) {
+    if (name.starts_with('.')) return false;
+    const bool executable =
+        runtime::IsExecutableName(path) ||
+        (isRegular && runtime::startsAsExecutable(starts_.read(folder, name, runtime::executableStart)));
+    return executable && !platform::isHiddenOrSystem(drives_, path);
+  }
+
+ private:
+  const platform::DriveTable& drives_;
+  platform::FileStarts starts_;
+};
 
 }  // namespace
 
 std::vector<std::string> findExecutables(const platform::Files& files, const std::string& folder,
                                          const std::function<bool()>& goesOn) {
+  Test test(files);
   std::vector<std::string> found;
   std::vector<std::string> pending = {folder};
   while (!pending.empty()) {
@@ -24,10 +40,10 @@ std::vector<std::string> findExecutables(const platform::Files& files, const std
     pending.pop_back();
     const auto contents = platform::contentsOf(files.drives(), inside);
     if (!contents) continue;
-    for (const std::string& name : contents->others) {
+    for (const auto& [name, isRegular] : contents->others) {
       if (!goesOn()) return found;
       std::string path = inside + name;
-      if (isListedExecutable(files, path, name)) found.push_back(std::move(path));
+      if (test.isListedExecutable(inside, name, path, isRegular)) found.push_back(std::move(path));
     }
     for (auto name = contents->folders.rbegin(); name != contents->folders.rend(); ++name)
       pending.push_back(inside + *name);
@@ -36,11 +52,14 @@ std::vector<std::string> findExecutables(const platform::Files& files, const std
 }
 
 void markExecutables(const platform::Files& files, ItemTree& tree, const std::function<bool()>& goesOn) {
+  Test test(files);
   for (TreeEntry& entry : tree) {
     if (!goesOn()) return;
     if (entry.isFolder) continue;
     const std::string_view path = entry.path;
-    entry.isExecutable = isListedExecutable(files, entry.path, path.substr(path.rfind('\\') + 1));
+    const std::size_t nameAt = path.rfind('\\') + 1;
+    entry.isExecutable =
+        test.isListedExecutable(path.substr(0, nameAt), path.substr(nameAt), entry.path, entry.isRegular);
   }
 }
 

@@ -78,6 +78,7 @@ struct TreeEntry {
   std::string path;   ///< Windows form
   unsigned mode = 0;  ///< all twelve bits
   bool isFolder = false;
+  bool isRegular = false;
   bool isItem = false;        ///< the item itself, not something below it
   bool closed = false;        ///< a folder that cannot be read or entered as it is
   bool isExecutable = false;  ///< for the terminal

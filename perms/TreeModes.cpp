@@ -62,6 +62,7 @@ void TreeModesReader::readRecord(std::string_view record) {
   if (entry.closed) record.remove_prefix(1);
   entry.isItem = cutNumber<unsigned>(record) == 0;
   entry.isFolder = record.starts_with('d');
+  entry.isRegular = record.starts_with('f');
   record.remove_prefix(std::min<std::size_t>(record.size(), 2));
   entry.mode = cutNumber<unsigned>(record, 8);
   entry.user = cutNumber<unsigned>(record);

@@ -30,7 +30,10 @@ std::optional<FolderContents> contentsOf(const DriveTable& drives, std::string_v
     const std::string_view name = entry->d_name;
     if (name == "." || name == "..") continue;
     const unsigned char kind = kindOf(dirfd(listing.get()), *entry);
-    if (kind != DT_LNK) (kind == DT_DIR ? found.folders : found.others).push_back(holdName(name));
+    if (kind == DT_DIR)
+      found.folders.push_back(holdName(name));
+    else if (kind != DT_LNK)
+      found.others.push_back({holdName(name), kind == DT_REG});
   }
   return found;
 }

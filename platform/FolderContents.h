@@ -9,10 +9,14 @@
 
 namespace platform {
 
-/// The names in a folder, held form, in the system's order. Links stand in neither list.
+/// The names in a folder, held form, in the system's order, without links.
 struct FolderContents {
+  struct File {
+    std::string name;
+    bool isRegular;
+  };
   std::vector<std::string> folders;
-  std::vector<std::string> others;
+  std::vector<File> others;
 };
 
 /// Reads names and kinds only; nullopt when the folder cannot be read.

@@ -9,7 +9,6 @@ namespace runtime {
 namespace {
 
 constexpr std::size_t shortestName = 4;
-constexpr std::size_t bytesRead = 10;
 
 }  // namespace
 
@@ -21,10 +20,12 @@ bool IsExecutableName(std::string_view name) {
          executableExtensions.end();
 }
 
+bool startsAsExecutable(std::string_view start) {
+  return start.starts_with("#!/bin/sh") || (start.size() > 3 && start.substr(1, 3) == "ELF");
+}
+
 bool IsExecutable(const platform::Files& files, std::string_view path) {
-  if (IsExecutableName(path)) return true;
-  const std::string start = files.readBytes(path, bytesRead).value_or("");
-  return start.starts_with("#!/bin/sh") || (start.size() > 3 && start.compare(1, 3, "ELF") == 0);
+  return IsExecutableName(path) || startsAsExecutable(files.readBytes(path, executableStart).value_or(""));
 }
 
 }  // namespace runtime

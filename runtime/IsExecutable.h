@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <string_view>
 
 #include "platform/Files.h"
@@ -15,7 +16,12 @@ constexpr std::array<std::string_view, 7> executableExtensions{".exe", ".ktl", "
 /// than four characters never is one.
 bool IsExecutableName(std::string_view name);
 
-/// By the name, else by the first bytes of the file: "#!/bin/sh", or ELF. What cannot be opened (a folder,
+constexpr std::size_t executableStart = 10;  ///< bytes that are looked at
+
+/// By the first bytes of a file: "#!/bin/sh", or ELF.
+bool startsAsExecutable(std::string_view start);
+
+/// By the name, else by the first bytes of the file. What cannot be opened (a folder,
 /// too) holds no such bytes.
 bool IsExecutable(const platform::Files& files, std::string_view path);
 
