@@ -63,6 +63,8 @@ head -c 100 pkg/pkg.tgz >pkg/cut.tgz
 run 1 --yes -extract pkg cut.tgz out/cut
 grep -q "end of file" "$world/err" || fail "nothing said of the missing end"
 run 1 -extract pkg none.tgz out/none
+run 1 -extract nowhere pkg.tgz out/none
+run 1 -extract pkg pkg.tgz
 [ ! -e out/none ] || fail "a folder was made for nothing"
 
 (cd pkg/usr8 && run 0 --yes -qpack .. a.txt "b c")
@@ -143,7 +145,7 @@ cd "$HOME"
 status=0
 "$pakrune" --yes -qpack pkg "b c" >&- 2>&- <&- || status=$?
 [ "$status" = 0 ] && tar -tf "pkg/b c.tgz" >/dev/null || fail "closed streams: status $status"
-DISPLAY=:77 run 0 --yes -qpack pkg "b c"
+DISPLAY=:60077 run 0 --yes -qpack pkg "b c"
 [ "$(cat "$world/out")" = "$HOME/pkg/b c.tgz" ] || fail "no display that opens: $(cat "$world/out")"
 
 # A name with a colon is that folder, not another one.
