@@ -63,6 +63,12 @@ head -c 100 pkg/pkg.tgz >pkg/cut.tgz
 run 1 --yes -extract pkg cut.tgz out/cut
 grep -q "end of file" "$world/err" || fail "nothing said of the missing end"
 run 1 -extract pkg none.tgz out/none
+# A member below a link out of the folder: what tar says of it stands there once.
+mkdir -p evil/link && echo x >evil/link/new && ln -s "$HOME/evil" evil/up
+tar -cf pkg/bad.tar --transform 's,^up,link,' -C evil up link/new
+run 1 -extract pkg bad.tar out/bad
+[ "$(grep -c "tar: link/new: Cannot open: Not a directory" "$world/err")" = 1 ] || fail "bad.tar: $(cat "$world/err")"
+[ ! -e evil/new ] || fail "bad.tar led out of its folder"
 run 1 -extract nowhere pkg.tgz out/none
 run 1 -extract pkg pkg.tgz
 [ ! -e out/none ] || fail "a folder was made for nothing"

@@ -1,8 +1,6 @@
 #include <array>
 
 #include "archive/ExtractJob.h"
-#include "shell/BatchExtract.h"
-#include "shell/BatchUser.h"
 #include "tests/OnDisk.h"
 
 namespace fs = std::filesystem;
@@ -17,10 +15,16 @@ using testworld::has;
 using Texts = std::vector<std::string>;
 
 struct Member {
+  /// `kind` as in a tar header: '0' file, '1' hard link, '2' symbolic link, '5' folder.
+  Member(const char* path, char kind = '0', std::string target = {})
+      : name(path), type(kind), link(std::move(target)) {}
   std::string name;
-  char type = '0';  // as in a tar header: '0' file, '1' hard link, '2' symbolic link, '5' folder
-  std::string link = {};
+  char type;
+  std::string link;
 };
+Member folder(const char* name) { return {name, '5'}; }
+Member symlink(const char* name, const std::string& target) { return {name, '2', target}; }
+Member hardLink(const char* name, const std::string& target) { return {name, '1', target}; }
 
 /// A tar by hand, with members that no tool would write. A file holds its own name.
 std::string tarOf(const std::vector<Member>& members) {
@@ -151,8 +155,7 @@ TEST_F(ExtractTest, AllAndSelectedMembersWithTheirModes) {
   script_.answers = {OverwriteAnswer::YesToAll};
   EXPECT_EQ(fromTree("a.tgz", true, {"usr"}).end, JobEnd::Done);
   EXPECT_EQ(bytes("out/usr/bin/-x") + bytes("out/-top"), "dashtext");
-  write("b.tar",
-        tarOf({{"-x"}, {"./-x2"}, {"--help"}, {"tar: x"}, {"gzip: y"}, {"n"}, {"n/", '5'}, {"n/in"}}));
+  write("b.tar", tarOf({"-x", "./-x2", "--help", "tar: x", "gzip: y", "n", folder("n/"), "n/in"}));
   for (const bool tree : {true, false}) {  // no member is taken for an option, a remark or another
     fs::remove_all(host("out"));
     EXPECT_EQ((tree ? fromTree("b.tar") : quick("b.tar")).end, JobEnd::Done) << log_.all;
@@ -183,7 +186,7 @@ TEST_F(ExtractTest, RefusalsHaveTheirTextsAndFocus) {
     EXPECT_TRUE(said.empty() || person_.told.back() == said) << person_.told.back();
   }
   EXPECT_TRUE(fs::is_directory(host("x/y")));
-  write("b.tar", tarOf({{"f"}}));
+  write("b.tar", tarOf({"f"}));
   EXPECT_FALSE(fromTree("b.tar", false, {"f"}).toolRan);
   EXPECT_TRUE(told("Unable To Extract|Error extracting package:\r\nC:\\b.tar\r\n\r\nNo files to extract"));
   fs::remove(root_ + "/prog/bin/tar.exe");
@@ -193,7 +196,7 @@ TEST_F(ExtractTest, RefusalsHaveTheirTextsAndFocus) {
 }
 
 TEST_F(ExtractTest, OverwriteAnswersOfTheTree) {
-  write("a.tar", tarOf({{"d/", '5'}, {"d/x"}, {"e"}, {"f"}}));
+  write("a.tar", tarOf({folder("d/"), "d/x", "e", "f"}));
   using enum OverwriteAnswer;
   using Case = std::tuple<std::vector<OverwriteAnswer>, std::string, std::string>;
   const std::string time = ", 2004-01-10 13:37";
@@ -216,7 +219,7 @@ TEST_F(ExtractTest, OverwriteAnswersOfTheTree) {
 }
 
 TEST_F(ExtractTest, QuickExtractionKeepsWhatWasAnsweredNo) {
-  write("a.tar", tarOf({{"./", '5'}, {"./d/", '5'}, {"./d/x"}, {"./d/y"}, {"./-z"}}));
+  write("a.tar", tarOf({folder("./"), folder("./d/"), "./d/x", "./d/y", "./-z"}));
   EXPECT_EQ(quick("a.tar").end, JobEnd::Done) << log_.all;
   EXPECT_EQ(contents(), "-z d/ d/x d/y ");
   for (const char* name : {"out/d/x", "out/d/y"}) write(name, "old");
@@ -232,19 +235,9 @@ TEST_F(ExtractTest, QuickExtractionKeepsWhatWasAnsweredNo) {
 
 TEST_F(ExtractTest, HostileMembersStayOutOfTheWorld) {
   const std::string out = host("outside");
-  write("h.tar", tarOf({{"good"},
-                        {"../up"},
-                        {"d/", '5'},
-                        {"d/../../up"},
-                        {"/pakrune-absolute"},
-                        {"link", '2', out},
-                        {"link/new"},
-                        {"link/kept"},
-                        {"hard", '1', "../outside/kept"},
-                        {"stands/new"},
-                        {"via", '2', "stands"},
-                        {"via/new"},
-                        {"to", '1', "stands/kept"}}));
+  write("h.tar", tarOf({"good", "../up", folder("d/"), "d/../../up", "/pakrune-absolute",
+                        symlink("link", out), "link/new", "link/kept", hardLink("hard", "../outside/kept"),
+                        "stands/new", symlink("via", "stands"), "via/new", hardLink("to", "stands/kept")}));
   const std::pair<std::string, Texts> reasons[] = {
       {"its name leads out of the output folder: ", {"../up", "d/../../up", "/pakrune-absolute"}},
       {"it lies below a link: ", {"link/new", "stands/new", "via/new"}},
@@ -269,14 +262,8 @@ TEST_F(ExtractTest, HostileMembersStayOutOfTheWorld) {
 }
 
 TEST_F(ExtractTest, NewFolderIsSafeToo) {
-  write("h.tar", tarOf({{"link", '2', host("outside")},
-                        {"link/new"},
-                        {"link/kept"},
-                        {"../usr8/", '5'},
-                        {"../usr8/set.ini"},
-                        {"../usr8/other"},
-                        {"hard", '1', host("outside/kept")},
-                        {"a"}}));
+  write("h.tar", tarOf({symlink("link", host("outside")), "link/new", "link/kept", folder("../usr8/"),
+                        "../usr8/set.ini", "../usr8/other", hardLink("hard", host("outside/kept")), "a"}));
   EXPECT_NE(quick("h.tar").end, JobEnd::Done);
   expectNothingOutside();
   EXPECT_TRUE(fs::is_symlink(host("out/link")) && fs::exists(host("out/a")));
@@ -289,7 +276,7 @@ TEST_F(ExtractTest, NewFolderIsSafeToo) {
 }
 
 TEST_F(ExtractTest, ALinkStaysAndIsFollowedOnlyInside) {
-  write("a.tar", tarOf({{"stands/", '5'}, {"stands/in"}, {"in/new"}, {"abs", '2', "/usr/lib"}, {"b"}}));
+  write("a.tar", tarOf({folder("stands/"), "stands/in", "in/new", symlink("abs", "/usr/lib"), "b"}));
   write("out/real/old");
   fs::create_directory_symlink("real", host("out/in"));
   fs::create_directory_symlink(host("outside"), host("out/stands"));
@@ -339,16 +326,12 @@ TEST_F(ExtractTest, BadArchivesHaveTheirMessages) {
   const std::string noTar =
       "tar: This does not look like a tar archive\ntar: Skipping to next header\n"
       "tar: Exiting with failure status due to previous errors\n";
+  using Case = std::pair<std::string, std::string>;
   for (const auto& [name, reason] :
-       std::vector<std::pair<std::string, std::string>>{{"cut.tgz", cut},
-                                                        {"cut.tar", cut},
-                                                        {"e.tgz", cut},
-                                                        {"e.tar", "No files to extract"},
-                                                        {"g.tgz", notGzip},
-                                                        {"m.tgz", notGzip},
-                                                        {"g.tar", noTar},
-                                                        {"g.tbz2", "tar: Child returned status 2\n" + fatal},
-                                                        {"g.ipk", "file format not recognized\n"}}) {
+       {Case{"cut.tgz", cut}, Case{"cut.tar", cut}, Case{"e.tgz", cut}, Case{"e.tar", "No files to extract"},
+        Case{"g.tgz", notGzip}, Case{"m.tgz", notGzip}, Case{"g.tar", noTar},
+        Case{"g.tbz2", "tar: Child returned status 2\n" + fatal},
+        Case{"g.ipk", "file format not recognized\n"}}) {
     const bool isTar = name != "e.tar" && name != "g.ipk";
     const std::string message =
         std::string("Error Opening Package|An error occurred when attempting to open ") +
@@ -368,7 +351,7 @@ TEST_F(ExtractTest, BadArchivesHaveTheirMessages) {
 }
 
 TEST_F(ExtractTest, AListingThatDidNotEndWellIsNoArchive) {
-  write("a.tar", tarOf({{"1"}, {"2"}, {"3"}, {"4"}, {"5"}, {"6"}}));
+  write("a.tar", tarOf({"1", "2", "3", "4", "5", "6"}));
   write("in/packageSize");
   writePackage("packageSize");
   fs::create_directory(host("out"));
@@ -378,25 +361,23 @@ TEST_F(ExtractTest, AListingThatDidNotEndWellIsNoArchive) {
   const std::string box = "Error Opening Package|An error occurred when attempting to open ";
   const std::string tar = box + "tar package:\r\nC:\\a.tar\r\n\r\n";
   const std::string cut = "case \"$*\" in *-Pt*) $real \"$@\" | head -n 2; ";
-  const struct {
-    std::string tool, script, message;
-    bool names;  // those alone can still be listed
-  } cases[] = {{"tar", "$real \"$@\" | head -n 2; kill -9 $$", tar + "tar was ended by signal 9", false},
-               {"tar", "$real \"$@\" | head -n 2; exit 3", tar + "tar ended with exit code 3", false},
-               {"tar", cut + "kill -9 $$;; esac; exec $real \"$@\"", tar + "tar was ended by signal 9", true},
-               {"ar", "case $1 in -p) kill -9 $$;; esac; exec $real \"$@\"",
-                box + "package:\r\nC:\\p.ipk\r\n\r\nar was ended by signal 9", true}};
-  for (const auto& c : cases) {
-    fakeTool(c.tool, c.script);
-    const std::string archive = c.tool == "ar" ? "p.ipk" : "a.tar";
+  using Case = std::array<std::string, 3>;
+  for (const auto& [name, script, message] :
+       {Case{"tar", "$real \"$@\" | head -n 2; kill -9 $$", tar + "tar was ended by signal 9"},
+        Case{"tar", "$real \"$@\" | head -n 2; exit 3", tar + "tar ended with exit code 3"},
+        Case{"tar", cut + "kill -9 $$;; esac; exec $real \"$@\"", tar + "tar was ended by signal 9"},
+        Case{"ar", "case $1 in -p) kill -9 $$;; esac; exec $real \"$@\"",
+             box + "package:\r\nC:\\p.ipk\r\n\r\nar was ended by signal 9"}}) {
+    fakeTool(name, script);
+    const std::string archive = name == "ar" ? "p.ipk" : "a.tar";
     person_.told.clear();
     EXPECT_EQ(fromTree(archive).end, JobEnd::Failed);
     EXPECT_EQ(tree_.nodeCount(), 0U);
-    EXPECT_EQ(person_.told.back(), c.message);
-    if (c.tool == "ar") continue;
+    EXPECT_EQ(person_.told.back(), message);
+    if (name == "ar") continue;
     EXPECT_EQ(quick(archive).end, JobEnd::Failed);
     EXPECT_EQ(person_.told.size(), 3U);
-    EXPECT_EQ(person_.told.back(), c.message);
+    EXPECT_EQ(person_.told.back(), message);
     EXPECT_EQ(contents() + bytes("out/1"), "1 link old");
   }
   EXPECT_TRUE(script_.asked.empty() && person_.consoles.empty());
@@ -418,7 +399,7 @@ TEST_F(ExtractTest, OnlyRegularFilesAreArchives) {
 
 TEST_F(ExtractTest, AFolderThatCannotBeWrittenIsKnownBefore) {
   if (!tests::ordinaryUserGetsAbout()) GTEST_SKIP() << tests::rootIsClosed;
-  write("a.tar", tarOf({{"f"}}));
+  write("a.tar", tarOf({"f"}));
   fs::create_directory(host("ro"));
   fs::permissions(host("ro"), fs::perms(0555));
   fs::permissions(root_, fs::perms(0755));
@@ -430,7 +411,7 @@ TEST_F(ExtractTest, AFolderThatCannotBeWrittenIsKnownBefore) {
 }
 
 TEST_F(ExtractTest, NoStepBeginsAfterAStop) {
-  write("a.tar", tarOf({{"f"}, {"g"}}));
+  write("a.tar", tarOf({"f", "g"}));
   write("in/f");
   writePackage("f");
   const std::string waits = "touch " + root_ + "/at-work; sleep 20";
@@ -535,43 +516,16 @@ TEST_F(ExtractTest, ArchivesOfOtherToolsListAsTarListsThem) {
 }
 
 TEST_F(ExtractTest, ManyNamesGoThroughAFileOrNeedNone) {
+  const Texts names = numbered(std::string(60, 'n') + "1", 3000);
   std::vector<Member> members;
-  for (int i = 10000; i < 13000; ++i) members.push_back({std::string(60, 'n') + std::to_string(i)});
+  for (const std::string& name : names) members.emplace_back(name.c_str());
   write("m.tar", tarOf(members));
-  EXPECT_EQ(fromTree("m.tar", false, {members[7].name}).end, JobEnd::Done) << log_.all;
+  EXPECT_EQ(fromTree("m.tar", false, {names[7]}).end, JobEnd::Done) << log_.all;
   EXPECT_EQ(std::distance(fs::directory_iterator(host("out")), fs::directory_iterator()), 2999);
   script_.answers = {OverwriteAnswer::YesToAll};
   EXPECT_EQ(quick("m.tar").end, JobEnd::Done) << log_.all;
-  EXPECT_TRUE(fs::exists(host("out/" + members[7].name)));
+  EXPECT_TRUE(fs::exists(host("out/" + names[7])));
   EXPECT_TRUE(fs::is_empty(root_ + "/tmp"));
-}
-
-TEST_F(ExtractTest, BatchFormAnswersByItsExitStatus) {
-  shell::BatchUser user(false);
-  shell::Program program(system_, program_, user);
-  write("in/a.tar", tarOf({{"f"}}));
-  write("in/bad.tar", tarOf({{"link", '2', host("outside")}, {"link/new"}}));
-  std::string errors;
-  const auto batch = [&](const std::string& archive, const std::string& out) {
-    testing::internal::CaptureStdout();
-    testing::internal::CaptureStderr();
-    const int status = shell::batchExtract(program, {"-extract", "C:\\in", archive, out}, false);
-    errors = testing::internal::GetCapturedStderr() + program.log.text();
-    return std::to_string(status) + testing::internal::GetCapturedStdout();
-  };
-  EXPECT_EQ(batch("a.tar", "C:\\out"), "0" + host("out") + "\n");
-  write("out/f", "old");
-  EXPECT_EQ(batch("a.tar", "C:\\out"), "1");
-  EXPECT_EQ(bytes("out/f"), "old");
-  EXPECT_EQ(batch("mistyped.tar", "C:\\out"), "1");
-  EXPECT_EQ(batch("bad.tar", "C:\\new"), "1");
-  const std::string said = "tar: link/new: Cannot open: Not a directory";
-  EXPECT_TRUE(has(errors, said));
-  EXPECT_EQ(errors.find(said), errors.rfind(said)) << errors;
-  fakeTool("tar", "echo f; kill -9 $$");
-  EXPECT_EQ(batch("a.tar", "C:\\other"), "1");
-  EXPECT_TRUE(has(errors, "tar was ended by signal 9"));
-  EXPECT_FALSE(fs::exists(host("other")));
 }
 
 }  // namespace
