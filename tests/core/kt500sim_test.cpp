@@ -91,25 +91,14 @@ TEST(Kt500sim, StoresExactlyTheAnnouncedBytesWithTheirMode) {
 }
 
 TEST(Kt500sim, HostileRequestsAreRefusedAndLeaveNothing) {
-  const std::string requests[] = {requestOf({"dld:a", "5", "640", "usr2", "users"}),
-                                  asks(""),
-                                  asks(".."),
-                                  asks("../x"),
-                                  asks(std::string(256, 'n')),
-                                  "DLD:" + std::string(100000, 'n'),
-                                  asks("a", "05"),
-                                  asks("a", "-5"),
-                                  asks("a", "99999999999999999999"),
-                                  asks("a", "5", "680"),
-                                  asks("a", "5", "4755"),
-                                  asks("a", "5", "640", "../../etc"),
-                                  asks("a", "5", "640", "usr2", ""),
-                                  asks("a", "5", "640", "root"),
-                                  asks("a", "5", "640", "usr1", "root"),
-                                  asks("a") + "early",
-                                  std::string(6, '\0')};
-  SimProcess sim("--count " + std::to_string(std::size(requests)));
-  for (const std::string& request : requests) EXPECT_EQ(answerTo(sim, request), "BADARGS") << request;
+  SimProcess sim("--count 17");
+  for (const std::string& request :
+       {requestOf({"dld:a", "5", "640", "usr2", "users"}), asks(""), asks(".."), asks("../x"),
+        asks(std::string(256, 'n')), "DLD:" + std::string(100000, 'n'), asks("a", "05"), asks("a", "-5"),
+        asks("a", "99999999999999999999"), asks("a", "5", "680"), asks("a", "5", "4755"),
+        asks("a", "5", "640", "../../etc"), asks("a", "5", "640", "usr2", ""), asks("a", "5", "640", "root"),
+        asks("a", "5", "640", "usr1", "root"), asks("a") + "early", std::string(6, '\0')})
+    EXPECT_EQ(answerTo(sim, request), "BADARGS") << request;
   EXPECT_TRUE(has(sim.rest(), "refused: not a file name"));
   EXPECT_TRUE(names(sim.root()).empty());
   EXPECT_EQ(names(sim.folder()).size(), 1U);
