@@ -39,8 +39,10 @@ class ProcessTest : public testworld::World {
   RunResult capture(const std::string& commandLine, const platform::WaitStep& step = {}) {
     return runner_.capture(request(commandLine), step);
   }
-  RunResult visible(const std::string& commandLine, const platform::OutputSink& sink) {
-    return runner_.runVisible(request(commandLine), sink, [] { return true; });
+  RunResult visible(
+      const std::string& commandLine, const platform::OutputSink& sink,
+      const platform::WaitStep& step = [] { return true; }) {
+    return runner_.runVisible(request(commandLine), sink, step);
   }
   static std::ptrdiff_t openDescriptors() {
     return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
@@ -196,10 +198,7 @@ TEST_F(ProcessTest, ACaptureWaitsForABackgroundChildAVisibleRunDoesNot) {
   std::string text;
   script("tools/t", "sleep 20 & head -c 300000 /dev/zero; echo early");
   const auto begin = Clock::now();
-  const RunResult result = visible("t", [&text](std::string_view bytes) {
-    text += bytes;
-    return true;
-  });
+  const RunResult result = visible("t", [&text](std::string_view bytes) { text += bytes; });
   EXPECT_LT(Clock::now() - begin, 10s);
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(text.size(), 300006U);
@@ -224,16 +223,14 @@ TEST_F(ProcessTest, ARunThatIsEndedTakesItsGroupAlongAndHasFailed) {
   script("tools/t", "trap 'echo last; exit 0' TERM; sleep 30 & sleep 0.3; echo go; wait");
   const auto begin = Clock::now();
   const auto steps = [](int most) { return [most, n = 0]() mutable { return ++n < most; }; };
-  EXPECT_TRUE(runner_
-                  .runVisible(
-                      request("t"), [](std::string_view) {}, steps(3))
-                  .stopped);
+  const auto ignore = [](std::string_view) {};
+  EXPECT_TRUE(visible("t", ignore, steps(3)).stopped);
   EXPECT_TRUE(capture("t", steps(20)).stopped);
   EXPECT_LT(Clock::now() - begin, 1900ms);
   script("tools/t", "trap '' TERM; echo $$; sleep 30");
   std::string pid;
-  const RunResult result = runner_.runVisible(
-      request("t"), [&pid](std::string_view bytes) { pid += bytes; }, [&pid] { return pid.empty(); });
+  const auto keep = [&pid](std::string_view bytes) { pid += bytes; };
+  const RunResult result = visible("t", keep, [&pid] { return pid.empty(); });
   EXPECT_TRUE(result.stopped);
   EXPECT_EQ(result.status, 128 + SIGKILL);
   EXPECT_LT(Clock::now() - begin, 10s);

@@ -4,6 +4,7 @@
 #include <QtWidgets>
 
 #include "platform/desktop/FilePickers.h"
+#include "runtime/FilePane.h"
 #include "tests/World.h"
 
 namespace tests {
@@ -68,6 +69,25 @@ class Pickers : public platform::desktop::FilePickers {
   platform::desktop::FileRequest asked;
   std::string answer;
   bool works = true;
+};
+
+/// A file pane with what a test says that it holds.
+class Pane : public runtime::FilePane {
+ public:
+  std::vector<std::string> selectedPaths() const override { return selected; }
+  std::string selectionText() const override { return "1 items <b>"; }
+  std::vector<std::string> paneItems() const override { return items; }
+  std::string GetDir1Path() const override { return folder; }
+  void selectAllRows() override {
+    for (const auto& name : items) selected.push_back(folder + name);
+  }
+  void refreshKeepList() override { ++refreshes; }
+  bool setOwnerShown() const override { return rootOffered; }
+
+  std::string folder = "C:\\";
+  std::vector<std::string> selected, items;
+  bool rootOffered = true;
+  int refreshes = 0;
 };
 
 }  // namespace tests

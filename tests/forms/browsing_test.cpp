@@ -276,6 +276,7 @@ TEST_F(Browser, FolderListOpensListsAgainAndAsks) {
 
 TEST_F(Browser, DrivesAndTypedPaths) {
   auto* drives = child<platform::desktop::DriveList>("Drive1");
+  auto* location = child<QLineEdit>("txtLocation");
   EXPECT_TRUE(drives->setDrive("Z:"));
   EXPECT_EQ(frame_->dir1Path(), "Z:\\");
   fs::rename(host(""), root_ + "/away");
@@ -290,11 +291,22 @@ TEST_F(Browser, DrivesAndTypedPaths) {
                                       {"nonsense", "C:\\" + platform::holdName("a:b")}}) {
     type(typed);
     EXPECT_EQ(frame_->dir1Path(), opened) << typed;
-    EXPECT_EQ(child<QLineEdit>("txtLocation")->text().toStdString(), typed == "nonsense" ? typed : opened);
+    EXPECT_EQ(location->text().toStdString(), typed == "nonsense" ? typed : opened);
     EXPECT_EQ(drives->drive(), "C:");
   }
   EXPECT_EQ(person_.told.back(),
             "Error..|Unavailable to access: 'C:\\" + platform::holdName("a:b") + "\\nonsense'");
+  for (const std::string name : {"one", "two"}) {
+    write("sub/" + name);  // the second one after its folder was listed
+    type("c:/sub/" + name);
+    EXPECT_EQ(selection_.selectedPaths, Names{"C:\\sub\\" + name});
+    EXPECT_EQ(location->text(), QString("C:\\sub"));
+  }
+  location->setFocus();
+  location->setText("nonsense");
+  QTest::keyClick(location, Qt::Key_Escape);
+  EXPECT_EQ(location->text(), QString("C:\\sub"));
+  EXPECT_EQ(person_.told.size(), 2U);
   QSignalSpy listed(frame_, &browser::frameMain::folderChanged);
   for (int times = 0; times < 2; ++times) frame_->openFolder("C:\\zeta");
   EXPECT_EQ(listed.count(), 2) << "the same folder is listed again";
@@ -407,21 +419,6 @@ TEST_F(Browser, AStoppedListingKeepsItsRows) {
   EXPECT_EQ(shown(1), Names(5));
   EXPECT_EQ(log_.all, " Stopped: listing C:\\\n");
   EXPECT_TRUE(tree()->isEnabled());
-}
-
-TEST_F(Browser, ATypedFileIsSelectedAndEscapeBringsTheFolderBack) {
-  auto* const location = child<QLineEdit>("txtLocation");
-  for (const char* name : {"sub/one", "sub/two"}) {
-    write(name);  // the second one after its folder was listed
-    type(std::string("c:/") + name);
-    EXPECT_EQ(selection_.selectedPaths, Names{"C:\\sub\\" + std::string(name).substr(4)});
-    EXPECT_EQ(location->text(), QString("C:\\sub"));
-  }
-  location->setFocus();
-  location->setText("nonsense");
-  QTest::keyClick(location, Qt::Key_Escape);
-  EXPECT_EQ(location->text(), QString("C:\\sub"));
-  EXPECT_TRUE(person_.told.empty());
 }
 
 TEST_F(Browser, WhileLoadingAFolderIsListedOnceAndInTwoSteps) {

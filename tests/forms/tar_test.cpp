@@ -6,25 +6,16 @@
 namespace {
 
 using archive::CheckTarSelection;
-using platform::desktop::FileRequest;
 using platform::desktop::ScrollList;
 using tests::press;
 using tests::the;
 
 /// The main window's side: what is selected, and what was asked of it.
-struct FakeMainWindow : runtime::FilePane, runtime::Downloads {
-  explicit FakeMainWindow(const platform::Busy& gate) : busy(gate) {}
-  std::vector<std::string> selectedPaths() const override { return selected; }
-  std::string selectionText() const override { return "1 items <b>"; }
-  std::vector<std::string> paneItems() const override { return items; }
-  std::string GetDir1Path() const override { return folder; }
-  void selectAllRows() override {
-    for (const auto& name : items) selected.push_back(folder + name);
-  }
+struct FakeMainWindow : tests::Pane, runtime::Downloads {
+  explicit FakeMainWindow(const platform::Busy& gate) : busy(gate) { folder = "C:\\pkg\\"; }
   void refreshKeepList() override {
     asked.emplace_back(busy.held() ? "refresh" : "refresh without the gate");
   }
-  bool setOwnerShown() const override { return rootOffered; }
   void netSetFile(const std::string& path) override {
     asked.push_back((busy.held() ? "gate held: network " : "network ") + path);
     for (const QWidget* window : QApplication::topLevelWidgets())
@@ -36,25 +27,19 @@ struct FakeMainWindow : runtime::FilePane, runtime::Downloads {
   }
 
   const platform::Busy& busy;
-  std::string folder = "C:\\pkg\\";
-  std::vector<std::string> selected, items, asked;
-  bool rootOffered = true;
+  std::vector<std::string> asked;
 };
 
 /// Answers with the given names, each with a filter, one after the other.
-struct FakePickers : platform::desktop::FilePickers {
-  std::string openFile(const FileRequest&) override { return {}; }
-  std::string saveFile(const FileRequest& request) override {
-    last = request;
+struct FakePickers : tests::Pickers {
+  std::string saveFile(const platform::desktop::FileRequest& request) override {
+    asked = request;
     const auto [name, filter] = answers.empty() ? std::pair<std::string, int>() : answers.front();
     if (!answers.empty()) answers.erase(answers.begin());
     *request.chosenFilter = filter;
     return name;
   }
-  std::string folder(const std::string&, const std::string&) override { return {}; }
-
   std::vector<std::pair<std::string, int>> answers;
-  FileRequest last;
 };
 
 class TarFormTest : public testworld::World {
@@ -173,7 +158,7 @@ TEST_F(TarFormTest, SaveDialogAddsExtensionsAndAsksAgain) {
     press(form, "cmdGetOut");
     EXPECT_EQ(person_.told, std::vector<std::string>{"Select Anyway?|'C:\\pkg\\old.tar' already exists"});
     EXPECT_EQ(outputOf(form), "C:\\pkg.d\\new.tbz2");
-    EXPECT_EQ(pickers_.last.startFolder, "C:\\pkg");
+    EXPECT_EQ(pickers_.asked.startFolder, "C:\\pkg");
     press(form, "cmdGetOut");  // cancelled
     EXPECT_EQ(outputOf(form), "C:\\pkg.d\\new.tbz2");
     pickers_.answers = {{"C:\\pkg\\named.bin", 1}};

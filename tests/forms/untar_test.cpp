@@ -15,27 +15,11 @@ using archive::frameUntar;
 using tests::onNextModal;
 using testworld::has;
 
-class Pane : public runtime::FilePane {
- public:
-  std::vector<std::string> selectedPaths() const override { return selected; }
-  std::string selectionText() const override { return ""; }
-  std::vector<std::string> paneItems() const override { return {}; }
-  std::string GetDir1Path() const override { return "C:\\"; }
-  void selectAllRows() override {}
-  void refreshKeepList() override { ++refreshes; }
-  bool setOwnerShown() const override { return true; }
-
-  std::vector<std::string> selected;
-  int refreshes = 0;
-};
-
 class UntarTest : public testworld::World {
  protected:
   UntarTest() {
     findTools();
-    write("in/usr/bin/app", "new");
-    write("in/usr/lib", "new");
-    write("in/top", "new");
+    for (const char* name : {"in/usr/bin/app", "in/usr/lib", "in/top"}) write(name, "new");
     output("cd " + host("in") + " && tar -czf ../pkg.tgz usr top");
     QObject::connect(&frame_, &frameUntar::shown, [this] { events_ += "shown "; });
     QObject::connect(&frame_, &frameUntar::closed, [this] { events_ += "closed "; });
@@ -86,7 +70,7 @@ class UntarTest : public testworld::World {
   }
 
   std::function<void()> meanwhile_;  // while events run
-  Pane window_;
+  tests::Pane window_;
   tests::Pickers pickers_;
   runtime::Services services_ = services();
   frameUntar frame_{services_, window_, pickers_};
