@@ -158,6 +158,7 @@ TEST_F(ExtractTest, AllAndSelectedMembersWithTheirModes) {
   write("b.tar", tarOf({"-x", "./-x2", "--help", "tar: x", "gzip: y", "n", folder("n/"), "n/in"}));
   for (const bool tree : {true, false}) {  // no member is taken for an option, a remark or another
     fs::remove_all(host("out"));
+    fs::create_directory(host("out"));
     EXPECT_EQ((tree ? fromTree("b.tar") : quick("b.tar")).end, JobEnd::Done) << log_.all;
     EXPECT_EQ(contents(), "--help -x -x2 gzip: y n/ n/in tar: x ");
   }
