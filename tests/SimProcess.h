@@ -13,6 +13,13 @@
 #include <string>
 #include <vector>
 
+/// A request as it goes over the wire: each field ended by a NUL.
+inline std::string requestOf(std::initializer_list<std::string> fields) {
+  std::string bytes;
+  for (const std::string& field : fields) bytes += field + '\0';
+  return bytes;
+}
+
 /// The terminal simulator on a free loopback port with a root of its own.
 class SimProcess {
  public:

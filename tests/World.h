@@ -34,14 +34,17 @@ class Person : public runtime::UserInterface {
     if (onEvents) onEvents();
   }
   void consoleOutput(std::string_view) override {}
-  void consoleOpened(const std::string& title) override { consoles.push_back(title); }
+  void consoleOpened(const std::string& title) override {
+    consoles.push_back(title);
+    if (onOpened) onOpened();
+  }
   void consoleClosed() override {
     if (onClosed) onClosed();
   }
 
   bool keepsConsole() const override { return readsConsole; }
 
-  std::function<void()> onMessage, onEvents, onClosed;
+  std::function<void()> onMessage, onEvents, onOpened, onClosed;
   bool readsConsole = false;
   bool agrees = true;
   int yields = 0;
@@ -56,6 +59,12 @@ class Lines : public runtime::Log {
   std::string since(std::size_t place) const override { return all.substr(place); }
   std::string all;
 };
+
+/// Whether it stands somewhere in the text, which a failure shows.
+inline testing::AssertionResult has(const std::string& text, const std::string& part) {
+  if (text.find(part) != text.npos) return testing::AssertionSuccess();
+  return testing::AssertionFailure() << "no \"" << part << "\" in: " << text;
+}
 
 /// A drive C: ("disk"), a program folder with links to real tools ("prog/bin"), and a temporary folder
 /// ("tmp"), all below a folder of its own.
@@ -77,6 +86,10 @@ class World : public testing::Test {
     cygwin_.FindCygwinRoot();
     cygwin_.CheckCygwinTools();
   }
+  /// A program that was built beside the tests.
+  static std::string built(const std::string& name) {
+    return fs::read_symlink("/proc/self/exe").parent_path().parent_path() / name;
+  }
   /// Puts a shell script in the place of a tool.
   void tool(const std::string& name, const std::string& script) const {
     const std::string file = root_ + "/prog/bin/" + name;
@@ -88,6 +101,12 @@ class World : public testing::Test {
   void write(const std::string& name, const std::string& text = "text") const {
     fs::create_directories(fs::path(host(name)).parent_path());
     std::ofstream(host(name), std::ios::binary) << text;
+  }
+  /// PREFIX0, PREFIX1 ..
+  static std::vector<std::string> numbered(const std::string& prefix, int count) {
+    std::vector<std::string> names;
+    for (int i = 0; i < count; ++i) names.push_back(prefix + std::to_string(i));
+    return names;
   }
   std::string bytes(const std::string& name) const {
     std::ifstream file(host(name), std::ios::binary);

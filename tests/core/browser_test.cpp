@@ -1,22 +1,19 @@
-#include <gtest/gtest.h>
-#include <sys/stat.h>
-
-#include <algorithm>
-
 #include "browser/FolderListing.h"
 #include "browser/ModePass.h"
 #include "browser/PaneSort.h"
 #include "browser/SelectedRows.h"
-#include "platform/HeldName.h"
 #include "runtime/ImageKeys.h"
 #include "runtime/LsLine.h"
-#include "tests/World.h"
+#include "tests/OnDisk.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 using browser::PaneRow;
 using browser::sortKey;
+using runtime::JobEnd;
+using Names = std::vector<std::string>;
+using Pair = std::pair<std::string, std::string>;
 
 PaneRow file(const std::string& name, std::int64_t size = 0, const std::string& mode = "") {
   PaneRow row;
@@ -59,26 +56,12 @@ TEST(PaneRow, SizesAreThousandsOfBytes) {
 
 TEST(NamePattern, PiecesBetweenStars) {
   for (const auto& [pattern, name] :
-       std::vector<std::pair<const char*, const char*>>{{"", "any"},
-                                                        {"*", "any"},
-                                                        {"*.*", "a.b"},
-                                                        {"read", "readme.txt"},
-                                                        {"*.C", "main.c"},
-                                                        {"mk", "mkfile"},
-                                                        {"ab*b", "ab"},
-                                                        {"a*b*c", "aXXbYc"},
-                                                        {"**", ""},
-                                                        {"a:*",
-                                                         "a\xEF\x80\xBA"
-                                                         "b"},
-                                                        {"*\xC3\x89*", "x\xC3\xA9"}})
+       {Pair{"", "any"}, Pair{"*", "any"}, Pair{"*.*", "a.b"}, Pair{"read", "readme.txt"},
+        Pair{"*.C", "main.c"}, Pair{"mk", "mkfile"}, Pair{"ab*b", "ab"}, Pair{"a*b*c", "aXXbYc"},
+        Pair{"**", ""}, Pair{"a:*", platform::holdName("a:b")}, Pair{"*\xC3\x89*", "x\xC3\xA9"}})
     EXPECT_TRUE(browser::NamePattern(pattern).matches(name)) << pattern << " " << name;
-  for (const auto& [pattern, name] : std::vector<std::pair<const char*, const char*>>{{"*.*", "nodot"},
-                                                                                      {"*.c", "main.cpp"},
-                                                                                      {"a*b*c", "ac"},
-                                                                                      {"b*", "ab"},
-                                                                                      {"a*x*c", "abc"},
-                                                                                      {".", "a.b"}})
+  for (const auto& [pattern, name] : {Pair{"*.*", "nodot"}, Pair{"*.c", "main.cpp"}, Pair{"a*b*c", "ac"},
+                                      Pair{"b*", "ab"}, Pair{"a*x*c", "abc"}, Pair{".", "a.b"}})
     EXPECT_FALSE(browser::NamePattern(pattern).matches(name)) << pattern << " " << name;
 }
 
@@ -100,9 +83,9 @@ TEST(PaneSort, KeysAreThoseOfEachColumn) {
   EXPECT_EQ(sortKey(sub, 4), "\r2006/01/02 AM 12:00:00");
 }
 
-std::vector<std::string> sorted(std::vector<PaneRow> rows, browser::PaneOrder order) {
+Names sorted(std::vector<PaneRow> rows, browser::PaneOrder order) {
   for (std::size_t i = 0; i < rows.size(); ++i) rows[i].place = rows.size() - i;  // sorted before
-  std::vector<std::string> names;
+  Names names;
   for (const std::size_t i : sortedOrder(rows, order)) names.push_back(rows[i].name);
   return names;
 }
@@ -110,7 +93,6 @@ std::vector<std::string> sorted(std::vector<PaneRow> rows, browser::PaneOrder or
 TEST(PaneSort, FoldersFirstTiesInListingOrder) {
   const std::vector<PaneRow> rows = {file("b"),        file("A"),        folder("z"),
                                      file("\xC3\x89"), file("\xC3\xA9"), folder("Y")};
-  using Names = std::vector<std::string>;
   EXPECT_EQ(sorted(rows, {1, true}), (Names{"Y", "z", "A", "b", "\xC3\xA9", "\xC3\x89"}));
   EXPECT_EQ(sorted(rows, {1, false}), (Names{"\xC3\xA9", "\xC3\x89", "b", "A", "z", "Y"}));
   EXPECT_EQ(sorted(rows, {3, true}), (Names{"Y", "z", "\xC3\xA9", "\xC3\x89", "A", "b"}));
@@ -128,11 +110,11 @@ TEST(ModesOf, ARowTakesTheLineThatEndsInItsName) {
       "lrwxrwxrwx 1 0    0   3 Nov 25 07:07 ends\\\\ -> a\n"
       "crw--w---- 1 0    5 4, 1 Nov 25 07:07 directory\n"
       "-r--r--r--+ 1 0 1000 12 Jan  1  2006 c\n";
-  const std::vector<std::pair<std::string, std::string>> rows = {
+  const std::vector<Pair> rows = {
       {"b c", "ls: cannot"},  {"a b\nc\\\xFF", "-rw-r--r--"}, {"gone", ""},
       {"-rf", "-rw-------"},  {"x ->", "lrwxrwxrwx"},         {"ends\\", "lrwxrwxrwx"},
       {"it's", "ls: cannot"}, {"directory", "crw--w----"},    {"c", "-r--r--r--"}};
-  std::vector<std::string> names;
+  Names names;
   for (const auto& row : rows) names.push_back(platform::holdName(row.first));
   const browser::BatchModes batch = browser::modesOf(output, names);
   ASSERT_EQ(batch.modes.size(), rows.size());
@@ -144,15 +126,15 @@ TEST(ModesOf, ARowTakesTheLineThatEndsInItsName) {
 class Listing : public testworld::World, public browser::ListingListener {
  protected:
   Listing() { findTools(); }
-  std::vector<std::string> names(const browser::ListingChoice& choice) {
+  Names names(const browser::ListingChoice& choice) {
     runtime::FileClass found(drives_);
     found.Refresh("C:\\\\*");
-    std::vector<std::string> all;
+    Names all;
     for (const PaneRow& row : browser::paneRows(found, choice)) all.push_back(row.name);
     std::sort(all.begin(), all.end());
     return all;
   }
-  runtime::JobEnd list() {
+  JobEnd list() {
     rows_.clear();
     listings_ = batches_ = 0;
     log_.all.clear();
@@ -177,14 +159,7 @@ class Listing : public testworld::World, public browser::ListingListener {
     return std::count_if(rows_.begin(), rows_.end(), [](const PaneRow& row) { return row.mode.empty(); });
   }
   void writeMany(int count) const {
-    for (int i = 0; i < count; ++i) write("f" + std::to_string(i));
-  }
-  /// Another `ls`, which knows the drive as $disk.
-  void replaceLs(const std::string& script) const {
-    const std::string tool = root_ + "/prog/bin/ls.exe";
-    fs::remove(tool);
-    std::ofstream(tool) << "#!/bin/bash\ndisk=" + host("") + "\n" + script + "\n";
-    fs::permissions(tool, fs::perms::owner_all);
+    for (const std::string& name : numbered("f", count)) write(name);
   }
 
   std::vector<PaneRow> rows_;
@@ -197,7 +172,6 @@ TEST_F(Listing, VisibilityAndFilters) {
   for (const char* name : {"a.JPG", "b.tif", "c.txt", "none", "main.c", ".hid.gif"}) write(name);
   fs::create_directory(host("sub.txt"));
   fs::create_directory(host(".dot"));
-  using Names = std::vector<std::string>;
   EXPECT_EQ(names({false, false, 0, 10, ""}),
             (Names{"a.JPG", "b.tif", "c.txt", "main.c", "none", "sub.txt"}));
   EXPECT_EQ(names({true, false, 2, 10, ""}), (Names{".dot", ".hid.gif", "a.JPG", "b.tif", "sub.txt"}));
@@ -206,23 +180,20 @@ TEST_F(Listing, VisibilityAndFilters) {
 }
 
 TEST_F(Listing, HostileNamesGetTheirOwnModes) {
-  std::vector<std::string> hostNames = {"my file", "-rf",     "--help",      "two\nlines",
-                                        "ta\tb",   "q\"uote", "back\\slash", "wide \xE4\xB8\xAD",
-                                        "bad\xFF", "*",       "$(x)",        "'q'"};
-  std::vector<std::string> held;
-  for (const std::string& name : hostNames) {
-    write(name);
-    held.push_back(platform::holdName(name));
+  const Names hostNames = {"my file", "-rf",     "--help",      "two\nlines",
+                           "ta\tb",   "q\"uote", "back\\slash", "wide \xE4\xB8\xAD",
+                           "bad\xFF", "*",       "$(x)",        "'q'"};
+  const auto mode = [](std::size_t i) { return i % 2 == 0 ? "-rw-r-----" : "-r--r--r--"; };
+  for (std::size_t i = 0; i < hostNames.size(); ++i) {
+    write(hostNames[i]);
+    chmod(host(hostNames[i]).c_str(), i % 2 == 0 ? 0640 : 0444);
   }
-  for (std::size_t i = 0; i < hostNames.size(); ++i)
-    fs::permissions(host(hostNames[i]), static_cast<fs::perms>(i % 2 == 0 ? 0640 : 0444));
   fs::create_symlink("nowhere", host("dangling"));
   ASSERT_EQ(mkfifo(host("fifo").c_str(), 0600), 0);
-  held.insert(held.end(), {"dangling", "fifo"});
-  EXPECT_EQ(list(), runtime::JobEnd::Done);
-  EXPECT_EQ(rows_.size(), held.size());
+  EXPECT_EQ(list(), JobEnd::Done);
+  EXPECT_EQ(rows_.size(), hostNames.size() + 2);
   for (std::size_t i = 0; i < hostNames.size(); ++i)
-    EXPECT_EQ(modeOf(held[i]), i % 2 == 0 ? "-rw-r-----" : "-r--r--r--") << hostNames[i];
+    EXPECT_EQ(modeOf(platform::holdName(hostNames[i])), mode(i)) << hostNames[i];
   EXPECT_EQ(modeOf("dangling"), "lrwxrwxrwx");
   EXPECT_EQ(modeOf("fifo"), "prw-------");
   EXPECT_EQ(listings_, 1);
@@ -231,14 +202,11 @@ TEST_F(Listing, HostileNamesGetTheirOwnModes) {
 TEST_F(Listing, RunsOfTwoHundred) {
   EXPECT_EQ(browser::modeCommand(std::vector<std::string>{"-b", "c"}),
             "ls.exe -lnd --sort=none --group-directories-first \"./-b\" \"c\" ");
-  list();
-  EXPECT_EQ(batches_, 0);
-  writeMany(200);
-  list();
-  EXPECT_EQ(batches_, 1);
-  write("last");
-  list();
-  EXPECT_EQ(batches_, 2);
+  for (const int count : {0, 200, 201}) {
+    writeMany(count);
+    list();
+    EXPECT_EQ(batches_, (count + 199) / 200);
+  }
   EXPECT_EQ(without(), 0);
   EXPECT_EQ(log_.all, "");
 }
@@ -246,13 +214,13 @@ TEST_F(Listing, RunsOfTwoHundred) {
 TEST_F(Listing, WhatVanishedIsListedOnceMoreAndShiftsNothing) {
   for (const char* name : {"a", "b", "c"}) write(name);
   fs::permissions(host("a"), fs::perms::owner_read);
-  replaceLs("rm -f \"$disk/b\"; exec -a ls /usr/bin/ls \"$@\"");
-  EXPECT_EQ(list(), runtime::JobEnd::Done);
+  tool("ls.exe", "rm -f '" + host("b") + "'; PATH=/usr/bin exec ls \"$@\"");
+  EXPECT_EQ(list(), JobEnd::Done);
   EXPECT_EQ(listings_, 2);
   EXPECT_EQ(rows_.size(), 2U);
   EXPECT_EQ(modeOf("a"), "-r--------");
   EXPECT_EQ(modeOf("c"), "-rw-r--r--");
-  replaceLs("/usr/bin/ls \"$@\" | head -n 1");
+  tool("ls.exe", "/usr/bin/ls \"$@\" | head -n 1");
   list();
   EXPECT_EQ(listings_, 2) << "the further listing asks for none";
   EXPECT_EQ(without(), 1);
@@ -260,44 +228,43 @@ TEST_F(Listing, WhatVanishedIsListedOnceMoreAndShiftsNothing) {
 
 TEST_F(Listing, AnLsThatFailsIsToldOnceAndLeavesItsRowsEmpty) {
   writeMany(201);
-  replaceLs("/usr/bin/ls \"$@\" | head -n 50; kill -9 $$");
-  EXPECT_EQ(list(), runtime::JobEnd::Remarks);
-  EXPECT_EQ(log_.all, " Unable to read permissions in C:\\: ls was ended by signal 9\n");
-  EXPECT_EQ(without(), 201);
-  EXPECT_EQ(listings_, 1);
-  replaceLs("echo broken; exit 1");
-  EXPECT_EQ(list(), runtime::JobEnd::Remarks);
-  EXPECT_EQ(log_.all, " Unable to read permissions in C:\\: ls ended with exit code 1\n");
+  const std::string unable = " Unable to read permissions in C:\\: ls ";
+  for (const auto& [script, reason] :
+       {Pair{"/usr/bin/ls \"$@\" | head -n 50; kill -9 $$", "was ended by signal 9\n"},
+        Pair{"echo broken; exit 1", "ended with exit code 1\n"}}) {
+    tool("ls.exe", script);
+    EXPECT_EQ(list(), JobEnd::Remarks);
+    EXPECT_EQ(log_.all, unable + reason);
+    EXPECT_EQ(without(), 201);
+    EXPECT_EQ(listings_, 1);
+  }
   fs::remove(root_ + "/prog/bin/ls.exe");
   environment_.set("PATH", "");
-  EXPECT_EQ(list(), runtime::JobEnd::Remarks);
-  EXPECT_EQ(log_.all,
-            " Unable to read permissions in C:\\: ls could not be started: No such file or directory\n");
+  EXPECT_EQ(list(), JobEnd::Remarks);
+  EXPECT_EQ(log_.all, unable + "could not be started: No such file or directory\n");
 }
 
 TEST_F(Listing, AStopLeavesTheRowsAndIsLoggedOnce) {
   writeMany(401);
   stopAtOnce_ = true;
-  EXPECT_EQ(list(), runtime::JobEnd::Stopped);
+  EXPECT_EQ(list(), JobEnd::Stopped);
   EXPECT_EQ(without(), 201);
   EXPECT_EQ(log_.all, " Stopped: listing C:\\\n");
-  const platform::Busy::Scope stopped(busy_);
-  busy_.requestStop();
-  EXPECT_EQ(list(), runtime::JobEnd::Stopped);
-  EXPECT_EQ(listings_, 0) << "no step of a job that was stopped before";
-  EXPECT_EQ(log_.all, "");
-}
-
-TEST_F(Listing, ADriveThatIsNotReadyChangesNothing) {
-  fs::rename(host(""), root_ + "/away");
-  EXPECT_EQ(list(), runtime::JobEnd::Refused);
+  {
+    const platform::Busy::Scope stopped(busy_);
+    busy_.requestStop();
+    EXPECT_EQ(list(), JobEnd::Stopped);
+    EXPECT_EQ(listings_, 0) << "no step of a job that was stopped before";
+    EXPECT_EQ(log_.all, "");
+  }
+  fs::rename(host(""), root_ + "/away");  // a drive that is not ready
+  EXPECT_EQ(list(), JobEnd::Refused);
   EXPECT_EQ(listings_, 0);
 }
 
 TEST_F(Listing, SelectionsAndBothWaysOfCounting) {
   runtime::Selection selection;
-  std::vector<std::string> many;
-  for (int i = 0; i < 2600; ++i) many.push_back("f" + std::to_string(i));
+  const Names many = numbered("f", 2600);
   fs::create_directory(host("f7"));
   fs::create_directory(host("target"));
   fs::create_directory_symlink("target", host("f8"));

@@ -23,25 +23,23 @@ CommandLine parsed(const Texts& arguments) { return shell::parseCommandLine(read
 }  // namespace
 
 TEST(CommandLine, SwitchesAreLeadingCharactersInTheirOrder) {
-  const std::vector<std::pair<const char*, Form>> forms = {
-      {"", Form::Normal},          {"-d", Form::Folder},          {"-dopen", Form::Folder},
-      {"-open", Form::Open},       {"-extracted", Form::Extract}, {"-pack", Form::Pack},
-      {"-qpack", Form::QuickPack}, {"-perms", Form::Permissions}, {"-D", Form::Paths},
-      {"-PACK", Form::Paths},      {" -pack", Form::Paths},       {"-q", Form::Paths}};
-  for (const auto& [text, form] : forms) EXPECT_EQ(shell::parseCommandLine(text).form, form) << text;
+  using Case = std::pair<const char*, Form>;
+  for (const auto& [text, form] :
+       {Case{"", Form::Normal}, Case{"-d", Form::Folder}, Case{"-dopen", Form::Folder},
+        Case{"-open", Form::Open}, Case{"-extracted", Form::Extract}, Case{"-pack", Form::Pack},
+        Case{"-qpack", Form::QuickPack}, Case{"-perms", Form::Permissions}, Case{"-D", Form::Paths},
+        Case{"-PACK", Form::Paths}, Case{" -pack", Form::Paths}, Case{"-q", Form::Paths}})
+    EXPECT_EQ(shell::parseCommandLine(text).form, form) << text;
 }
 
 TEST(CommandLine, TheFolderIsQuotedOrTheSecondWord) {
   using Folder = std::optional<std::string>;
-  const std::vector<std::pair<const char*, Folder>> texts = {{"-d", std::nullopt},
-                                                             {"-dfoo", std::nullopt},
-                                                             {"-d C:\\a b", "C:\\a"},
-                                                             {"-d  C:\\a", ""},
-                                                             {"-d \"C:\\a b\" c", "C:\\a b"},
-                                                             {"-d\"C:\\a\"", "C:\\a"},
-                                                             {"-d \"C:\\open", "C:\\open"},
-                                                             {"-d \"\"", ""}};
-  for (const auto& [text, folder] : texts) EXPECT_EQ(shell::parseCommandLine(text).folder, folder) << text;
+  using Pair = std::pair<std::string, Folder>;
+  for (const auto& [text, folder] :
+       {Pair{"-d", std::nullopt}, Pair{"-dfoo", std::nullopt}, Pair{"-d C:\\a b", "C:\\a"},
+        Pair{"-d  C:\\a", ""}, Pair{"-d \"C:\\a b\" c", "C:\\a b"}, Pair{"-d\"C:\\a\"", "C:\\a"},
+        Pair{"-d \"C:\\open", "C:\\open"}, Pair{"-d \"\"", ""}})
+    EXPECT_EQ(shell::parseCommandLine(text).folder, folder) << text;
 }
 
 TEST(CommandLine, RecordsAreCutAtCrLfOnly) {

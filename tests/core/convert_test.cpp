@@ -1,8 +1,6 @@
-#include <sys/stat.h>
-
 #include "convert/ConvertJob.h"
 #include "runtime/PathBatches.h"
-#include "tests/World.h"
+#include "tests/OnDisk.h"
 
 namespace {
 
@@ -14,16 +12,10 @@ class ConvertTest : public testworld::World {
  protected:
   ConvertTest() { findTools(); }
 
-  void realTool() const {
-    const fs::path built =
-        fs::read_symlink("/proc/self/exe").parent_path().parent_path() / "bin/dos2unix.exe";
-    fs::create_symlink(built, root_ + "/prog/bin/dos2unix.exe");
-  }
+  void realTool() const { fs::create_symlink(built("bin/dos2unix.exe"), root_ + "/prog/bin/dos2unix.exe"); }
   /// Keeps what it is given, a run a line.
   void fakeTool(const std::string& does) const {
-    const std::string path = root_ + "/prog/bin/dos2unix.exe";
-    std::ofstream(path) << "#!/bin/sh\necho \"$#\" >>'" << host("runs") << "'\n" << does << '\n';
-    chmod(path.c_str(), 0755);
+    tool("dos2unix.exe", "echo \"$#\" >>'" + host("runs") + "'\n" + does);
   }
   JobEnd convert(const Texts& names) {
     person_.told.clear();
@@ -31,11 +23,6 @@ class ConvertTest : public testworld::World {
     Texts paths;
     for (const std::string& name : names) paths.push_back("C:\\" + name);
     return convert::ConvertJob(services(), {paths, "C:\\"}, [this] { ++begun_; }).run().end;
-  }
-  static Texts many(int count) {
-    Texts names;
-    for (int i = 0; i < count; ++i) names.push_back("f" + std::to_string(i));
-    return names;
   }
 
   int begun_ = 0;
@@ -78,19 +65,18 @@ TEST_F(ConvertTest, WhatIsRefusedTouchesNothing) {
 
 TEST_F(ConvertTest, LongSelectionsGoInRunsAndTheFirstBadOneEndsThem) {
   fakeTool("echo 'skipping binary file x'; echo 'skipping binary file y'; echo done.");
-  EXPECT_EQ(convert(many(1200)), JobEnd::Done);
+  EXPECT_EQ(convert(numbered("f", 1200)), JobEnd::Done);
   EXPECT_EQ(bytes("runs"), "503\n502\n201\n");  // with two options each
   EXPECT_EQ(person_.told.back(),
             "dos2unix Finished Successfully|Converted 1197 file(s) to unix line endings.\r"
             "Skipped 3 binary file(s).");  // a first line does not count
-  const std::vector<std::pair<const char*, const char*>> failures = {
-      {"[ $# -gt 502 ] && echo done. || echo 'cannot'", "Error..|cannot\n"},
-      {"[ $# -gt 502 ] && echo done. || kill -9 $$", "Error..|dos2unix was ended by signal 9"},
-      {"echo done.; [ $# -gt 502 ] || exit 3", "Error..|dos2unix ended with exit code 3"}};
-  for (const auto& [tool, told] : failures) {
+  for (const auto& [script, told] :
+       {std::pair("[ $# -gt 502 ] && echo done. || echo 'cannot'", "Error..|cannot\n"),
+        {"[ $# -gt 502 ] && echo done. || kill -9 $$", "Error..|dos2unix was ended by signal 9"},
+        {"echo done.; [ $# -gt 502 ] || exit 3", "Error..|dos2unix ended with exit code 3"}}) {
     fs::remove(host("runs"));
-    fakeTool(tool);
-    EXPECT_EQ(convert(many(1200)), JobEnd::Failed);
+    fakeTool(script);
+    EXPECT_EQ(convert(numbered("f", 1200)), JobEnd::Failed);
     EXPECT_EQ(person_.told.back(), told);
     EXPECT_EQ(bytes("runs"), "503\n502\n");
     EXPECT_EQ(log_.all, " FAILED to convert to unix: 1200 files in C:\\\n");
@@ -101,12 +87,11 @@ TEST_F(ConvertTest, AToolThatCannotStartAndAStopAreFailures) {
   fs::create_symlink("/nowhere", root_ + "/prog/bin/dos2unix.exe");
   EXPECT_EQ(convert({"a"}), JobEnd::Failed);
   EXPECT_EQ(person_.told.back(), "Error..|Unable to convert files to unix format");
-  fs::remove(root_ + "/prog/bin/dos2unix.exe");
   fakeTool("sleep 30");
   const platform::Busy::Scope busy(busy_);
   person_.yields = 0;
   person_.onEvents = [this] { person_.yields > 3 ? busy_.requestStop() : void(); };
-  EXPECT_EQ(convert(many(3)), JobEnd::Stopped);
+  EXPECT_EQ(convert(numbered("f", 3)), JobEnd::Stopped);
   EXPECT_EQ(log_.all,
             " Stopped: converting, after 0 of 1 runs\n FAILED to convert to unix: 3 files in C:\\\n");
 }

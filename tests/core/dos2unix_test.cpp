@@ -1,11 +1,7 @@
 #include <gtest/gtest.h>
-#include <sys/stat.h>
 #include <sys/xattr.h>
 
-#include <csignal>
-
-#include "tests/OrdinaryUser.h"
-#include "tests/World.h"
+#include "tests/OnDisk.h"
 
 namespace {
 
@@ -19,18 +15,11 @@ class Dos2UnixTest : public testworld::World {
 
   /// Its output; the status is kept.
   std::string run(const std::string& files) {
-    const std::string tool =
-        fs::read_symlink("/proc/self/exe").parent_path().parent_path() / "bin/dos2unix.exe";
-    std::string text = output("'" + tool + "' --safe -U  " + files + " 2>&1; echo $?");
+    std::string text = output("'" + built("bin/dos2unix.exe") + "' --safe -U  " + files + " 2>&1; echo $?");
     text.pop_back();
     status_ = text.back() - '0';
     text.pop_back();
     return text;
-  }
-  static struct stat statusOf(const std::string& path) {
-    struct stat status {};
-    EXPECT_EQ(stat(path.c_str(), &status), 0) << path;
-    return status;
   }
   bool clean() const { return output("ls -A " + host("") + " | grep -c dos2unix- || true") == "0\n"; }
 
@@ -75,25 +64,21 @@ TEST_F(Dos2UnixTest, BinaryFilesAreLeftAloneAndSaidSo) {
 TEST_F(Dos2UnixTest, AFileKeepsAllButItsBytes) {
   write("f", "a\r\n");
   write("same", "a\n");
-  const bool root = geteuid() == 0;
-  if (root) {
-    ASSERT_EQ(chown(host("f").c_str(), 500, 1), 0);
-  }
+  ASSERT_TRUE(tests::giveTo(host("f"), 500, 1));
   chmod(host("f").c_str(), 04751);
   const bool attributes = setxattr(host("f").c_str(), "user.note", "kept", 4, 0) == 0;
   fs::create_symlink("f", host("link"));
   fs::last_write_time(host("same"), fs::file_time_type::clock::now() - std::chrono::hours(1));
-  const struct stat before = statusOf(host("same"));
+  const struct stat before = tests::statusOf(host("same"));
   run("link same");
   EXPECT_EQ(bytes("f"), "a\n");
   EXPECT_TRUE(fs::is_symlink(host("link")));
-  const struct stat now = statusOf(host("f"));
-  EXPECT_EQ(now.st_mode & 07777, 04751U);
-  EXPECT_TRUE(!root || (now.st_uid == 500 && now.st_gid == 1));
+  EXPECT_EQ(tests::modeOf(host("f")), 04751U);
+  EXPECT_TRUE(tests::belongsTo(host("f"), 500, 1));
   char value[5] = "";
   EXPECT_TRUE(!attributes || getxattr(host("f").c_str(), "user.note", value, 4) == 4);
-  EXPECT_EQ(statusOf(host("same")).st_mtim.tv_nsec, before.st_mtim.tv_nsec);
-  EXPECT_EQ(statusOf(host("same")).st_ino, before.st_ino);
+  const struct stat after = tests::statusOf(host("same"));
+  EXPECT_TRUE(after.st_mtim.tv_nsec == before.st_mtim.tv_nsec && after.st_ino == before.st_ino);
 }
 
 TEST_F(Dos2UnixTest, OtherNamesStayNamesOfTheFile) {
@@ -102,8 +87,8 @@ TEST_F(Dos2UnixTest, OtherNamesStayNamesOfTheFile) {
   fs::create_hard_link(host("one"), host("two"));
   EXPECT_TRUE(run("one two").ends_with("done.\n"));
   EXPECT_EQ(bytes("two"), "a\n\n");
-  EXPECT_EQ(statusOf(host("one")).st_ino, statusOf(host("two")).st_ino);
-  EXPECT_EQ(statusOf(host("one")).st_mode & 07777, 04755U);
+  EXPECT_EQ(tests::statusOf(host("one")).st_ino, tests::statusOf(host("two")).st_ino);
+  EXPECT_EQ(tests::modeOf(host("one")), 04755U);
   EXPECT_TRUE(clean());
 }
 
@@ -125,10 +110,8 @@ TEST_F(Dos2UnixTest, WhatCannotBeConvertedIsNamedAndNeverCalledDone) {
 TEST_F(Dos2UnixTest, AFullDiskOrAClosedFolderLosesNothing) {
   const std::string text(100'000, 'x');
   write("f", text + "\r\n");
-  const std::string limited = "sh -c 'ulimit -f 1; trap \"\" XFSZ; exec ";
-  const std::string tool =
-      fs::read_symlink("/proc/self/exe").parent_path().parent_path() / "bin/dos2unix.exe";
-  const std::string said = output(limited + tool + " f'");
+  const std::string said =
+      output("sh -c 'ulimit -f 1; trap \"\" XFSZ; exec " + built("bin/dos2unix.exe") + " f'");
   EXPECT_TRUE(said.starts_with("failed: dos2unix: f: File too large")) << said;
   EXPECT_EQ(bytes("f"), text + "\r\n");
   EXPECT_TRUE(clean());

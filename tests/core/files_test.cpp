@@ -1,35 +1,26 @@
 #include "platform/Files.h"
 
-#include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sched.h>
 #include <sys/mount.h>
-#include <sys/resource.h>
-#include <sys/stat.h>
 #include <sys/xattr.h>
-#include <unistd.h>
 
-#include <algorithm>
-#include <csignal>
-#include <filesystem>
-#include <fstream>
 #include <memory>
 
 #include "platform/CopyAttributes.h"
 #include "platform/DirectorySearch.h"
 #include "runtime/FileClass.h"
-#include "tests/OrdinaryUser.h"
+#include "tests/OnDisk.h"
 
 namespace fs = std::filesystem;
 using platform::DriveTable;
 using platform::Files;
 using runtime::FileClass;
-using runtime::InfoClass;
+using tests::giveTo;
+using tests::modeOf;
 
 namespace {
 
-/// A drive C: of its own.
-class FilesTest : public testing::Test {
+class FilesTest : public testworld::World {
  protected:
   FilesTest() {
     std::ofstream(host("a.txt")) << "text";
@@ -38,52 +29,35 @@ class FilesTest : public testing::Test {
     fs::create_symlink("nothing", host("dangling"));
     mkfifo(host("fifo").c_str(), 0600);
   }
-  ~FilesTest() override { fs::remove_all(root_); }
-
-  std::string host(const std::string& name) const { return root_ + "/" + name; }
-  std::size_t count() const {
-    return static_cast<std::size_t>(std::distance(fs::directory_iterator(root_), fs::directory_iterator()));
+  std::ptrdiff_t count() const {
+    return std::distance(fs::directory_iterator(host("")), fs::directory_iterator());
   }
-
-  std::string root_ = [] {
-    std::string name = fs::temp_directory_path() / "files-test-XXXXXX";
-    return std::string(mkdtemp(name.data()));
-  }();
-  DriveTable drives_{{{'C', root_}}};
-  Files files_{drives_};
+  std::optional<std::string> read(const std::string& name) const {
+    return files_.readBytes("C:\\" + name, 9);
+  }
 };
-
-mode_t modeOf(const std::string& path) {
-  struct stat status {};
-  return lstat(path.c_str(), &status) == 0 ? status.st_mode & 07777 : 0;
-}
 
 }  // namespace
 
-TEST_F(FilesTest, KindsFollowLinks) {
-  EXPECT_TRUE(files_.fileExists("C:\\a.txt"));
-  EXPECT_TRUE(files_.fileExists("C:\\fifo"));
-  EXPECT_FALSE(files_.fileExists("C:\\toSub"));
+TEST_F(FilesTest, KindsFollowLinksAndNamesAreExact) {
+  EXPECT_TRUE(files_.fileExists("C:\\a.txt") && files_.fileExists("C:\\fifo"));
+  EXPECT_FALSE(files_.fileExists("C:\\toSub") || files_.fileExists("C:\\dangling"));
   EXPECT_TRUE(files_.folderExists("C:\\toSub"));
-  EXPECT_FALSE(files_.fileExists("C:\\dangling"));
   EXPECT_TRUE(files_.entryExists("C:\\dangling"));
   EXPECT_FALSE(files_.entryExists("\\\\server\\share"));
   EXPECT_EQ(files_.fileSize("C:\\a.txt"), 4U);
   EXPECT_EQ(files_.fileSize("C:\\sub"), std::nullopt);
-}
-
-TEST_F(FilesTest, NamesAreExact) {
   EXPECT_EQ(files_.fullName("C:\\a.txt"), "a.txt");
   for (const char* path : {"C:\\A.txt", "C:\\", "C:\\sub\\..", "C:\\a.txt\\x"})
     EXPECT_EQ(files_.fullName(path), "") << path;
-  EXPECT_EQ(files_.fullName("Z:" + root_), root_.substr(root_.find_last_of('/') + 1));  // the folder of C:
+  EXPECT_EQ(files_.fullName("Z:" + root_ + "/disk"), "disk");  // the folder of C:
   EXPECT_EQ(platform::longName(files_, "C:\\gone"), "");
   EXPECT_EQ(platform::extensionOf("C:\\a.b\\name"), "");
   EXPECT_EQ(platform::extensionOf("x.tar.GZ"), "GZ");
 }
 
 TEST_F(FilesTest, EntriesAreHeldAndSorted) {
-  std::ofstream(host("a\\\xFF")) << "";
+  write("a\\\xFF", "");
   const auto found = files_.entries("C:\\");
   ASSERT_TRUE(found);
   ASSERT_EQ(found->size(), 6U);
@@ -99,13 +73,13 @@ TEST_F(FilesTest, CopyKeepsBytesAndModeAndReplacesALinkNotItsTarget) {
   fs::create_symlink("victim", host("link"));
   ASSERT_TRUE(files_.writeText("C:\\victim", "keep"));
   ASSERT_TRUE(files_.copyFile("C:\\a.txt", "C:\\link"));
-  EXPECT_EQ(files_.readBytes("C:\\link", 100), "text");
+  EXPECT_EQ(read("link"), "text");
   EXPECT_EQ(files_.readBytes("C:\\victim", 3), "kee");
   EXPECT_EQ(modeOf(host("link")), 04751U);
   EXPECT_FALSE(files_.copyFile("C:\\fifo", "C:\\new"));
-  EXPECT_FALSE(files_.copyFile("C:\\a.txt", "C:\\sub"));
-  EXPECT_FALSE(files_.copyFile("C:\\a.txt", "C:\\fifo"));
-  EXPECT_EQ(files_.readBytes("C:\\fifo", 1), std::nullopt);
+  for (const char* taken : {"C:\\sub", "C:\\fifo"})
+    EXPECT_FALSE(files_.copyFile("C:\\a.txt", taken)) << taken;
+  EXPECT_EQ(read("fifo"), std::nullopt);
 }
 
 TEST_F(FilesTest, AFullFileSystemIsKnownBeforehand) {
@@ -128,22 +102,16 @@ TEST_F(FilesTest, AFullFileSystemIsKnownBeforehand) {
 
 /// Every file system, whatever it can, ends alike: moved, or what stood there is spared.
 TEST_F(FilesTest, AMoveSparesWhatNobodyAgreedToReplace) {
-  const auto unable = [](const char*, const char*) {
-    errno = EINVAL;
-    return -1;
-  };
-  const auto noLinks = [](const char*, const char*) {
-    errno = EPERM;
-    return -1;
-  };
+  const auto unable = [](const char*, const char*) { return errno = EINVAL, -1; };
+  const auto noLinks = [](const char*, const char*) { return errno = EPERM, -1; };
   const platform::MoveCalls& system = platform::systemMoveCalls;
   for (const platform::MoveCalls& calls : {system, {unable, system.linkTo}, {unable, noLinks}}) {
     ASSERT_TRUE(files_.writeText("C:\\new", "new"));
     for (const char* taken : {"a.txt", "dangling", "sub"})
       EXPECT_EQ(moveUnlessTaken(host("new"), host(taken), calls), EEXIST) << taken;
-    EXPECT_EQ(files_.readBytes("C:\\a.txt", 9), "text");
+    EXPECT_EQ(read("a.txt"), "text");
     EXPECT_EQ(moveUnlessTaken(host("new"), host("moved"), calls), 0);
-    EXPECT_EQ(files_.readBytes("C:\\moved", 9), "new");
+    EXPECT_EQ(read("moved"), "new");
     EXPECT_FALSE(files_.entryExists("C:\\new"));
     EXPECT_EQ(files_.moveFile("C:\\moved", "C:\\a.txt", platform::Existing::Spared), EEXIST);
     EXPECT_EQ(files_.moveFile("C:\\moved", "C:\\gone\\x", platform::Existing::Spared), ENOENT);
@@ -153,19 +121,14 @@ TEST_F(FilesTest, AMoveSparesWhatNobodyAgreedToReplace) {
 
 TEST_F(FilesTest, AMoveToAnotherFileSystemKeepsModeAndOwnerAndSpares) {
   const std::string far = "/dev/shm/files-test-" + std::to_string(getpid());
-  const DriveTable drives({{'C', root_}, {'M', far}});
+  const DriveTable drives({{'C', host("")}, {'M', far}});
   const Files files(drives);
   std::error_code failed;
   fs::create_directory(far, failed);
   const auto cleanUp = std::shared_ptr<void>(nullptr, [&far](void*) { fs::remove_all(far); });
-  if (geteuid() == 0) {
-    ASSERT_EQ(chown(host("a.txt").c_str(), 65534, 65533), 0);
-  }
+  ASSERT_TRUE(giveTo(host("a.txt"), 65534, 65533));
   chmod(host("a.txt").c_str(), 04640);
-  struct stat near {
-  }, other{};
-  if (failed || stat(root_.c_str(), &near) != 0 || stat(far.c_str(), &other) != 0 ||
-      near.st_dev == other.st_dev)
+  if (failed || tests::statusOf(root_).st_dev == tests::statusOf(far).st_dev)
     GTEST_SKIP() << "no second file system";
   std::ofstream(far + "/taken") << "theirs";
   std::stop_source stopped;
@@ -174,51 +137,38 @@ TEST_F(FilesTest, AMoveToAnotherFileSystemKeepsModeAndOwnerAndSpares) {
   EXPECT_EQ(files.moveFile("C:\\a.txt", "M:\\x", Existing::Spared, platform::Stop(stopped.get_token())),
             ECANCELED);
   EXPECT_EQ(files.moveFile("C:\\a.txt", "M:\\taken", Existing::Spared), EEXIST);
-  EXPECT_EQ(files.readBytes("M:\\taken", 9), "theirs");
+  EXPECT_EQ(tests::bytesOf(far + "/taken"), "theirs");
   EXPECT_EQ(std::distance(fs::directory_iterator(far), fs::directory_iterator()), 1);
   EXPECT_EQ(files.moveFile("C:\\a.txt", "M:\\taken", Existing::Replaced), 0);
   EXPECT_FALSE(files.entryExists("C:\\a.txt"));
-  EXPECT_EQ(files.readBytes("M:\\taken", 9), "text");
-  struct stat status {};
-  ASSERT_EQ(stat((far + "/taken").c_str(), &status), 0);
-  EXPECT_EQ(status.st_mode & 07777, 04640U);
-  EXPECT_TRUE(geteuid() != 0 || (status.st_uid == 65534 && status.st_gid == 65533));
+  EXPECT_EQ(tests::bytesOf(far + "/taken"), "text");
+  EXPECT_EQ(modeOf(far + "/taken"), 04640U);
+  EXPECT_TRUE(tests::belongsTo(far + "/taken", 65534, 65533));
 }
 
 /// Bits that lend the owner's rights stay behind when the owner does.
 TEST_F(FilesTest, NoOwnersRightsPassToAnother) {
   if (geteuid() != 0 || !tests::ordinaryUserGetsAbout()) GTEST_SKIP() << "takes two users";
   chmod(host("a.txt").c_str(), 06755);
-  chmod(root_.c_str(), 0777);
+  for (const std::string& open : {root_, host("")}) chmod(open.c_str(), 0777);
   EXPECT_TRUE(tests::asOrdinaryUser([this] {
     return files_.writeText("C:\\mine", "x") && files_.copyFile("C:\\a.txt", "C:\\copy") &&
            platform::copyModeAndOwner(drives_, "C:\\a.txt", "C:\\mine");
   }));
-  EXPECT_EQ(modeOf(host("mine")), 0755U);
-  EXPECT_EQ(modeOf(host("copy")), 0755U);
+  for (const char* name : {"mine", "copy"}) EXPECT_EQ(modeOf(host(name)), 0755U) << name;
 }
 
-TEST_F(FilesTest, AFailedWriteLeavesWhatWasThere) {
+TEST_F(FilesTest, AFailedWriteLeavesWhatWasThereAndAGoodOneItsMode) {
+  chmod(host("a.txt").c_str(), 0640);
   ASSERT_TRUE(files_.writeText("C:\\big", std::string(300000, 'x')));
-  const std::size_t before = count();
-  const auto oldHandler = signal(SIGXFSZ, SIG_IGN);
-  rlimit old{};
-  getrlimit(RLIMIT_FSIZE, &old);
-  rlimit small = old;
-  small.rlim_cur = 100000;
-  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
-  const bool copied = files_.copyFile("C:\\big", "C:\\a.txt");
-  const bool written = files_.writeText("C:\\a.txt", std::string(200000, 'y'));
-  setrlimit(RLIMIT_FSIZE, &old);
-  signal(SIGXFSZ, oldHandler);
-  EXPECT_FALSE(copied);
-  EXPECT_FALSE(written);
-  EXPECT_EQ(files_.readBytes("C:\\a.txt", 100), "text");
+  const auto before = count();
+  {
+    const tests::FullDisk full(100000);
+    EXPECT_FALSE(files_.copyFile("C:\\big", "C:\\a.txt"));
+    EXPECT_FALSE(files_.writeText("C:\\a.txt", std::string(200000, 'y')));
+  }
+  EXPECT_EQ(read("a.txt"), "text");
   EXPECT_EQ(count(), before);
-}
-
-TEST_F(FilesTest, WritingKeepsTheModeOfWhatItReplaces) {
-  ASSERT_EQ(chmod(host("a.txt").c_str(), 0640), 0);
   ASSERT_TRUE(files_.writeText("C:\\a.txt", "new"));
   EXPECT_EQ(modeOf(host("a.txt")), 0640U);
 }
@@ -233,32 +183,26 @@ TEST_F(FilesTest, FoldersAreMadeOneLevel) {
 }
 
 TEST_F(FilesTest, DeleteTreeStaysInsideAndOpensFolders) {
-  if (!tests::ordinaryUserGetsAbout()) GTEST_SKIP() << tests::rootIsClosed;
+  for (const char* path : {"C:\\", "C:\\.", "C:\\sub\\..", "C:\\sub\\..\\", "sub", "", "C:\\tree"})
+    EXPECT_FALSE(files_.deleteTree(path)) << path;
   ASSERT_TRUE(files_.writeText("C:\\sub\\keep", "k"));
-  fs::create_directories(host("tree/closed/in"));
-  fs::create_symlink("../../sub", host("tree/closed/out"));
-  chmod(host("tree/closed/in").c_str(), 0);
-  chmod(host("tree/closed").c_str(), 0500);
-  chmod(host("tree").c_str(), 0500);
-  if (geteuid() == 0) {
-    for (const char* name : {"", "tree", "tree/closed", "tree/closed/in"})
-      ASSERT_EQ(chown(host(name).c_str(), 65534, 65534), 0);
-  }
-  EXPECT_TRUE(tests::asOrdinaryUser([this] { return files_.deleteTree("C:\\tree"); }));
-  EXPECT_FALSE(files_.entryExists("C:\\tree"));
   EXPECT_TRUE(files_.deleteTree("C:\\toSub"));
   EXPECT_TRUE(files_.fileExists("C:\\sub\\keep"));
-  EXPECT_FALSE(files_.deleteTree("C:\\tree"));
-}
-
-TEST_F(FilesTest, DeleteTreeRefusesADriveAndWhatIsAbove) {
-  for (const char* path : {"C:\\", "C:\\.", "C:\\sub\\..", "C:\\sub\\..\\", "sub", ""})
-    EXPECT_FALSE(files_.deleteTree(path)) << path;
-  EXPECT_TRUE(files_.folderExists("C:\\sub"));
+  if (!tests::ordinaryUserGetsAbout()) GTEST_SKIP() << tests::rootIsClosed;
+  fs::create_directories(host("tree/closed/in"));
+  fs::create_symlink("../../sub", host("tree/closed/out"));
+  chmod(root_.c_str(), 0755);
+  chmod(host("tree/closed/in").c_str(), 0);
+  for (const char* name : {"tree/closed", "tree"}) chmod(host(name).c_str(), 0500);
+  for (const char* name : {"", "tree", "tree/closed", "tree/closed/in"})
+    ASSERT_TRUE(giveTo(host(name), 65534, 65534));
+  EXPECT_TRUE(tests::asOrdinaryUser([this] { return files_.deleteTree("C:\\tree"); }));
+  EXPECT_FALSE(files_.entryExists("C:\\tree"));
+  EXPECT_TRUE(files_.fileExists("C:\\sub\\keep"));
 }
 
 TEST_F(FilesTest, DeleteTreeGoesDeeperThanDescriptorsAndPathsReach) {
-  int here = open(root_.c_str(), O_DIRECTORY | O_CLOEXEC);
+  int here = open(host("").c_str(), O_DIRECTORY | O_CLOEXEC);
   for (int depth = 0; depth < 3000; ++depth) {
     ASSERT_EQ(mkdirat(here, "deep", 0700), 0);
     const int next = openat(here, "deep", O_DIRECTORY | O_CLOEXEC);
@@ -272,8 +216,7 @@ TEST_F(FilesTest, DeleteTreeGoesDeeperThanDescriptorsAndPathsReach) {
 
 TEST_F(FilesTest, FileClassSortsFoldersFromFiles) {
   FileClass listing(drives_);
-  EXPECT_FALSE(listing.Refresh("C:\\sub\\*"));
-  EXPECT_FALSE(listing.Refresh("C:\\gone\\*"));
+  for (const char* none : {"C:\\sub\\*", "C:\\gone\\*"}) EXPECT_FALSE(listing.Refresh(none)) << none;
   fs::create_directories(host("sub/..."));
   EXPECT_TRUE(listing.Refresh("C:\\sub\\\\*"));
   ASSERT_EQ(listing.Folders().size(), 1U);
@@ -283,24 +226,18 @@ TEST_F(FilesTest, FileClassSortsFoldersFromFiles) {
   ASSERT_EQ(truncate(host("a.txt.TGZ").c_str(), 5'000'000'000), 0);
   EXPECT_TRUE(listing.Refresh("C:\\*"));
   EXPECT_EQ(listing.Folders().size(), 2U);  // sub and the link to it
-  const auto& found = listing.Files();
-  const auto file = std::find_if(found.begin(), found.end(), [](auto& f) { return f.FileExt == "tgz"; });
-  ASSERT_NE(file, found.end());
-  EXPECT_EQ(file->FileSize, 5'000'000'000);
-  const auto dangling =
-      std::find_if(found.begin(), found.end(), [](auto& f) { return f.FileName == "dangling"; });
-  ASSERT_NE(dangling, found.end());
-  EXPECT_EQ(dangling->FileExt, "");
-  EXPECT_EQ(dangling->FileSize, 7);
+  std::map<std::string, std::pair<std::string, std::int64_t>> found;
+  for (const auto& info : listing.Files()) found[info.FileName] = {info.FileExt, info.FileSize};
+  EXPECT_EQ(found["a.txt.TGZ"], std::pair(std::string("tgz"), std::int64_t{5'000'000'000}));
+  EXPECT_EQ(found["dangling"], std::pair(std::string(), std::int64_t{7}));
 }
 
 TEST_F(FilesTest, AttributesComeFromNameModeAndNote) {
   const auto attributes = [this](const std::string& name) {
     FileClass listing(drives_);
     listing.Refresh("C:\\*");
-    for (const InfoClass& info : listing.Files()) {
+    for (const auto& info : listing.Files())
       if (info.FileName == name) return info.FileAttr;
-    }
     return ~0U;
   };
   EXPECT_EQ(attributes("a.txt"), 0U);

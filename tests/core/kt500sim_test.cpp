@@ -3,23 +3,23 @@
 #include <sys/socket.h>
 #include <sys/stat.h>
 
-#include <chrono>
-#include <fstream>
-#include <iterator>
 #include <random>
 
 #include "platform/Descriptor.h"
+#include "tests/OnDisk.h"
 #include "tests/SimProcess.h"
 
 namespace fs = std::filesystem;
-using namespace std::string_literals;
+using tests::bytesOf;
+using testworld::has;
 
 namespace {
 
-const std::string goodTail =
-    "\0"s
-    "5\0"s
-    "640\0usr2\0users\0"s;
+/// What asks for a file with this name and these fields.
+std::string asks(const std::string& name, const std::string& size = "5", const std::string& mode = "640",
+                 const std::string& owner = "usr2", const std::string& group = "users") {
+  return requestOf({"DLD:" + name, size, mode, owner, group});
+}
 
 platform::Descriptor connectTo(const SimProcess& sim) {
   platform::Descriptor client(socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0));
@@ -50,11 +50,6 @@ std::string answerTo(const SimProcess& sim, const std::string& request) {
   return hear(client);
 }
 
-std::string contents(const std::string& path) {
-  std::ifstream file(path, std::ios::binary);
-  return {std::istreambuf_iterator<char>(file), {}};
-}
-
 std::vector<std::string> names(const std::string& folder) {
   std::vector<std::string> found;
   for (const auto& entry : fs::directory_iterator(folder)) found.push_back(entry.path().filename());
@@ -66,11 +61,9 @@ std::string sendArchive(SimProcess& sim, const std::string& commands) {
   const std::string folder = sim.folder() + "/src";
   fs::create_directories(folder + "/pkg");
   EXPECT_EQ(std::system(("cd '" + folder + "/pkg' && " + commands).c_str()), 0);
-  const std::string archive = contents(folder + "/out.tgz");
+  const std::string archive = bytesOf(folder + "/out.tgz");
   const auto client = connectTo(sim);
-  tell(client, "DLD:out.tgz\0"s + std::to_string(archive.size()) +
-                   "\0"s
-                   "400\0usr1\0users\0"s);
+  tell(client, asks("out.tgz", std::to_string(archive.size()), "400", "usr1"));
   EXPECT_EQ(hear(client, 2), "OK");
   tell(client, archive);
   return sim.rest();
@@ -82,61 +75,31 @@ TEST(Kt500sim, StoresExactlyTheAnnouncedBytesWithTheirMode) {
   SimProcess sim;
   fs::create_symlink(sim.folder() + "/victim", sim.root() + "/a\nb");
   const auto client = connectTo(sim);
-  tell(client, "DL");
-  tell(client, "D:a\nb" + goodTail);
+  const std::string request = asks("a\nb");
+  tell(client, request.substr(0, 2));
+  tell(client, request.substr(2));
   EXPECT_EQ(hear(client, 2), "OK");
   tell(client, "12345");
   EXPECT_EQ(hear(client), "");
-  const std::string events = sim.rest();
-  EXPECT_NE(events.find("request a\\x0Ab size 5 mode 640 owner usr2 group users\nreply OK\n"
-                        "received 5 bytes\nstored a\\x0Ab owner 501/1\nclosed\n"),
-            std::string::npos)
-      << events;
-  EXPECT_EQ(contents(sim.root() + "/a\nb"), "12345");
-  struct stat status {};
-  ASSERT_EQ(lstat((sim.root() + "/a\nb").c_str(), &status), 0);
-  EXPECT_EQ(status.st_mode, static_cast<mode_t>(S_IFREG | 0640));
+  EXPECT_TRUE(has(sim.rest(),
+                  "request a\\x0Ab size 5 mode 640 owner usr2 group users\nreply OK\n"
+                  "received 5 bytes\nstored a\\x0Ab owner 501/1\nclosed\n"));
+  const std::string stored = sim.root() + "/a\nb";
+  EXPECT_EQ(bytesOf(stored), "12345");
+  EXPECT_EQ(tests::statusOf(stored).st_mode, static_cast<mode_t>(S_IFREG | 0640));
   EXPECT_FALSE(fs::exists(sim.folder() + "/victim"));
 }
 
 TEST(Kt500sim, HostileRequestsAreRefusedAndLeaveNothing) {
-  const std::string requests[] = {"dld:a" + goodTail,
-                                  "DLD:" + goodTail,
-                                  "DLD:.." + goodTail,
-                                  "DLD:../x" + goodTail,
-                                  "DLD:" + std::string(256, 'n') + goodTail,
-                                  "DLD:" + std::string(100000, 'n'),
-                                  "DLD:a\0"s
-                                  "05\0"s
-                                  "640\0usr2\0users\0"s,
-                                  "DLD:a\0-5\0"s
-                                  "640\0usr2\0users\0"s,
-                                  "DLD:a\0"s
-                                  "99999999999999999999\0"s
-                                  "640\0usr2\0users\0"s,
-                                  "DLD:a\0"s
-                                  "5\0"s
-                                  "680\0usr2\0users\0"s,
-                                  "DLD:a\0"s
-                                  "5\0"s
-                                  "4755\0usr2\0users\0"s,
-                                  "DLD:a\0"s
-                                  "5\0"s
-                                  "640\0../../etc\0users\0"s,
-                                  "DLD:a\0"s
-                                  "5\0"s
-                                  "640\0usr2\0\0"s,
-                                  "DLD:a\0"s
-                                  "5\0"s
-                                  "640\0root\0users\0"s,
-                                  "DLD:a\0"s
-                                  "5\0"s
-                                  "640\0usr1\0root\0"s,
-                                  "DLD:a" + goodTail + "early",
-                                  "\0\0\0\0\0\0"s};
-  SimProcess sim("--count " + std::to_string(std::size(requests)));
-  for (const std::string& request : requests) EXPECT_EQ(answerTo(sim, request), "BADARGS") << request;
-  EXPECT_NE(sim.rest().find("refused: not a file name"), std::string::npos);
+  SimProcess sim("--count 17");
+  for (const std::string& request :
+       {requestOf({"dld:a", "5", "640", "usr2", "users"}), asks(""), asks(".."), asks("../x"),
+        asks(std::string(256, 'n')), "DLD:" + std::string(100000, 'n'), asks("a", "05"), asks("a", "-5"),
+        asks("a", "99999999999999999999"), asks("a", "5", "680"), asks("a", "5", "4755"),
+        asks("a", "5", "640", "../../etc"), asks("a", "5", "640", "usr2", ""), asks("a", "5", "640", "root"),
+        asks("a", "5", "640", "usr1", "root"), asks("a") + "early", std::string(6, '\0')})
+    EXPECT_EQ(answerTo(sim, request), "BADARGS") << request;
+  EXPECT_TRUE(has(sim.rest(), "refused: not a file name"));
   EXPECT_TRUE(names(sim.root()).empty());
   EXPECT_EQ(names(sim.folder()).size(), 1U);
 }
@@ -144,11 +107,9 @@ TEST(Kt500sim, HostileRequestsAreRefusedAndLeaveNothing) {
 TEST(Kt500sim, SurvivesRandomRequests) {
   SimProcess sim("--timeout 100");
   std::mt19937 random(4711);
-  const std::string likely =
-      "DLD:a\0"s
-      "5640\0usr1\0users\0/.."s;
+  const std::string likely = requestOf({"DLD:a", "5640", "usr1", "users", "/.."});
   for (int round = 0; round < 200; ++round) {
-    std::string request = "DLD:a" + goodTail;
+    std::string request = asks("a");
     for (auto changes = random() % 4; changes > 0; --changes)
       request.replace(random() % request.size(), random() % 3, 1, likely[random() % likely.size()]);
     const std::string answer = answerTo(sim, request);
@@ -159,18 +120,14 @@ TEST(Kt500sim, SurvivesRandomRequests) {
 
 TEST(Kt500sim, NoSpaceBrokenOffAndStalled) {
   SimProcess sim("--count 3 --free 5 --timeout 200");
-  EXPECT_EQ(answerTo(sim,
-                     "DLD:a\0"s
-                     "6\0"s
-                     "640\0usr2\0users\0"s),
-            "NOSPACE");
-  EXPECT_EQ(answerTo(sim, "DLD:a" + goodTail), "OK");  // and no data
+  EXPECT_EQ(answerTo(sim, asks("a", "6")), "NOSPACE");
+  EXPECT_EQ(answerTo(sim, asks("a")), "OK");  // and no data
   const auto stalled = connectTo(sim);
   tell(stalled, "DLD:a");
   EXPECT_EQ(hear(stalled), "");  // closed by the other side
   const std::string events = sim.rest();
-  EXPECT_NE(events.find("broken off after 0 bytes"), std::string::npos) << events;
-  EXPECT_NE(events.find("no request"), std::string::npos) << events;
+  EXPECT_TRUE(has(events, "broken off after 0 bytes"));
+  EXPECT_TRUE(has(events, "no request"));
   EXPECT_TRUE(names(sim.root()).empty());
 }
 
@@ -181,15 +138,13 @@ TEST(Kt500sim, InstallsAsATerminalDoes) {
                   "mkdir -p d ../usr8 && echo 1 > 'd/a b' && echo 2 > ../usr8/s && ln -s 'd/a b' link && "
                   "chmod 4755 'd/a b' && chmod 700 d && chmod 640 ../usr8/s && "
                   "tar -zcPf ../out.tgz --owner=500 --group=1 --numeric-owner d link ../usr8");
-  EXPECT_NE(events.find("installed out.tgz in home/usr1\nmember drwx------ 500/1 0 home/usr1/d/\n"
-                        "member -rwsr-xr-x 500/1 2 home/usr1/d/a b\n"
-                        "member lrwxrwxrwx 500/1 0 home/usr1/link -> d/a b\n"),
-            std::string::npos)
-      << events;
-  EXPECT_NE(events.find("member -rw-r----- 500/1 2 home/usr8/s\nclosed\n"), std::string::npos) << events;
-  EXPECT_EQ(contents(sim.root() + "/home/usr1/link"), "1\n");
-  EXPECT_EQ(contents(sim.root() + "/home/usr8/s"), "2\n");
-  EXPECT_EQ(fs::status(sim.root() + "/home/usr1/d/a b").permissions(), fs::perms(0755));
+  EXPECT_TRUE(has(events,
+                  "installed out.tgz in home/usr1\nmember drwx------ 500/1 0 home/usr1/d/\n"
+                  "member -rwsr-xr-x 500/1 2 home/usr1/d/a b\n"
+                  "member lrwxrwxrwx 500/1 0 home/usr1/link -> d/a b\n"));
+  EXPECT_TRUE(has(events, "member -rw-r----- 500/1 2 home/usr8/s\nclosed\n"));
+  EXPECT_EQ(bytesOf(sim.root() + "/home/usr1/link") + bytesOf(sim.root() + "/home/usr8/s"), "1\n2\n");
+  EXPECT_EQ(tests::modeOf(sim.root() + "/home/usr1/d/a b"), 0755U);
 }
 
 TEST(Kt500sim, ArchivesThatLeadElsewhereAreNotInstalled) {
@@ -208,7 +163,7 @@ TEST(Kt500sim, ArchivesThatLeadElsewhereAreNotInstalled) {
   for (const char* maker : makers) {
     SimProcess sim("--once --install --free 10000000");
     const std::string events = sendArchive(sim, maker);
-    EXPECT_NE(events.find("not installed: out.tgz\n"), std::string::npos) << maker << "\n" << events;
+    EXPECT_TRUE(has(events, "not installed: out.tgz\n")) << maker;
     EXPECT_TRUE(fs::is_empty(sim.root() + "/home/usr1")) << maker;
     EXPECT_TRUE(fs::is_empty(sim.root() + "/home/usr8")) << maker;
     EXPECT_FALSE(fs::exists(sim.folder() + "/escaped x")) << maker;

@@ -16,52 +16,31 @@ Layout sized(int width, int height, bool logShown = false) {
   return layout;
 }
 
-TEST(Layout, RulesFollowTheWindow) {
-  const Layout layout = sized(15000, 10000);
-  const Rect& frame = layout["frameMain"];
-  const Rect& pane = layout["DirPane"];
-  EXPECT_EQ(frame.width, 14920);
-  EXPECT_EQ(frame.height, 9200);
-  EXPECT_EQ(layout["txtLog"].top, 7990);
-  EXPECT_EQ(layout["txtLog"].width, 14655);
-  EXPECT_EQ(right(layout["frameAction"]), 14660);
-  EXPECT_EQ(layout["frameAction"].top, 8100);
-  EXPECT_EQ(layout["frameTarButtons"].left, layout["frameAction"].width - 1780);
-  EXPECT_EQ(pane.width, 14920 - layout["divider"].left - layout["divider"].width - 200);
-  EXPECT_EQ(pane.height, 6755);
-  EXPECT_EQ(layout["Dir1"].height, 6755);
-  EXPECT_EQ(layout["divider"].height, 6755);
-  EXPECT_EQ(right(layout["Frame1"]), right(pane));
-  EXPECT_EQ(right(layout["frameDirPaneButtons"]), right(pane));
-  EXPECT_EQ(layout["frameDirPaneButtons"].top, bottom(pane));
-  EXPECT_EQ(layout["frameSelected"].top, bottom(pane));
-  EXPECT_EQ(right(layout["frameSelected"]), layout["frameDirPaneButtons"].left - 20);
-  EXPECT_EQ(right(layout["txtSelect"]), layout["frameSelected"].width - 20);
-  EXPECT_EQ(layout["lblSelectionText"].left, pane.left);
-}
-
-TEST(Layout, ArchiveFrameLiesOverTheBrowser) {
-  const Layout layout = sized(15000, 10000, true);
-  const Rect& frame = layout["frameUntar"];
-  const Rect& tree = layout["tarTree"];
-  EXPECT_EQ(frame, layout["frameMain"]);
-  EXPECT_EQ(frame.height, 7945);
-  EXPECT_EQ(layout["frameUntarButtons"].left, (14920 - layout["frameUntarButtons"].width) / 2);
-  EXPECT_EQ(layout["frameUntarButtons"].top, 7345);
-  EXPECT_EQ(right(tree), 14680);
-  EXPECT_EQ(tree.height, 5260);
-  EXPECT_EQ(layout["TreeView1"], tree);
-  EXPECT_EQ(layout["frameTarSelector"].top, bottom(tree));
-  EXPECT_EQ(layout["txtFileIn"].width, 12280);
-  EXPECT_EQ(layout["cmdGetFile"].left, right(layout["txtFileIn"]));
-  EXPECT_EQ(layout["cmdSelectOut"].left, right(layout["txtOutLocation"]));
-  EXPECT_EQ(layout["cmdRefresh"].left, layout["cmdGetFile"].left + 460);
-  const Rect& label = layout["frameTarRefreshLabel"];
-  const Rect& bar = layout["pbTarRefresh"];
-  EXPECT_EQ(label.left, tree.left + (tree.width - label.width) / 2);
-  EXPECT_EQ(label.top, tree.top + (tree.height - label.height) / 2 - 200);
-  EXPECT_EQ(bar.left, tree.left + (tree.width - bar.width) / 2);
-  EXPECT_EQ(bar.top, tree.top + (tree.height - bar.height) / 2 + 200);
+/// By how much each control moves and grows when the window grows by 3000 and 1000.
+TEST(Layout, EveryControlFollowsTheWindow) {
+  const std::pair<Rect, std::vector<const char*>> rules[] = {
+      {{0, 0, 3000, 1000}, {"frameMain", "frameUntar", "DirPane", "tarTree", "TreeView1"}},
+      {{0, 0, 3000, 0}, {"txtSelect", "txtFileIn", "txtOutLocation"}},
+      {{0, 0, 0, 1000}, {"Dir1", "divider"}},
+      {{0, 1000, 3000, 0}, {"txtLog", "frameSelected", "frameAction"}},
+      {{0, 1000, 0, 0}, {"lblHalvoren", "frameTarSelector"}},
+      {{3000, 0, 0, 0}, {"Frame1", "frameTarButtons", "cmdGetFile", "cmdSelectOut", "cmdRefresh"}},
+      {{3000, 1000, 0, 0}, {"frameDirPaneButtons"}},
+      {{1500, 1000, 0, 0}, {"frameUntarButtons"}},
+      {{1500, 500, 0, 0}, {"frameTarRefreshLabel", "pbTarRefresh"}}};
+  std::map<std::string, Rect> changes;
+  for (const auto& [rule, names] : rules)
+    for (const char* name : names) changes[name] = rule;
+  for (const bool logShown : {false, true}) {
+    const Layout before = sized(12000, 9000, logShown);
+    const Layout after = sized(15000, 10000, logShown);
+    for (const auto& [name, now] : after.rects()) {
+      const Rect& was = before[name];
+      const Rect change = {now.left - was.left, now.top - was.top, now.width - was.width,
+                           now.height - was.height};
+      EXPECT_EQ(change, changes[name]) << name;
+    }
+  }
 }
 
 TEST(Layout, HidingTheLogGivesItsRoomToThePane) {
@@ -81,6 +60,22 @@ TEST(Layout, DesignFitsTogether) {
       EXPECT_LE(down ? bottom(first) : right(first), down ? second.top : second.left) << *name;
     }
   };
+  const auto edges = [&layout](std::initializer_list<const char*> names, int (*edge)(const Rect&)) {
+    for (const char* name : names) EXPECT_EQ(edge(layout[name]), edge(layout[*names.begin()])) << name;
+  };
+  edges({"DirPane", "Frame1", "frameDirPaneButtons"}, right);
+  edges({"DirPane", "Dir1", "divider"}, bottom);
+  edges({"tarTree", "cmdRefresh"}, right);
+  for (const auto& [inner, outer] : {std::pair("frameTarButtons", "frameAction"),
+                                     {"txtSelect", "frameSelected"},
+                                     {"frameAction", "frameMain"},
+                                     {"DirPane", "frameMain"},
+                                     {"cmdRefresh", "frameUntar"},
+                                     {"frameUntarButtons", "frameUntar"}})
+    EXPECT_TRUE(right(layout[inner]) <= layout[outer].width && bottom(layout[inner]) <= layout[outer].height)
+        << inner;
+  EXPECT_EQ(layout["frameUntar"], layout["frameMain"]);
+  EXPECT_EQ(layout["TreeView1"], layout["tarTree"]);
   inOrder({"Drive1", "Label3", "Dir1", "frameSelected", "frameAction"}, true);
   inOrder({"txtLocation", "Frame1", "DirPane", "frameDirPaneButtons", "frameAction"}, true);
   inOrder({"Label5", "Drive1", "optShowHidden", "optShowSystem", "txtLocation"}, false);

@@ -1,7 +1,5 @@
-#include <sys/stat.h>
-
 #include "perms/OwnershipJob.h"
-#include "tests/World.h"
+#include "tests/OnDisk.h"
 
 namespace {
 
@@ -13,12 +11,9 @@ class OwnershipTest : public testworld::World {
  protected:
   OwnershipTest() {
     findTools();
-    for (const char* tool : {"chown.exe", "chgrp.exe"}) {
-      std::ofstream(bin(tool)) << "#!/bin/sh\nfor word in \"$@\"; do echo \"$word\"; done >>'" << host("runs")
-                               << "'\necho \"= $# $0\" >>'" << host("runs") << "'\n. '" << host("does")
-                               << "'\n";
-      chmod(bin(tool).c_str(), 0755);
-    }
+    for (const char* name : {"chown.exe", "chgrp.exe"})
+      tool(name, "for word in \"$@\"; do echo \"$word\"; done >>'" + host("runs") +
+                     "'\necho \"= $# $0\" >>'" + host("runs") + "'\n. '" + host("does") + "'");
     does("");
   }
   std::string bin(const std::string& tool) const { return root_ + "/prog/bin/" + tool; }
@@ -30,11 +25,6 @@ class OwnershipTest : public testworld::World {
     person_.told.clear();
     log_.all.clear();
     return perms::OwnershipJob(services(), what, {paths, "C:\\pkg\\"}).run();
-  }
-  static Texts many(int count) {
-    Texts paths;
-    for (int i = 0; i < count; ++i) paths.push_back("C:\\pkg\\f" + std::to_string(i));
-    return paths;
   }
   int runs() const { return std::stoi(output("grep -c ^= '" + host("runs") + "' || true")); }
 };
@@ -51,20 +41,19 @@ TEST_F(OwnershipTest, RunsNameTheAccountAndEveryPath) {
 }
 
 TEST_F(OwnershipTest, TheFirstBadRunEndsItAndIsTold) {
-  const std::vector<std::pair<const char*, const char*>> failures = {
-      {"[ $# -gt 502 ] || echo 'chgrp: no right'", "Error..|chgrp: no right\n"},
-      {"[ $# -gt 502 ] || exit 1", "Error..|chgrp ended with exit code 1"},
-      {"[ $# -gt 502 ] || kill -9 $$", "Error..|chgrp was ended by signal 9"}};
-  for (const auto& [script, told] : failures) {
+  for (const auto& [script, told] :
+       {std::pair("[ $# -gt 502 ] || echo 'chgrp: no right'", "Error..|chgrp: no right\n"),
+        {"[ $# -gt 502 ] || exit 1", "Error..|chgrp ended with exit code 1"},
+        {"[ $# -gt 502 ] || kill -9 $$", "Error..|chgrp was ended by signal 9"}}) {
     does(script);
-    EXPECT_EQ(set(perms::groupToKT500(), many(1200)), JobEnd::Failed);
+    EXPECT_EQ(set(perms::groupToKT500(), numbered("C:\\pkg\\f", 1200)), JobEnd::Failed);
     EXPECT_EQ(runs(), 2);
     EXPECT_EQ(person_.told, Texts{told});
     EXPECT_EQ(log_.all, " FAILED to set Group(1): 1200 files in C:\\pkg\\\n");
   }
   fs::remove(bin("chown.exe"));
   environment_.set("PATH", "");
-  EXPECT_EQ(set(perms::ownerTo("usr5"), many(1)), JobEnd::Failed);
+  EXPECT_EQ(set(perms::ownerTo("usr5"), numbered("C:\\pkg\\f", 1)), JobEnd::Failed);
   EXPECT_EQ(person_.told, Texts{"Error..|Unable to Set Owner"});
   EXPECT_EQ(log_.all, " FAILED to set Owner(usr5): 1 files in C:\\pkg\\\n");
 }
@@ -86,7 +75,7 @@ TEST_F(OwnershipTest, AStopLeavesTheRest) {
   does("sleep 30");
   person_.yields = 0;
   person_.onEvents = [this] { person_.yields > 3 ? busy_.requestStop() : void(); };
-  EXPECT_EQ(set(perms::ownerTo("usr1"), many(600)), JobEnd::Stopped);
+  EXPECT_EQ(set(perms::ownerTo("usr1"), numbered("C:\\pkg\\f", 600)), JobEnd::Stopped);
   EXPECT_EQ(runs(), 1);
   EXPECT_EQ(log_.all,
             " Stopped: setting Owner(usr1), after 0 of 2 runs\n"
@@ -97,19 +86,16 @@ TEST_F(OwnershipTest, AStopLeavesTheRest) {
 /// The real tools, by number, as root.
 TEST_F(OwnershipTest, OnDiskTheNumbersAreTheTerminals) {
   if (geteuid() != 0) GTEST_SKIP() << "needs root";
-  const fs::path built = fs::read_symlink("/proc/self/exe").parent_path().parent_path() / "bin";
   for (const char* tool : {"chown.exe", "chgrp.exe"}) {
     fs::remove(bin(tool));
-    fs::create_symlink(built / tool, bin(tool));
+    fs::create_symlink(built(std::string("bin/") + tool), bin(tool));
   }
   write("pkg/sub/x");
   fs::create_symlink("x", host("pkg/sub/inner"));
   EXPECT_EQ(set(perms::ownerTo("usr8"), {"C:\\pkg\\sub"}), JobEnd::Done);
   EXPECT_EQ(set(perms::groupToKT500(), {"C:\\pkg\\sub"}), JobEnd::Done);
   for (const char* path : {"pkg/sub", "pkg/sub/x"}) {
-    struct stat status {};
-    ASSERT_EQ(stat(host(path).c_str(), &status), 0);
-    EXPECT_TRUE(status.st_uid == 507 && status.st_gid == 1) << path;
+    EXPECT_TRUE(tests::belongsTo(host(path), 507, 1)) << path;
   }
 }
 

@@ -1,24 +1,14 @@
 #include "platform/Process.h"
 
-#include <fcntl.h>
-#include <gtest/gtest.h>
 #include <poll.h>
-#include <sys/resource.h>
-#include <sys/stat.h>
-#include <sys/wait.h>
-#include <unistd.h>
 
-#include <algorithm>
 #include <chrono>
-#include <csignal>
-#include <filesystem>
-#include <fstream>
 #include <thread>
 
-#include "platform/HeldName.h"
 #include "platform/ShellOpen.h"
 #include "platform/Signals.h"
 #include "platform/SystemInfo.h"
+#include "tests/OnDisk.h"
 
 namespace fs = std::filesystem;
 using namespace std::chrono_literals;
@@ -30,14 +20,13 @@ using Clock = std::chrono::steady_clock;
 namespace {
 
 /// C: is disk/, where the user's files are and the tools run; the program folder's name has a blank.
-class ProcessTest : public testing::Test {
+class ProcessTest : public testworld::World {
  protected:
   ProcessTest() {
-    for (const char* folder : {"disk", "program files", "tools", "path"}) fs::create_directory(host(folder));
+    for (const char* folder : {"program files", "tools", "path"}) fs::create_directory(host(folder));
     environment_.set("path",
                      "Q:\\gone;.;" + drives_.toWindows(host("path")) + ";" + environment_.get("Path"));
   }
-  ~ProcessTest() override { fs::remove_all(root_); }
 
   std::string host(const std::string& name) const { return root_ + "/" + name; }
   void script(const std::string& name, const std::string& text, mode_t mode = 0755) const {
@@ -50,8 +39,10 @@ class ProcessTest : public testing::Test {
   RunResult capture(const std::string& commandLine, const platform::WaitStep& step = {}) {
     return runner_.capture(request(commandLine), step);
   }
-  RunResult visible(const std::string& commandLine, const platform::OutputSink& sink) {
-    return runner_.runVisible(request(commandLine), sink, [] { return true; });
+  RunResult visible(
+      const std::string& commandLine, const platform::OutputSink& sink,
+      const platform::WaitStep& step = [] { return true; }) {
+    return runner_.runVisible(request(commandLine), sink, step);
   }
   static std::ptrdiff_t openDescriptors() {
     return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
@@ -61,12 +52,6 @@ class ProcessTest : public testing::Test {
     return fs::exists(host(name));
   }
 
-  std::string root_ = [] {
-    std::string name = fs::temp_directory_path() / "process-test-XXXXXX";
-    return std::string(mkdtemp(name.data()));
-  }();
-  platform::DriveTable drives_{{{'C', root_ + "/disk"}, {'Z', "/"}}};
-  platform::Environment environment_{drives_, environ};
   platform::HostCommandRunner runner_{drives_, environment_, drives_.toWindows(host("program files")) + "\\"};
 };
 
@@ -78,7 +63,7 @@ TEST(SplitTest, BlanksSeparateAndQuotesGroup) {
   EXPECT_TRUE(platform::splitCommandLine(" \t").empty());
 }
 
-TEST_F(ProcessTest, BothStreamsArriveInOrderWithTheStatus) {
+TEST_F(ProcessTest, BothStreamsArriveInOrderWithTheStatusAndTheirBytes) {
   script("tools/t", "echo one; echo two >&2; echo three; exit 3");
   RunResult result = capture("t");
   EXPECT_EQ(result.text, "one\ntwo\nthree\n");
@@ -88,14 +73,9 @@ TEST_F(ProcessTest, BothStreamsArriveInOrderWithTheStatus) {
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(capture("sh -c \"kill -9 $$\"").status, 128 + SIGKILL);
   EXPECT_EQ(capture("cat").text, "");  // stdin is empty
-}
-
-TEST_F(ProcessTest, BytesStayAsTheyAre) {
   script("tools/t", "printf 'a\\000b\\377\\r\\n'");
   EXPECT_EQ(capture("t").text, std::string("a\0b\xFF\r\n", 6));
-  const RunResult result = capture("head -c 100000000 /dev/zero");
-  EXPECT_EQ(result.text.size(), 100'000'000U);
-  EXPECT_EQ(result.text.find_first_not_of('\0'), std::string::npos);
+  EXPECT_TRUE(capture("head -c 100000000 /dev/zero").text == std::string(100'000'000, '\0'));
 }
 
 TEST_F(ProcessTest, WhatCannotStartSaysWhy) {
@@ -103,24 +83,22 @@ TEST_F(ProcessTest, WhatCannotStartSaysWhy) {
   std::ofstream(host("tools/noformat")) << "text";
   chmod(host("tools/noformat").c_str(), 0755);
   fs::create_directory(host("tools/folder"));
-  const std::string held = platform::holdName(std::string(1, '\0'));
-  const std::vector<std::pair<std::string, int>> cases = {{"no-such-program", ENOENT},
-                                                          {"", ENOENT},
-                                                          {"folder", ENOENT},
-                                                          {"..", ENOENT},
-                                                          {"closed", EACCES},
-                                                          {"noformat", ENOEXEC},
-                                                          {"true " + std::string(200'000, 'x'), E2BIG},
-                                                          {"true a" + held, EINVAL}};
   const auto before = openDescriptors();
-  for (const auto& [commandLine, error] : cases) {
+  for (const auto& [commandLine, error] : {std::pair<std::string, int>("no-such-program", ENOENT),
+                                           {"", ENOENT},
+                                           {"folder", ENOENT},
+                                           {"..", ENOENT},
+                                           {"closed", EACCES},
+                                           {"noformat", ENOEXEC},
+                                           {"true " + std::string(200'000, 'x'), E2BIG},
+                                           {"true a" + platform::holdName(std::string(1, '\0')), EINVAL}}) {
     const RunResult result = capture(commandLine);
     EXPECT_EQ(result.status, notStarted) << commandLine.substr(0, 20);
     EXPECT_EQ(result.systemError, error) << commandLine.substr(0, 20);
     EXPECT_FALSE(result.pipeFailed);
   }
-  EXPECT_EQ(runner_.capture({"true", "C:\\gone", ""}).status, notStarted);
-  EXPECT_EQ(runner_.capture({"true", "\\\\server\\share", ""}).status, notStarted);
+  for (const char* folder : {"C:\\gone", "\\\\server\\share"})
+    EXPECT_EQ(runner_.capture({"true", folder, ""}).status, notStarted) << folder;
   for (int i = 0; i < 50; ++i) capture("true");
   EXPECT_EQ(openDescriptors(), before);
 }
@@ -137,24 +115,22 @@ TEST_F(ProcessTest, NoPipeIsToldApart) {
 }
 
 TEST_F(ProcessTest, LookUpFollowsItsOrderAndNeverTheUsersFolders) {
-  const auto text = [this](const std::string& word) { return capture(word).text; };
   script("disk/mine", "echo user");
   const fs::path caller = fs::current_path();
   fs::current_path(host("disk"));
   EXPECT_EQ(capture("mine").status, notStarted);
-  script("path/mine", "echo path");
-  EXPECT_EQ(text("mine"), "path\n");
   fs::current_path(caller);
-  script("path/mine.exe", "echo path exe");
-  EXPECT_EQ(text("mine"), "path\n");
-  script("tools/mine", "", 0644);
-  EXPECT_EQ(text("mine"), "path\n");
-  script("tools/mine.exe", "echo tools exe");
-  EXPECT_EQ(text("mine"), "tools exe\n");
-  script("program files/mine.exe", "echo program");
-  EXPECT_EQ(text("mine"), "program\n");
-  EXPECT_EQ(text("C:\\mine"), "user\n");
-  EXPECT_EQ(text("\"/cygdrive/z" + host("program files/mine.exe") + "\""), "program\n");
+  script("tools/mine", "", 0644);  // no program
+  for (const auto& [placed, says] : {std::pair("path/mine", "path\n"),
+                                     {"path/mine.exe", "path\n"},
+                                     {"tools/mine.exe", "tools/mine.exe\n"},
+                                     {"program files/mine.exe", "program files/mine.exe\n"}}) {
+    script(placed, std::string("echo ") + (placed == std::string("path/mine") ? "path" : placed));
+    EXPECT_EQ(capture("mine").text, says) << placed;
+  }
+  EXPECT_EQ(capture("C:\\mine").text, "user\n");
+  EXPECT_EQ(capture("\"/cygdrive/z" + host("program files/mine.exe") + "\"").text,
+            "program files/mine.exe\n");
 }
 
 TEST_F(ProcessTest, ArgumentsBecomeHostPathsAndRealNames) {
@@ -222,10 +198,7 @@ TEST_F(ProcessTest, ACaptureWaitsForABackgroundChildAVisibleRunDoesNot) {
   std::string text;
   script("tools/t", "sleep 20 & head -c 300000 /dev/zero; echo early");
   const auto begin = Clock::now();
-  const RunResult result = visible("t", [&text](std::string_view bytes) {
-    text += bytes;
-    return true;
-  });
+  const RunResult result = visible("t", [&text](std::string_view bytes) { text += bytes; });
   EXPECT_LT(Clock::now() - begin, 10s);
   EXPECT_EQ(result.status, 0);
   EXPECT_EQ(text.size(), 300006U);
@@ -249,16 +222,15 @@ TEST_F(ProcessTest, StepsComeEvery20MillisecondsWhileOutputFlowsToo) {
 TEST_F(ProcessTest, ARunThatIsEndedTakesItsGroupAlongAndHasFailed) {
   script("tools/t", "trap 'echo last; exit 0' TERM; sleep 30 & sleep 0.3; echo go; wait");
   const auto begin = Clock::now();
-  EXPECT_TRUE(runner_
-                  .runVisible(
-                      request("t"), [](std::string_view) {}, [n = 0]() mutable { return ++n < 3; })
-                  .stopped);
-  EXPECT_TRUE(capture("t", [n = 0]() mutable { return ++n < 20; }).stopped);
+  const auto steps = [](int most) { return [most, n = 0]() mutable { return ++n < most; }; };
+  const auto ignore = [](std::string_view) {};
+  EXPECT_TRUE(visible("t", ignore, steps(3)).stopped);
+  EXPECT_TRUE(capture("t", steps(20)).stopped);
   EXPECT_LT(Clock::now() - begin, 1900ms);
   script("tools/t", "trap '' TERM; echo $$; sleep 30");
   std::string pid;
-  const RunResult result = runner_.runVisible(
-      request("t"), [&pid](std::string_view bytes) { pid += bytes; }, [&pid] { return pid.empty(); });
+  const auto keep = [&pid](std::string_view bytes) { pid += bytes; };
+  const RunResult result = visible("t", keep, [&pid] { return pid.empty(); });
   EXPECT_TRUE(result.stopped);
   EXPECT_EQ(result.status, 128 + SIGKILL);
   EXPECT_LT(Clock::now() - begin, 10s);
@@ -301,18 +273,16 @@ TEST(SystemInfoTest, VariablesSpeakForTheSystem) {
   const auto version = [](const char* text) {
     setenv("PAKRUNE_WINVER", text, 1);
     const auto found = platform::systemVersion();
-    return found ? Words{std::to_string(found->platformId), std::to_string(found->major),
-                         std::to_string(found->minor)}
-                 : Words{};
+    return found ? std::vector<int>{found->platformId, found->major, found->minor} : std::vector<int>{};
   };
-  EXPECT_EQ(version(""), (Words{"2", "10", "0"}));
-  EXPECT_EQ(version("1.4.90"), (Words{"1", "4", "90"}));
+  EXPECT_EQ(version(""), (std::vector<int>{2, 10, 0}));
+  EXPECT_EQ(version("1.4.90"), (std::vector<int>{1, 4, 90}));
   for (const char* text : {"2.10", "2.10.0.1", "x", "2..0", "2.-1.0", "2.10.0 "})
-    EXPECT_EQ(version(text), Words{}) << text;
+    EXPECT_EQ(version(text), std::vector<int>{}) << text;
   unsetenv("PAKRUNE_WINVER");
-  setenv("PAKRUNE_ADMIN", "0", 1);
-  EXPECT_FALSE(platform::isUserAnAdmin());
-  setenv("PAKRUNE_ADMIN", "", 1);
-  EXPECT_EQ(platform::isUserAnAdmin(), geteuid() == 0);
+  for (const char* value : {"0", ""}) {
+    setenv("PAKRUNE_ADMIN", value, 1);
+    EXPECT_EQ(platform::isUserAnAdmin(), *value == '\0' && geteuid() == 0) << value;
+  }
   unsetenv("PAKRUNE_ADMIN");
 }

@@ -2,10 +2,10 @@
 
 #include <gtest/gtest.h>
 
-#include <filesystem>
-
 #include "platform/InternetAddress.h"
 #include "runtime/IsExecutable.h"
+#include "tests/SimProcess.h"
+#include "tests/World.h"
 
 using namespace download;
 using runtime::PermissionMode;
@@ -22,43 +22,30 @@ TEST(PermissionMode, TextFieldAndFolderVariant) {
   EXPECT_EQ(runtime::executableMode.directoryVariant().text(), "755");
 }
 
-TEST(IsExecutable, ByNameOrFirstBytes) {
+class IsExecutable : public testworld::World {};
+
+TEST_F(IsExecutable, ByNameOrFirstBytes) {
   for (const char* name : {"x.sh", "SETUP.EXE", "archive.tar.sh", ".exe", "C:\\a.b\\c.Ktl"})
     EXPECT_TRUE(runtime::IsExecutableName(name)) << name;
   for (const char* name : {".sh", "", "sh", "C:\\my.dir\\run", "a.sh.txt", "x.sh "})
     EXPECT_FALSE(runtime::IsExecutableName(name)) << name;
-
-  std::string root = std::filesystem::temp_directory_path() / "isexecutable-XXXXXX";
-  const platform::DriveTable drives({{'C', mkdtemp(root.data())}});
-  const platform::Files files(drives);
-  const auto holds = [&files](std::string_view bytes) {
-    return files.writeText("C:\\run", bytes) && runtime::IsExecutable(files, "C:\\run");
+  const auto holds = [this](const char* text) {
+    write("run", text);
+    return runtime::IsExecutable(files_, "C:\\run");
   };
-  EXPECT_TRUE(holds("#!/bin/sh\n"));
-  EXPECT_TRUE(
-      holds("\x7F"
-            "ELF"));
-  for (const char* bytes : {"#!/bin/bash\n", " #!/bin/sh", "#!/bin/s", "ELF", "",
-                            "\x7F"
-                            "EL"})
-    EXPECT_FALSE(holds(bytes)) << bytes;
-  EXPECT_FALSE(runtime::IsExecutable(files, "C:\\"));
-  EXPECT_FALSE(runtime::IsExecutable(files, "C:\\gone"));
-  std::filesystem::remove_all(root);
+  for (const char* text : {"#!/bin/sh\n", "\177ELF"}) EXPECT_TRUE(holds(text)) << text;
+  for (const char* text : {"#!/bin/bash\n", " #!/bin/sh", "#!/bin/s", "ELF", "", "\177EL"})
+    EXPECT_FALSE(holds(text)) << text;
+  for (const char* none : {"C:\\", "C:\\gone"}) EXPECT_FALSE(runtime::IsExecutable(files_, none)) << none;
 }
 
 TEST(Protocol, RequestOfAPlainFileAndOfAnArchive) {
-  using namespace std::string_literals;
   EXPECT_EQ(requestBytes({getRemoteName("C:\\pkg\\run.sh"), 1234, {7, 5, 5}, "usr3"}),
-            "DLD:run.sh\0"s
-            "1234\0"s
-            "755\0usr3\0users\0"s);
+            requestOf({"DLD:run.sh", "1234", "755", "usr3", "users"}));
   EXPECT_EQ(requestBytes({"app_pack.tgz", 5'000'000'000, {4, 0, 0}, "usr1"}),
-            "DLD:app_pack.tgz\0"s
-            "5000000000\0"s
-            "400\0usr1\0users\0"s);
-  EXPECT_EQ(requestBytes({getRemoteName("C:\\a\xEF\x80\xBA\xEF\x83\xBF"), 0, {}, "usr1"}).substr(0, 8),
-            "DLD:a:\xFF\0"s);  // the name's own bytes
+            requestOf({"DLD:app_pack.tgz", "5000000000", "400", "usr1", "users"}));
+  EXPECT_EQ(requestBytes({getRemoteName("C:\\a\xEF\x80\xBA\xEF\x83\xBF"), 0, {}, "usr1"}),
+            requestOf({"DLD:a:\xFF", "0", "000", "usr1", "users"}));  // the name's own bytes
 }
 
 TEST(Protocol, RemoteName) {
@@ -77,15 +64,15 @@ TEST(ReplyCollector, DecidesAsSoonAsItCanAndOnce) {
     for (const std::string_view piece : pieces) reply = collector.add(piece);
     return reply;
   };
-  EXPECT_EQ(lastOf({"", "O"}), Reply::Undecided);
+  for (const auto& undecided : {lastOf({"", "O"}), lastOf({"NOSPAC"})})
+    EXPECT_EQ(undecided, Reply::Undecided);
   EXPECT_EQ(lastOf({"O", "K"}), Reply::Ok);
-  EXPECT_EQ(lastOf({"NOSPAC"}), Reply::Undecided);
   EXPECT_EQ(lastOf({"NOS", "PACE\r\n and more"}), Reply::NoSpace);
   EXPECT_EQ(lastOf({"BADARGS"}), Reply::BadArgs);
-  EXPECT_EQ(lastOf({"ok"}), Reply::Unknown);
-  EXPECT_EQ(lastOf({"NOSX"}), Reply::Unknown);
+  const std::string large(1 << 20, 'x');
+  for (const auto& pieces : {"ok", "NOSX", large.c_str()})
+    EXPECT_EQ(lastOf({pieces}), Reply::Unknown) << pieces;
   EXPECT_EQ(lastOf({"OX", "OK"}), Reply::Unknown);
-  EXPECT_EQ(lastOf({std::string(1 << 20, 'x')}), Reply::Unknown);
 }
 
 TEST(Protocol, ProgressAndTimeLeft) {
@@ -100,24 +87,18 @@ TEST(Protocol, ProgressAndTimeLeft) {
 TEST(Protocol, Addresses) {
   EXPECT_EQ(splitAddress("192.168"), (Address{"192", "168", "", ""}));
   EXPECT_EQ(splitAddress(".1..2.3"), (Address{"", "1", "", "2"}));
-  struct Case {
-    const char* text;
-    const char* address;
-    const char* port;
-  };
-  const Case cases[] = {{" 192.168.1.7\n", "192.168.1.7", ""},
-                        {"192.168.1.7:5142", "192.168.1.7", "5142"},
-                        {"192.168.1.7/24 brd 192.168.1.255", "192.168.1.7", ""},
-                        {"http://1.2.3.4:80/x", "1.2.3.4", "80"},
-                        {"v2.0: 1.2.3.4.", "1.2.3.4", ""},
-                        {"[1.2.3.4]:80", "1.2.3.4", ""},
-                        {"1.2.3.4:65536", "1.2.3.4", ""},
-                        {"127.0.0.010", "127.0.0.010", ""},
-                        {"1.2.3.4.5 6.7.8.9", "6.7.8.9", ""}};
-  for (const Case& c : cases) {
-    const auto found = addressIn(c.text);
-    ASSERT_TRUE(found) << c.text;
-    EXPECT_EQ(joined(found->address) + "|" + found->port, std::string(c.address) + "|" + c.port);
+  for (const auto& [text, expected] : {std::pair(" 192.168.1.7\n", "192.168.1.7|"),
+                                       {"192.168.1.7:5142", "192.168.1.7|5142"},
+                                       {"192.168.1.7/24 brd 192.168.1.255", "192.168.1.7|"},
+                                       {"http://1.2.3.4:80/x", "1.2.3.4|80"},
+                                       {"v2.0: 1.2.3.4.", "1.2.3.4|"},
+                                       {"[1.2.3.4]:80", "1.2.3.4|"},
+                                       {"1.2.3.4:65536", "1.2.3.4|"},
+                                       {"127.0.0.010", "127.0.0.010|"},
+                                       {"1.2.3.4.5 6.7.8.9", "6.7.8.9|"}}) {
+    const auto found = addressIn(text);
+    ASSERT_TRUE(found) << text;
+    EXPECT_EQ(joined(found->address) + "|" + found->port, expected);
   }
   for (const char* text : {"", "192", "192.168.1", "1.2.3.4.5", "1.2.3.", "1.2.3.x", "1.2.3.1000", "1 .2.3.4",
                            "1.2.3.256", "v1.2.3.4", "1.2.3.4a", "..1.2.3.4", "1.2.3.4.net"})

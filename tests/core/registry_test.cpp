@@ -1,40 +1,26 @@
 #include "platform/Registry.h"
 
-#include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/file.h>
-#include <sys/resource.h>
-#include <sys/stat.h>
 
-#include <csignal>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
 #include <thread>
 
-#include "runtime/Settings.h"
-#include "tests/OrdinaryUser.h"
+#include "tests/OnDisk.h"
 
 namespace fs = std::filesystem;
 using platform::Hive;
 using platform::Registry;
 using platform::ValueType;
 using tests::asOrdinaryUser;
+using tests::bytesOf;
+using tests::giveTo;
+using tests::modeOf;
 
 namespace {
 
 constexpr const char* key = "SOFTWARE\\Halvoren Inc\\Pakrune";
 constexpr const char* heading = "[HKEY_LOCAL_MACHINE\\SOFTWARE\\Halvoren Inc\\Pakrune]\n";
 
-class RecordedLog : public runtime::Log {
- public:
-  void append(const std::string& text) override { entries.push_back(text); }
-  std::size_t size() const override { return 0; }
-  std::string since(std::size_t) const override { return ""; }
-  std::vector<std::string> entries;
-};
-
-class RegistryTest : public testing::Test {
+class RegistryTest : public testworld::World {
  protected:
   RegistryTest() {
     registry_.setReport([this](const std::string& line) {
@@ -42,15 +28,9 @@ class RegistryTest : public testing::Test {
       get("listeners read too");
     });
   }
-  ~RegistryTest() override { fs::remove_all(root_); }
-
   void put(const std::string& bytes) {
     fs::create_directories(root_ + "/config");
     std::ofstream(file_, std::ios::binary) << bytes;
-  }
-  static std::string bytesOf(const std::string& path) {
-    std::ifstream in(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(in), {}};
   }
   std::string get(const std::string& name) const {
     const auto value = registry_.read(Hive::LocalMachine, key, name);
@@ -59,15 +39,6 @@ class RegistryTest : public testing::Test {
   bool set(const std::string& name, const std::string& text) {
     return registry_.write(Hive::LocalMachine, key, name, {ValueType::Text, text});
   }
-  static mode_t modeOf(const std::string& path) {
-    struct stat status {};
-    return lstat(path.c_str(), &status) == 0 ? status.st_mode & 07777 : 0;
-  }
-
-  std::string root_ = [] {
-    std::string name = fs::temp_directory_path() / "registry-test-XXXXXX";
-    return std::string(mkdtemp(name.data()));
-  }();
   std::string file_ = root_ + "/config/registry.txt";
   std::string site_ = root_ + "/site.txt";
   Registry registry_{file_, site_};
@@ -182,17 +153,11 @@ TEST_F(RegistryTest, SiteDefaultsAreReadAndNeverTouched) {
 
 TEST_F(RegistryTest, OfAFullDiskTheOldValueIsLeft) {
   ASSERT_TRUE(set("a", std::string(50000, 'x')));
-  const std::string before = bytesOf(file_);
-  const auto oldHandler = signal(SIGXFSZ, SIG_IGN);
-  rlimit old{};
-  getrlimit(RLIMIT_FSIZE, &old);
-  rlimit small = old;
-  small.rlim_cur = 1000;
-  ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
-  const bool written = set("a", "short") && set("b", std::string(5000, 'y'));
-  setrlimit(RLIMIT_FSIZE, &old);
-  signal(SIGXFSZ, oldHandler);
-  EXPECT_FALSE(written);
+  {
+    const tests::FullDisk full(1000);
+    EXPECT_TRUE(set("a", "short"));
+    EXPECT_FALSE(set("b", std::string(5000, 'y')));
+  }
   EXPECT_EQ(get("a"), "short");
   EXPECT_FALSE(set("huge", std::string(1024 * 1024, 'z')));  // would not be read again
   EXPECT_EQ(get("a"), "short");
@@ -203,11 +168,7 @@ TEST_F(RegistryTest, WhatMayNotBeChangedStays) {
   if (!tests::ordinaryUserGetsAbout()) GTEST_SKIP() << tests::rootIsClosed;
   ASSERT_TRUE(set("a", "1"));
   const std::string folder = root_ + "/config";
-  for (const std::string& path : {root_, folder, file_}) {
-    if (geteuid() == 0) {
-      ASSERT_EQ(chown(path.c_str(), 65534, 65534), 0);
-    }
-  }
+  for (const std::string& path : {root_, folder, file_}) ASSERT_TRUE(giveTo(path, 65534, 65534));
   const auto modes = [&](mode_t ofFolder, mode_t ofFile) {
     chmod(file_.c_str(), ofFile);
     chmod(folder.c_str(), ofFolder);
@@ -215,10 +176,10 @@ TEST_F(RegistryTest, WhatMayNotBeChangedStays) {
   modes(0700, 0);
   EXPECT_TRUE(asOrdinaryUser(
       [this] { return get("a") == "(none)" && !set("a", "2") && !set("a", "2") && reports_.size() == 1; }));
-  modes(0700, 0400);
-  EXPECT_TRUE(asOrdinaryUser([this] { return !set("a", "2") && get("a") == "1"; }));
-  modes(0500, 0600);
-  EXPECT_TRUE(asOrdinaryUser([this] { return !set("a", "2") && get("a") == "1"; }));
+  for (const auto& [ofFolder, ofFile] : {std::pair(0700U, 0400U), {0500U, 0600U}}) {
+    modes(ofFolder, ofFile);
+    EXPECT_TRUE(asOrdinaryUser([this] { return !set("a", "2") && get("a") == "1"; })) << ofFolder;
+  }
   std::ofstream(file_) << "rubbish";
   EXPECT_TRUE(asOrdinaryUser([this] {
     return get("a") == "(none)" && get("a") == "(none)" && !set("a", "2") && reports_.size() == 1;
@@ -227,43 +188,35 @@ TEST_F(RegistryTest, WhatMayNotBeChangedStays) {
   modes(0700, 0600);
 }
 
-TEST_F(RegistryTest, RootLeavesTheFileToItsUser) {
-  if (geteuid() != 0) GTEST_SKIP() << "needs root";
-  if (!tests::ordinaryUserGetsAbout()) GTEST_SKIP() << tests::rootIsClosed;
-  ASSERT_TRUE(set("a", "1"));
-  for (const std::string& path : {root_, root_ + "/config", file_})
-    ASSERT_EQ(chown(path.c_str(), 65534, 65534), 0);
-  ASSERT_TRUE(set("a", "2"));
-  EXPECT_TRUE(asOrdinaryUser([this] { return get("a") == "2" && set("a", "3"); }));
-}
-
-TEST_F(RegistryTest, WhatRootMakesBelowAUsersHomeBelongsToTheUser) {
+TEST_F(RegistryTest, WhatRootMakesOrChangesBelongsToTheUser) {
   if (geteuid() != 0) GTEST_SKIP() << "needs root";
   const std::string home = root_ + "/home";
-  ASSERT_EQ(mkdir(home.c_str(), 0755) + chown(home.c_str(), 65534, 65534), 0);
+  ASSERT_EQ(mkdir(home.c_str(), 0755), 0);
+  ASSERT_TRUE(giveTo(home, 65534, 65534));
   setenv("HOME", home.c_str(), 1);
   unsetenv("XDG_CONFIG_HOME");
   ASSERT_TRUE(Registry::forUser().write(Hive::LocalMachine, key, "a", {ValueType::Text, "1"}));
   for (const char* made : {"/.config", "/.config/pakrune", "/.config/pakrune/registry.txt",
-                           "/.config/pakrune/registry.txt.lock"}) {
-    struct stat status {};
-    EXPECT_EQ(stat((home + made).c_str(), &status), 0) << made;
-    EXPECT_EQ(status.st_uid, 65534U) << made;
-  }
+                           "/.config/pakrune/registry.txt.lock"})
+    EXPECT_TRUE(tests::belongsTo(home + made, 65534, tests::statusOf(home + made).st_gid)) << made;
+  if (!tests::ordinaryUserGetsAbout()) GTEST_SKIP() << tests::rootIsClosed;
+  ASSERT_TRUE(set("a", "1"));
+  for (const std::string& path : {root_, root_ + "/config", file_}) ASSERT_TRUE(giveTo(path, 65534, 65534));
+  ASSERT_TRUE(set("a", "2"));
+  EXPECT_TRUE(asOrdinaryUser([this] { return get("a") == "2" && set("a", "3"); }));
 }
 
 TEST_F(RegistryTest, SecondInstancesWaitForEachOther) {
   std::vector<std::thread> writers;
-  for (int w = 0; w < 4; ++w)
-    writers.emplace_back([this, w] {
+  for (const char* prefix : {"a-", "b-", "c-", "d-"})
+    writers.emplace_back([this, prefix] {
       Registry own(file_, site_);
-      for (int i = 0; i < 10; ++i)
-        own.write(Hive::LocalMachine, key, std::to_string(w) + '-' + std::to_string(i),
-                  {ValueType::Text, "x"});
+      for (const std::string& name : numbered(prefix, 10))
+        own.write(Hive::LocalMachine, key, name, {ValueType::Text, "x"});
     });
   for (std::thread& writer : writers) writer.join();
-  for (int w = 0; w < 4; ++w)
-    for (int i = 0; i < 10; ++i) EXPECT_EQ(get(std::to_string(w) + '-' + std::to_string(i)), "x");
+  for (const char* prefix : {"a-", "b-", "c-", "d-"})
+    for (const std::string& name : numbered(prefix, 10)) EXPECT_EQ(get(name), "x") << name;
   const int holder = open((file_ + ".lock").c_str(), O_RDONLY | O_CLOEXEC);
   ASSERT_EQ(flock(holder, LOCK_EX), 0);
   EXPECT_FALSE(set("a", "1"));
@@ -272,9 +225,8 @@ TEST_F(RegistryTest, SecondInstancesWaitForEachOther) {
 }
 
 TEST_F(RegistryTest, SettingsReadTextsUpToANulAndLogFailedWrites) {
-  RecordedLog log;
   platform::UserSettings user(registry_);
-  runtime::Settings settings(registry_, user, log);
+  runtime::Settings settings(registry_, user, log_);
   EXPECT_FALSE(settings.firstRun());
   EXPECT_EQ(settings.initDir(), "");
   for (const auto& [text, first] : {std::pair(std::string("1\0", 2), true), {"1", true}, {"1 ", false}}) {
@@ -287,28 +239,25 @@ TEST_F(RegistryTest, SettingsReadTextsUpToANulAndLogFailedWrites) {
   EXPECT_EQ(settings.RegReadString(Hive::LocalMachine, key, "usr8", "default"), "default");
   settings.setInitDir("C:\\my \"pkg\"");
   EXPECT_EQ(user.read("halvoren", "pakrune", "INITDIR"), "C:\\my \"pkg\"");
-  EXPECT_TRUE(log.entries.empty());
+  EXPECT_EQ(log_.all, "");
   fs::remove_all(root_ + "/config");
   std::ofstream(root_ + "/config") << "in the way";
   settings.setLastIP("10.0.0.1");
   settings.setUsr8("0");
-  EXPECT_EQ(log.entries, std::vector<std::string>(2, "ERROR: Unable to write to registry"));
+  EXPECT_EQ(log_.all, "ERROR: Unable to write to registry\nERROR: Unable to write to registry\n");
 }
 
-TEST(RegistryPlace, FollowsTheConfigurationFolder) {
+TEST_F(RegistryTest, StandsInTheConfigurationFolder) {
   if (!tests::ordinaryUserGetsAbout()) GTEST_SKIP() << tests::rootIsClosed;
-  std::string root = fs::temp_directory_path() / "registry-home-XXXXXX";
-  ASSERT_NE(mkdtemp(root.data()), nullptr);
-  chmod(root.c_str(), 0777);
-  const auto writes = [&root](const std::string& config, const std::string& file) {
+  chmod(root_.c_str(), 0777);
+  const auto writes = [this](const std::string& config, const std::string& file) {
     return asOrdinaryUser([&] {  // in a process of its own: the environment of this one stays
-      setenv("HOME", root.c_str(), 1);
+      setenv("HOME", root_.c_str(), 1);
       setenv("XDG_CONFIG_HOME", config.c_str(), 1);
       return Registry::forUser().write(Hive::CurrentUser, "k", "n", {ValueType::Text, "x"}) &&
-             fs::exists(root + file);
+             fs::exists(root_ + file);
     });
   };
-  EXPECT_TRUE(writes(root + "/cfg", "/cfg/pakrune/registry.txt"));
+  EXPECT_TRUE(writes(root_ + "/cfg", "/cfg/pakrune/registry.txt"));
   EXPECT_TRUE(writes("relative", "/.config/pakrune/registry.txt"));
-  fs::remove_all(root);
 }

@@ -1,14 +1,10 @@
-#include <fcntl.h>
-#include <gtest/gtest.h>
 #include <sys/file.h>
-#include <sys/stat.h>
 
-#include <csignal>
 #include <thread>
 
 #include "runtime/DirExists.h"
 #include "runtime/PermissionTest.h"
-#include "tests/World.h"
+#include "tests/OnDisk.h"
 
 using runtime::ToCygwinPath;
 
@@ -44,86 +40,72 @@ class RuntimeTest : public testworld::World {
   platform::System recordedSystem_{drives_, files_, environment_, registry_, userSettings_, runner_, busy_};
 };
 
-TEST(ModAPI, CygwinPaths) {
-  EXPECT_EQ(ToCygwinPath(""), "");
-  EXPECT_EQ(ToCygwinPath("C:\\Data\\my files"), "\"/cygdrive/C/Data/my files\"");
-  EXPECT_EQ(ToCygwinPath("d:\\"), "\"/cygdrive/d/\"");
-  EXPECT_EQ(ToCygwinPath("\\\\server\\share\\x"), "\"//server/share/x\"");
-  EXPECT_EQ(ToCygwinPath("sub\\a:b.txt"), "\"sub/ab.txt\"");
-  EXPECT_EQ(ToCygwinPath("C:\\a\" -x \"b"),
-            "\"/cygdrive/C/a\xEF\x80\xA2 -x \xEF\x80\xA2"
-            "b\"");
-}
-
-TEST(ModAPI, PixelsAndNames) {
+TEST(ModAPI, PathsPixelsAndNames) {
+  for (const auto& [path, cygwin] : {std::pair("", ""),
+                                     {"C:\\Data\\my files", "\"/cygdrive/C/Data/my files\""},
+                                     {"d:\\", "\"/cygdrive/d/\""},
+                                     {"\\\\server\\share\\x", "\"//server/share/x\""},
+                                     {"sub\\a:b.txt", "\"sub/ab.txt\""},
+                                     {"C:\\a\" -x \"", "\"/cygdrive/C/a\xEF\x80\xA2 -x \xEF\x80\xA2\""}})
+    EXPECT_EQ(ToCygwinPath(path), cygwin);
   EXPECT_EQ(runtime::PixelsToTwips(1, 96), 15);
   EXPECT_EQ(runtime::PixelsToTwips(1, 576), 2);  // 2.5, halves to even
   EXPECT_EQ(runtime::PixelsToTwips(3, 576), 8);  // 7.5
   EXPECT_EQ(runtime::PixelsToTwips(1, 0), 0);
-  EXPECT_EQ(runtime::GetFileName("C:\\a\\b"), "b");
-  EXPECT_EQ(runtime::GetFileName("b"), "b");
-  EXPECT_EQ(runtime::getFilePath("C:\\a\\b"), "C:\\a\\");
-  EXPECT_EQ(runtime::getFilePath("b"), "");
+  for (const std::string path : {"C:\\a\\b", "b"}) {
+    EXPECT_EQ(runtime::GetFileName(path), "b");
+    EXPECT_EQ(runtime::getFilePath(path) + "b", path);
+  }
 }
 
 TEST(GetOSVersion, NamesTheSystemsOfTheTable) {
-  const auto named = [](int platform, int major, int minor) {
-    return runtime::GetOSVersion(platform::SystemVersion{platform, major, minor});
-  };
-  EXPECT_EQ(named(1, 4, 0), "95");
-  EXPECT_EQ(named(1, 4, 10), "98");
-  EXPECT_EQ(named(1, 4, 90), "");
-  EXPECT_EQ(named(2, 3, 51), "3.51");
-  EXPECT_EQ(named(2, 4, 0), "4.0");
-  EXPECT_EQ(named(2, 5, 0), "2000");
-  EXPECT_EQ(named(2, 5, 1), "NT");
-  EXPECT_EQ(named(2, 5, 2), "");
-  EXPECT_EQ(named(2, 10, 0), "");
-  EXPECT_EQ(named(3, 1, 0), "Failed");
+  using Version = platform::SystemVersion;
+  for (const auto& [version, name] : {std::pair(Version{1, 4, 0}, "95"),
+                                      {Version{1, 4, 10}, "98"},
+                                      {Version{1, 4, 90}, ""},
+                                      {Version{2, 3, 51}, "3.51"},
+                                      {Version{2, 4, 0}, "4.0"},
+                                      {Version{2, 5, 0}, "2000"},
+                                      {Version{2, 5, 1}, "NT"},
+                                      {Version{2, 5, 2}, ""},
+                                      {Version{2, 10, 0}, ""},
+                                      {Version{3, 1, 0}, "Failed"}})
+    EXPECT_EQ(runtime::GetOSVersion(version), name) << version.major << '.' << version.minor;
   EXPECT_EQ(runtime::GetOSVersion(std::nullopt), "");
 }
 
-TEST_F(RuntimeTest, CaptureRunsInTheToolFolderUnlessToldOtherwise) {
+TEST_F(RuntimeTest, RunsTakePlaceInTheirFoldersAndKeepTextAndStatus) {
   runtime::modAPI api = recorded();
   EXPECT_EQ(api.RunCapture(bin(), "ls.exe -l").text, "said");
   EXPECT_EQ(api.RunCapture(bin(), "ls.exe -l", "C:\\").text, "said");
-  ASSERT_EQ(runner_.requests.size(), 2U);
-  EXPECT_EQ(runner_.requests[0].workingFolder, bin());
-  EXPECT_EQ(runner_.requests[1].workingFolder, "C:\\");
-  EXPECT_EQ(runner_.requests[1].toolFolder, bin());
   EXPECT_EQ(api.currentFolder(), bin());
   EXPECT_EQ(person_.yields, 2);
+  api.SetCurDir("C:\\");
+  api.SetCurDir("C:\\nowhere");
+  runner_.answer.status = 2;
+  const runtime::ToolResult run = api.RunAndWait("tar.exe -cf x");
+  EXPECT_EQ(run.text + std::to_string(run.status), "said2");
+  EXPECT_EQ(person_.consoles, std::vector<std::string>{"tar.exe"});
+  EXPECT_FALSE(busy_.held());
+  std::string folders;
+  for (const auto& request : runner_.requests)
+    folders += request.workingFolder + "|" + request.toolFolder + "\n";
+  EXPECT_EQ(folders, bin() + "|" + bin() + "\nC:\\|" + bin() + "\nC:\\|\n");  // the last may be the user's
   runner_.answer = {"", platform::notStarted, 2, false};
   EXPECT_EQ(api.RunCapture(bin(), "gone").text, runtime::startFailure);
   EXPECT_TRUE(person_.told.empty());
   runner_.answer.pipeFailed = true;
   EXPECT_EQ(api.RunCapture(bin(), "ls.exe").text, "");
   EXPECT_EQ(person_.told, std::vector<std::string>{"Pakrune|CreatePipe failed. Error: 2"});
-}
-
-TEST_F(RuntimeTest, OlderSystemsStartNoTools) {
-  runtime::modAPI api = recorded();
-  for (const char* version : {"95", "98", "3.51", "4.0", "Failed"}) {
+  runner_.answer = {"said", 0, 0, false};
+  for (const std::string version :
+       {"95", "98", "3.51", "4.0", "Failed", "NT"}) {  // older systems start no tools
+    runner_.requests.clear();
     api.setOsVersion(version);
-    EXPECT_EQ(api.RunCapture(bin(), "ls.exe").text, runtime::startFailure);
+    EXPECT_EQ(api.RunCapture(bin(), "ls.exe").text, version == "NT" ? "said" : runtime::startFailure)
+        << version;
+    EXPECT_EQ(runner_.requests.size(), version == "NT" ? 1U : 0U) << version;
   }
-  EXPECT_TRUE(runner_.requests.empty());
-  api.setOsVersion("NT");
-  EXPECT_EQ(api.RunCapture(bin(), "ls.exe").text, "said");
-}
-
-TEST_F(RuntimeTest, VisibleRunsKeepTheirTextAndStatus) {
-  runtime::modAPI api = recorded();
-  api.SetCurDir("C:\\");
-  api.SetCurDir("C:\\nowhere");
-  runner_.answer.status = 2;
-  const runtime::ToolResult run = api.RunAndWait("tar.exe -cf x");
-  EXPECT_EQ(run.status, 2);
-  EXPECT_EQ(run.text, "said");
-  EXPECT_EQ(runner_.requests[0].workingFolder, "C:\\");
-  EXPECT_EQ(runner_.requests[0].toolFolder, "");  // the current folder may be the user's
-  EXPECT_EQ(person_.consoles, std::vector<std::string>{"tar.exe"});
-  EXPECT_FALSE(busy_.held());
 }
 
 TEST_F(RuntimeTest, AStopEndsARunAndLetsNoneBegin) {
@@ -139,16 +121,6 @@ TEST_F(RuntimeTest, AStopEndsARunAndLetsNoneBegin) {
     EXPECT_EQ(never.status, platform::notStarted);
   }
   EXPECT_TRUE(person_.consoles.empty());
-}
-
-TEST_F(RuntimeTest, HowARunEndedIsSaidInWords) {
-  const std::string bash = "Z:\\bin\\bash -c ";
-  EXPECT_EQ(runtime::howItEnded(api_.RunCapture(bin(), bash + "\"kill -9 $$\""), "tar"),
-            "tar was ended by signal 9");
-  EXPECT_EQ(runtime::howItEnded(api_.RunCapture(bin(), bash + "\"exit 3\""), "tar"),
-            "tar ended with exit code 3");
-  EXPECT_EQ(runtime::howItEnded(api_.RunCapture(bin(), "nowhere"), "tar"),
-            "tar could not be started: No such file or directory");
 }
 
 TEST(Busy, RemembersTheWidestWishAndDoesItOnceAfterwards) {
@@ -207,20 +179,20 @@ TEST_F(RuntimeTest, FindsTheMountedRootBeforeTheProgramsOwn) {
 
 TEST_F(RuntimeTest, SearchPathGetsTheToolsInFront) {
   environment_.set("PATH", "C:\\x");
-  cygwin_.AddDotToPath();
-  EXPECT_EQ(path(), "C:\\x;.;");
-  cygwin_.AddDotToPath();
-  EXPECT_EQ(path(), "C:\\x;.;");
+  for (int times = 0; times < 2; ++times) {
+    cygwin_.AddDotToPath();
+    EXPECT_EQ(path(), "C:\\x;.;");
+  }
   cygwin_.FindCygwinRoot();
   cygwin_.CheckCygwinTools();
   EXPECT_EQ(path(), bin() + ";C:\\x;.;");
   EXPECT_EQ(environment_.get("CYGWIN"), "ntsec smbntsec");
-  environment_.set("Path", "C:\\x");
-  cygwin_.SetCygwinEnvironment();
-  EXPECT_EQ(path(), ".;" + bin() + ";C:\\x");
-  environment_.set("Path", ";" + bin() + ";.;");
-  cygwin_.SetCygwinEnvironment();
-  EXPECT_EQ(path(), ";" + bin() + ";.;");
+  for (const auto& [before, after] : {std::pair<std::string, std::string>("C:\\x", ".;" + bin() + ";C:\\x"),
+                                      {";" + bin() + ";.;", ";" + bin() + ";.;"}}) {
+    environment_.set("Path", before);
+    cygwin_.SetCygwinEnvironment();
+    EXPECT_EQ(path(), after);
+  }
 }
 
 TEST_F(RuntimeTest, AProgramFolderMayHoldASemicolon) {
@@ -242,21 +214,21 @@ TEST_F(RuntimeTest, MissingToolsAreReportedOnce) {
   removeTool("ls.exe");
   findTools();
   EXPECT_EQ(person_.told, report("ls.exe"));
-  for (const char* tool : {"chmod.exe", "tar.exe"}) {
+  const auto missing = [&] {
     person_.told.clear();
-    removeTool(tool);
     runtime::CygwinEnvironment fresh(system_, api_, person_, program_);
     fresh.FindCygwinRoot();
     fresh.CheckCygwinTools();
-    EXPECT_EQ(person_.told, report("tar.exe")) << tool;
+    EXPECT_EQ(person_.told, report("tar.exe"));
     EXPECT_EQ(fresh.cygwinBin(), "");
-  }
-}
-
-TEST_F(RuntimeTest, AToolInUpperCaseCountsAsMissing) {
+  };
   fs::rename(root_ + "/prog/bin/tar.exe", root_ + "/prog/bin/TAR.EXE");
-  findTools();
-  EXPECT_EQ(person_.told.size(), 1U);
+  missing();  // in upper case it counts as missing
+  link("tar", "tar.exe");
+  for (const char* tool : {"chmod.exe", "tar.exe"}) {
+    removeTool(tool);
+    missing();
+  }
 }
 
 TEST_F(RuntimeTest, DirExistsMakesEveryLevel) {
@@ -273,22 +245,20 @@ TEST_F(RuntimeTest, PermissionTestTellsWhatFailed) {
   const auto test = [&] {
     log_.all.clear();
     runtime::RunPermissionTest(services(), [&notices] { ++notices; });
-    EXPECT_FALSE(fs::exists(root_ + "/prog/test123456789"));
     return log_.all;
   };
   EXPECT_EQ(test(), "");
-  removeTool("chmod.exe");
-  link("true", "chmod.exe");  // silent, and without effect
+  tool("chmod.exe", "");  // silent, and without effect
   EXPECT_EQ(test(), "ERROR: Permission test failed (chmod.exe)\n");
   EXPECT_EQ(notices, 0);
   stored_.RegWriteString(platform::Hive::LocalMachine, "SOFTWARE\\Halvoren Inc\\Pakrune", "FirstRun", "1");
   test();
   EXPECT_EQ(notices, 1);
-  removeTool("chmod.exe");
-  link("echo", "chmod.exe");
+  tool("chmod.exe", "echo \"$@\"");
   EXPECT_TRUE(test().starts_with("ERROR: Unable to Set Permissions (chmod.exe)\r\n777 "));
   removeTool("chmod.exe");
   EXPECT_EQ(test(), "ERROR: Unable to Set Permissions (chmod.exe)\n");
+  EXPECT_FALSE(fs::exists(root_ + "/prog/test123456789"));
   const int other = open((root_ + "/prog").c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
   ASSERT_EQ(flock(other, LOCK_EX), 0);  // another program's test runs
   std::thread ends([other] {
@@ -300,9 +270,7 @@ TEST_F(RuntimeTest, PermissionTestTellsWhatFailed) {
   EXPECT_GT(std::chrono::steady_clock::now() - begin, std::chrono::milliseconds(100));
   ends.join();
   fs::create_directory(root_ + "/prog/test123456789");
-  log_.all.clear();
-  runtime::RunPermissionTest(services(), [] {});
-  EXPECT_TRUE(log_.all.starts_with("Permission test not run: ")) << log_.all;
+  EXPECT_TRUE(test().starts_with("Permission test not run: ")) << log_.all;
 }
 
 }  // namespace

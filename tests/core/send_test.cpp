@@ -14,6 +14,7 @@ using namespace std::string_literals;
 using platform::ConnectionState;
 using runtime::JobEnd;
 using std::chrono::steady_clock;
+using testworld::has;
 
 /// A unit that does what a test wants, at the times of its clock.
 class FakeUnit : public platform::Connection {
@@ -100,6 +101,22 @@ class SendTest : public testworld::World {
     took_ = display_.time - start;
     return end;
   }
+  /// A new unit, to which nothing was shown yet.
+  void fresh() {
+    unit_ = {};
+    display_.shown.clear();
+  }
+  /// When the display's texts end so.
+  std::function<bool()> shows(const char* end) {
+    return [this, end] { return display_.shown.ends_with(end); };
+  }
+  /// When so many chunks were given to the unit, the request counted.
+  std::function<bool()> chunks(std::size_t count) {
+    return [this, count] { return unit_.chunks.size() == count; };
+  }
+  std::function<bool()> finished() {
+    return [this] { return unit_.calls.ends_with("finish\n"); };
+  }
   /// Sends to a simulator over real sockets, at `factor` times the speed of time; its events.
   std::string runReal(const std::string& options, int factor = 1) {
     SimProcess sim("--once " + options);
@@ -150,9 +167,7 @@ TEST_F(SendTest, AWholeTransferInItsOrder) {
   EXPECT_EQ(told(), sent);
   EXPECT_EQ(unit_.calls, "connect 10.0.0.1:5142\nfinish\n");
   EXPECT_EQ(unit_.sent.substr(0, unit_.chunks[0]),
-            "DLD:app.tgz\0"s
-            "2500\0"s
-            "400\0usr1\0users\0"s);
+            requestOf({"DLD:app.tgz", "2500", "400", "usr1", "users"}));
   EXPECT_TRUE(unit_.data() == bytes("app.tgz"));
   EXPECT_EQ(unit_.chunks, (std::vector<std::size_t>{unit_.chunks[0], 1000, 1000, 500}));
   EXPECT_EQ(display_.shown, "Connecting..|Connected|Checking..|Connected|+left|Sending..|");
@@ -187,102 +202,69 @@ TEST_F(SendTest, AUnitThatCannotBeReached) {
 }
 
 TEST_F(SendTest, RepliesThatSendNothing) {
-  struct Case {
-    const char* reply;
-    const char* told;
-    std::chrono::seconds lasts;
-  };
-  const Case cases[] = {{"NOSPACE\r\n", noSpace, 0s},
-                        {"BADARGS!", "Unable to send file|Bad arguments in the command packet\n", 0s},
-                        {"ok", requestFailed, 5s},
-                        {"O", requestFailed, 5s},
-                        {"", requestFailed, 5s}};
-  for (const Case& c : cases) {
-    unit_ = {};
-    display_.shown.clear();
-    unit_.reply = c.reply;
+  for (const auto& [reply, said, lasts] :
+       {std::tuple("NOSPACE\r\n", noSpace, 0s),
+        {"BADARGS!", "Unable to send file|Bad arguments in the command packet\n", 0s},
+        {"ok", requestFailed, 5s},
+        {"O", requestFailed, 5s},
+        {"", requestFailed, 5s}}) {
+    fresh();
+    unit_.reply = reply;
     EXPECT_EQ(run(), JobEnd::Failed);
-    EXPECT_EQ(told(), c.told) << c.reply;
-    EXPECT_EQ(unit_.data(), "") << c.reply;
-    EXPECT_TRUE(took_ >= 200ms + c.lasts && took_ < 400ms + c.lasts) << c.reply;
+    EXPECT_EQ(told(), said) << reply;
+    EXPECT_EQ(unit_.data(), "") << reply;
+    EXPECT_TRUE(took_ >= 200ms + lasts && took_ < 400ms + lasts) << reply;
     EXPECT_TRUE(unit_.calls.ends_with("close\n") && display_.shown.ends_with("-left|Disconnected|"));
     EXPECT_LT(display_.shown.size(), 90U) << display_.shown;  // each change once
   }
-}
-
-TEST_F(SendTest, AnOkThatComesTooLateSendsNothing) {
-  struct Late : testworld::Person {
-    runtime::Answer message(const std::string& text, runtime::Buttons buttons, runtime::Icon icon,
-                            const std::string& title, runtime::Consequence consequence) override {
-      unit->arrived = "OK";
-      return Person::message(text, buttons, icon, title, consequence);
-    }
-    FakeUnit* unit = nullptr;
-  } late;
-  late.unit = &unit_;
+  fresh();
   unit_.reply = "";
-  runtime::Services lent{system_, api_, cygwin_, late, log_, stored_};
-  download::SendJob(lent, order_, unit_, display_, [this] { return display_.time; }).run();
-  EXPECT_EQ(late.told.size(), 1U);
+  person_.onMessage = [this] { unit_.arrived = "OK"; };  // an OK that comes too late
+  EXPECT_EQ(run(), JobEnd::Failed);
+  EXPECT_EQ(told(), requestFailed);
   EXPECT_EQ(unit_.data(), "");
-  EXPECT_EQ(log_.all, "");
 }
 
 TEST_F(SendTest, AUnitThatClosesOrResets) {
   const auto now = [this](ConnectionState state) { return [this, state] { unit_.now = state; }; };
-  const char* const reset = "Error #104|Connection reset by peer\n";
-  struct Case {
-    const char* when;
-    std::function<bool()> due;
-    const char* told;
-  };
-  const Case cases[] = {
-      {"before the request", [this] { return unit_.now == ConnectionState::Connected; }, reset},
-      {"before the reply", [this] { return unit_.chunks.size() == 1; }, requestFailed},
-      {"in the middle", [this] { return unit_.chunks.size() == 2; }, reset},
-      {"after the last byte", [this] { return unit_.calls.ends_with("finish\n"); }, reset}};
-  for (const Case& c : cases)
+  const std::string reset = "Error #104|Connection reset by peer\n";
+  using Case = std::tuple<std::string, std::function<bool()>, std::string>;
+  for (const auto& [when, due, said] :
+       {Case{"before the request", [this] { return unit_.now == ConnectionState::Connected; }, reset},
+        Case{"before the reply", chunks(1), requestFailed}, Case{"in the middle", chunks(2), reset},
+        Case{"after the last byte", finished(), reset}})
     for (const auto state : {ConnectionState::Closed, ConnectionState::Closing}) {
-      const bool inOrder = state == ConnectionState::Closing && c.when == cases[3].when;
+      const bool inOrder = state == ConnectionState::Closing && when == "after the last byte";
       unit_ = {};
-      if (c.told == requestFailed) unit_.reply = "";
-      once(c.due, now(state));
-      EXPECT_EQ(run(), inOrder ? JobEnd::Done : JobEnd::Failed) << c.when;
-      EXPECT_EQ(told(), inOrder ? sent : c.told) << c.when;
-      EXPECT_EQ(took_ >= 5s, c.told == requestFailed) << c.when;
+      if (said == requestFailed) unit_.reply = "";
+      once(due, now(state));
+      EXPECT_EQ(run(), inOrder ? JobEnd::Done : JobEnd::Failed) << when;
+      EXPECT_EQ(told(), inOrder ? sent : said) << when;
+      EXPECT_EQ(took_ >= 5s, said == requestFailed) << when;
     }
-  unit_ = {};
-  display_.shown.clear();
-  once([this] { return display_.shown.ends_with("Checking..|Connected|"); }, now(ConnectionState::Closed));
+  fresh();
+  once(shows("Checking..|Connected|"), now(ConnectionState::Closed));
   run();
   EXPECT_EQ(told(), reset);
-  EXPECT_EQ(display_.shown.find("Sending"), std::string::npos);  // so that the dialog stays for another try
+  EXPECT_FALSE(has(display_.shown, "Sending"));  // so that the dialog stays for another try
 }
 
 TEST_F(SendTest, ASlowUnitLivesAndADeadOneIsLostAfterTwentySeconds) {
-  for (const std::int64_t kept : {0, 3000}) {  // the bytes wait here, or the system holds them all
-    unit_ = {};
-    unit_.takesAtOnce = false;
-    unit_.systemHolds = kept;
-    unit_.onLook = [this, next = display_.time + 15s]() mutable {
-      if (unit_.chunks.size() == 1) unit_.held = 0;
-      if (display_.time < next) return;
-      next = display_.time + 15s;
-      unit_.held = std::max<std::int64_t>(unit_.held - 300, 0);
-    };
-    EXPECT_EQ(run(), JobEnd::Done) << kept;
-    EXPECT_EQ(told(), sent);
-    EXPECT_GT(took_, 100s);
-    unit_ = {};
-    unit_.takesAtOnce = false;
-    unit_.systemHolds = kept;
-    unit_.onLook = [this] {
-      if (unit_.chunks.size() == 1) unit_.held = 0;
-    };
-    EXPECT_EQ(run(), JobEnd::Failed);
-    EXPECT_EQ(told(), lost);
-    EXPECT_TRUE(took_ > 20s && took_ < 21s);
-  }
+  for (const std::int64_t kept : {0, 3000})  // the bytes wait here, or the system holds them all
+    for (const bool slow : {true, false}) {
+      unit_ = {};
+      unit_.takesAtOnce = false;
+      unit_.systemHolds = kept;
+      unit_.onLook = [this, slow, next = display_.time + 15s]() mutable {
+        if (unit_.chunks.size() == 1) unit_.held = 0;
+        if (!slow || display_.time < next) return;
+        next = display_.time + 15s;
+        unit_.held = std::max<std::int64_t>(unit_.held - 300, 0);
+      };
+      EXPECT_EQ(run(), slow ? JobEnd::Done : JobEnd::Failed) << kept;
+      EXPECT_EQ(told(), slow ? sent : lost);
+      EXPECT_TRUE(slow ? took_ > 100s : took_ > 20s && took_ < 21s);
+    }
 }
 
 TEST_F(SendTest, TheEndIsAwaitedForTwoSecondsAndTheTimeLeftIsThatOfTheLastSecond) {
@@ -290,74 +272,62 @@ TEST_F(SendTest, TheEndIsAwaitedForTwoSecondsAndTheTimeLeftIsThatOfTheLastSecond
   EXPECT_EQ(run(), JobEnd::Done);
   EXPECT_GE(took_, 400ms + 3000ms + 2s);
   EXPECT_LT(took_, 400ms + 3000ms + 2100ms);
-  EXPECT_NE(display_.shown.find("Sending..|2 s|1 s|"), std::string::npos) << display_.shown;
+  EXPECT_TRUE(has(display_.shown, "Sending..|2 s|1 s|"));
 }
 
 TEST_F(SendTest, AStopAtEveryStepIsOneLine) {
-  struct Case {
-    const char* when;
-    std::function<bool()> due;
-    const char* told;
-  };
-  const auto shows = [this](const char* status) {
-    return [this, status] { return display_.shown.ends_with(status); };
-  };
-  const Case cases[] = {
-      {"connecting", shows("Connecting..|"), aborted},
-      {"connected", shows("Connecting..|Connected|"), aborted},
-      {"checking", shows("Checking..|"), aborted},
-      {"disconnected by an unknown reply", shows("Disconnected|"), ""},
-      {"sending", [this] { return unit_.chunks.size() == 2; }, aborted},
-      {"a chunk waits", [this] { return unit_.held > 0; }, aborted},
-      {"the end is awaited", [this] { return unit_.calls.ends_with("finish\n"); }, aborted}};
-  for (const Case& c : cases) {
-    unit_ = {};
-    display_.shown.clear();
-    if (c.when == cases[0].when) unit_.answers = false;
-    if (c.when == cases[2].when) unit_.reply = "";
-    if (c.when == cases[3].when) unit_.reply = "ok";
-    if (c.when == cases[5].when) unit_.onLook = [this] { unit_.takesAtOnce = unit_.chunks.size() < 2; };
-    std::size_t chunks = 0;
+  using Case = std::tuple<std::string, std::function<bool()>>;
+  for (const auto& [when, due] :
+       {Case{"connecting", shows("Connecting..|")}, Case{"connected", shows("Connecting..|Connected|")},
+        Case{"checking", shows("Checking..|")},
+        Case{"disconnected by an unknown reply", shows("Disconnected|")}, Case{"sending", chunks(2)},
+        Case{"a chunk waits", [this] { return unit_.held > 0; }}, Case{"the end is awaited", finished()}}) {
+    SCOPED_TRACE(when);
+    const bool refused = when.starts_with("disconnected");
+    fresh();
+    unit_.answers = when != "connecting";
+    if (when == "checking") unit_.reply = "";
+    if (refused) unit_.reply = "ok";
+    if (when == "a chunk waits") unit_.onLook = [this] { unit_.takesAtOnce = unit_.chunks.size() < 2; };
+    std::size_t given = 0;
     int looks = 0;
-    once(c.due, [&] {
+    once(due, [&] {
       busy_.requestStop();
-      chunks = unit_.chunks.size();
+      given = unit_.chunks.size();
       looks = unit_.looks;
     });
-    EXPECT_EQ(run(), JobEnd::Stopped) << c.when;
-    EXPECT_EQ(told(), c.told) << c.when;
-    EXPECT_EQ(unit_.chunks.size(), chunks) << c.when;
-    EXPECT_LE(unit_.looks, looks + 1) << c.when;
-    EXPECT_EQ(unit_.now, ConnectionState::Closed) << c.when;
+    EXPECT_EQ(run(), JobEnd::Stopped);
+    EXPECT_EQ(told(), refused ? "" : aborted);
+    EXPECT_EQ(unit_.chunks.size(), given);
+    EXPECT_LE(unit_.looks, looks + 1);
+    EXPECT_EQ(unit_.now, ConnectionState::Closed);
   }
-  unit_ = {};
-  display_.shown.clear();
+  fresh();
   busy_.requestEnd();
   EXPECT_EQ(run(), JobEnd::Stopped);
   EXPECT_EQ(display_.shown + unit_.calls + told(), "");
 }
 
 TEST_F(SendTest, AFileThatChangesIsNeverASuccess) {
-  const std::string same(2500, 's');
   const std::function<void()> changes[] = {[&] { fs::resize_file(host("app.tgz"), 2400); },
                                            [&] { fs::resize_file(host("app.tgz"), 2600); },
-                                           [&] { write("app.tgz", same); }};
+                                           [&] { write("app.tgz", std::string(2500, 's')); }};
   for (const auto& change : changes) {
     unit_ = {};
     random(2500, "app.tgz");
     usleep(20'000);  // the clock of files is coarse
-    once([this] { return unit_.chunks.size() == 2; }, change);
+    once(chunks(2), change);
     EXPECT_EQ(run(), JobEnd::Failed);
     EXPECT_EQ(told(), changed);
     EXPECT_LT(unit_.data().size(), 2500U);  // what the unit has is no whole file
   }
   unit_ = {};
   write("app.tgz", "");
-  once([this] { return unit_.chunks.size() == 1; }, [this] { write("app.tgz", "no longer empty"); });
+  once(chunks(1), [this] { write("app.tgz", "no longer empty"); });
   EXPECT_EQ(run(), JobEnd::Failed);
   EXPECT_EQ(told(), changed);
   unit_ = {};
-  once([this] { return unit_.chunks.size() == 1; }, [this] { fs::rename(host("app.tgz"), host("b")); });
+  once(chunks(1), [this] { fs::rename(host("app.tgz"), host("b")); });
   EXPECT_EQ(run(), JobEnd::Done);
 }
 
@@ -369,30 +339,23 @@ TEST_F(SendTest, RealConnections) {
     const std::string events = runReal("--split-reply --reply OKOK");
     EXPECT_LT(steady_clock::now() - start, 1900ms) << size;  // the unit's close ends it
     EXPECT_EQ(result_.end, JobEnd::Done) << told() << events;
-    EXPECT_NE(events.find("received " + std::to_string(size) + " bytes\nstored"), std::string::npos)
-        << events;
+    EXPECT_TRUE(has(events, "received " + std::to_string(size) + " bytes\nstored"));
   }
   told();
-  struct Case {
-    const char* options;
-    std::size_t size;
-    const char* told;
-    int factor;
-  };
-  const Case cases[] = {{"--reply ok", 1500, requestFailed, 10},
-                        {"--silent --timeout 100", 1500, requestFailed, 10},
-                        {"--close-after 0", 200'000, "Error #32|Broken pipe\n", 1},
-                        {"--close-after 1000", 1500, "Error #", 1},
-                        {"--read-rate 0", 400'000, lost, 20},
-                        {"--read-rate 0", 40'000, lost, 20},
-                        {"--free 10", 1500, noSpace, 1}};
-  for (const Case& c : cases) {
-    random(c.size, "app.tgz");
-    const std::string events = runReal(c.options, c.factor);
-    EXPECT_EQ(result_.end, JobEnd::Failed) << c.options;
+  for (const auto& [options, size, said, factor] :
+       {std::tuple("--reply ok", 1500U, requestFailed, 10),
+        {"--silent --timeout 100", 1500U, requestFailed, 10},
+        {"--close-after 0", 200'000U, "Error #32|Broken pipe\n", 1},
+        {"--close-after 1000", 1500U, "Error #", 1},
+        {"--read-rate 0", 400'000U, lost, 20},
+        {"--read-rate 0", 40'000U, lost, 20},
+        {"--free 10", 1500U, noSpace, 1}}) {
+    random(size, "app.tgz");
+    const std::string events = runReal(options, factor);
+    EXPECT_EQ(result_.end, JobEnd::Failed) << options;
     const std::string text = told();
-    EXPECT_TRUE(text.starts_with(c.told)) << c.options << "\n" << text << events;
-    EXPECT_EQ(events.find("stored"), std::string::npos) << events;
+    EXPECT_TRUE(text.starts_with(said)) << options << "\n" << text << events;
+    EXPECT_FALSE(has(events, "stored")) << events;
   }
 }
 

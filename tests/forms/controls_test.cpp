@@ -1,21 +1,9 @@
-#include <gtest/gtest.h>
-
-#include <QAbstractItemModelTester>
-#include <QAccessible>
-#include <QDir>
-#include <QFile>
-#include <QScrollBar>
-#include <QShortcut>
-#include <QSignalSpy>
-#include <QTemporaryDir>
-#include <QTest>
-#include <QWheelEvent>
-
 #include "platform/desktop/DriveList.h"
 #include "platform/desktop/FileList.h"
 #include "platform/desktop/FolderList.h"
 #include "platform/desktop/ImageList.h"
 #include "platform/desktop/ScrollList.h"
+#include "tests/forms/Forms.h"
 
 namespace {
 
@@ -32,40 +20,32 @@ TEST(ImageList, TwentyOnePicturesAreDrawn) {
   EXPECT_TRUE(imageIcon(0).isNull() && imageIcon(22).isNull());
 }
 
-void turnWheel(QWidget* widget, int notches) {
-  const QPointF middle = widget->rect().center();
-  QWheelEvent event(middle, widget->mapToGlobal(middle), {}, {0, -120 * notches}, Qt::NoButton,
-                    Qt::NoModifier, Qt::NoScrollPhase, false);
-  QApplication::sendEvent(widget, &event);
-}
-
 TEST(ScrollList, EveryWayOfTurningIt) {
   ScrollList list;
   QSignalSpy changes(&list, &ScrollList::topChanged);
   EXPECT_EQ(list.topIndex(), -1);
   list.setEntries({"usr1", "usr2", "usr3", "usr4", "root"});
   list.show();
-  const auto after = [&](int key) {
-    QTest::keyClick(&list, static_cast<Qt::Key>(key));
-    return list.topIndex();
-  };
   EXPECT_EQ(list.topIndex(), 0);
-  EXPECT_EQ(after(Qt::Key_Up), 0);
-  EXPECT_EQ(after(Qt::Key_Down), 1);
-  EXPECT_EQ(after(Qt::Key_End), 4);
-  EXPECT_EQ(after(Qt::Key_PageUp), 3);
-  EXPECT_EQ(after(Qt::Key_Home), 0);
-  EXPECT_EQ(after(Qt::Key_R), 4);
-  turnWheel(list.viewport(), -1);
+  for (const auto& [key, top] : {std::pair(Qt::Key_Up, 0),
+                                 {Qt::Key_Down, 1},
+                                 {Qt::Key_End, 4},
+                                 {Qt::Key_PageUp, 3},
+                                 {Qt::Key_Home, 0},
+                                 {Qt::Key_R, 4}}) {
+    QTest::keyClick(&list, key);
+    EXPECT_EQ(list.topIndex(), top) << key;
+  }
+  tests::turnWheel(list.viewport(), -1);
   EXPECT_EQ(list.topIndex(), 3);
-  QTest::mouseClick(list.verticalScrollBar(), Qt::LeftButton, {},
-                    QPoint(list.verticalScrollBar()->width() / 2, 2));
+  tests::leftClick(list.verticalScrollBar(), {list.verticalScrollBar()->width() / 2, 2});
   EXPECT_EQ(list.topIndex(), 2);
   EXPECT_EQ(changes.size(), 7);
 }
 
-TEST(ScrollList, TypedLettersFindTheEntry) {
+TEST(ScrollList, TypedLettersFindTheEntryAndAssistiveToolsReadIt) {
   ScrollList list;
+  list.setAccessibleName("Owner");
   list.setEntries({"usr1", "usr2", "root"});
   for (const int next : {1, 0, 1}) {  // one letter again and again: round and round
     QTest::keyClicks(&list, "u");
@@ -74,19 +54,13 @@ TEST(ScrollList, TypedLettersFindTheEntry) {
   QTest::qWait(QApplication::keyboardInputInterval() + 20);
   QTest::keyClicks(&list, "USR1");
   EXPECT_EQ(list.topIndex(), 0);
-}
-
-TEST(ScrollList, AssistiveToolsReadTheChoice) {
-  ScrollList list;
-  list.setAccessibleName("Owner");
-  list.setEntries({"usr1", "usr2"});
   list.setTopIndex(7);
   QAccessibleInterface* access = QAccessible::queryAccessibleInterface(&list);
   EXPECT_EQ(access->text(QAccessible::Name), QString("Owner"));
-  EXPECT_EQ(access->text(QAccessible::Value), QString("usr2"));
-  list.setEntries({"root"});
   EXPECT_EQ(access->text(QAccessible::Value), QString("root"));
-  EXPECT_EQ(access->text(QAccessible::Description), QString("root"));
+  list.setEntries({"KT500"});
+  EXPECT_EQ(access->text(QAccessible::Value), QString("KT500"));
+  EXPECT_EQ(access->text(QAccessible::Description), QString("KT500"));
 }
 
 /// A disk with C:\a\b, C:\a\B2, C:\a\c (a link to a folder), C:\a\file, C:\Zoo and a folder of an odd name.
@@ -141,6 +115,7 @@ TEST_F(Disk, DriveListKeepsAVolumeThatHasGone) {
   EXPECT_FALSE(list.setDrive("D:"));
 }
 
+/// The list over C:\a, and what it has told of.
 class Folders : public Disk {
  protected:
   Folders() {
@@ -157,10 +132,7 @@ class Folders : public Disk {
     return texts;
   }
   QPoint at(int row) const { return list.visualRect(list.model()->index(row, 0)).center(); }
-  void click(int row, Qt::MouseButton button = Qt::LeftButton) {
-    QTest::mouseClick(list.viewport(), button, {}, at(row));
-  }
-
+  void click(int row) { tests::leftClick(list.viewport(), at(row)); }
   void doubleClick(int row) {
     const QPoint point = at(row);
     click(row);
@@ -188,7 +160,12 @@ TEST_F(Folders, PathAboveItsSubfolders) {
   EXPECT_EQ(changes.size(), 1);
 }
 
-TEST_F(Folders, AClickOpensAndTheSecondOfADoubleClickDoesNot) {
+TEST_F(Folders, AClickOpensTheSecondOfADoubleClickDoesNotAndTheRightButtonOnlyTells) {
+  QSignalSpy rightClicks(&list, &FolderList::rightClicked);
+  QTest::mouseClick(list.viewport(), Qt::RightButton, {}, at(2));
+  EXPECT_EQ(list.highlighted(), "C:\\a");
+  EXPECT_EQ(rightClicks.size(), 1);
+  EXPECT_EQ(changes.size(), 0);
   click(5);
   EXPECT_EQ(list.path(), "C:\\a\\x\xEF\x81\x9Cy");
   click(1);
@@ -206,20 +183,13 @@ TEST_F(Folders, TheWayToTheFolderAndItsSubfoldersShow) {
   for (int i = 0; i < 40; ++i) QDir(folder.path()).mkpath(QString("c/a/B2/%1").arg(i));
   EXPECT_TRUE(list.setPath("C:\\a\\B2"));
   EXPECT_EQ(list.verticalScrollBar()->value(), 0);
-  EXPECT_TRUE(list.setPath("C:\\a\\B2\\7"));
-  QDir(folder.path()).mkpath("c/a/B2/7/1/2/3/4/5/6/7/8/9/10/11/12/13/14/15/16/17/18/19/20");
-  EXPECT_TRUE(
-      list.setPath("C:\\a\\B2\\7\\1\\2\\3\\4\\5\\6\\7\\8\\9\\10\\11\\12\\13\\14\\15\\16\\17\\18\\19"));
+  QString deep = "/a/B2/7";
+  EXPECT_TRUE(list.setPath("C:/a/B2/7"));
+  for (int i = 1; i < 20; ++i) deep += QString("/%1").arg(i);
+  QDir(folder.path()).mkpath("c" + deep + "/20");
+  EXPECT_TRUE(list.setPath(("C:" + deep).toStdString()));
   EXPECT_TRUE(list.viewport()->rect().contains(at(22)));
   EXPECT_TRUE(list.viewport()->rect().contains(at(23)));
-}
-
-TEST_F(Folders, TheRightButtonOnlyTells) {
-  QSignalSpy rightClicks(&list, &FolderList::rightClicked);
-  click(2, Qt::RightButton);
-  EXPECT_EQ(list.highlighted(), "C:\\a");
-  EXPECT_EQ(rightClicks.size(), 1);
-  EXPECT_EQ(changes.size(), 0);
 }
 
 TEST_F(Folders, KeysMoveOpenAndGoUpAndTheRestIsTheWindows) {

@@ -1,22 +1,4 @@
-#include <gtest/gtest.h>
-
-#include <QAccessible>
-#include <QApplication>
-#include <QCheckBox>
-#include <QFileDialog>
-#include <QInputDialog>
-#include <QLabel>
-#include <QMessageBox>
-#include <QPlainTextEdit>
-#include <QPushButton>
-#include <QTemporaryDir>
-#include <QTest>
-#include <QTimer>
-#include <functional>
-#include <optional>
-
 #include "platform/HeldName.h"
-#include "platform/desktop/FilePickers.h"
 #include "platform/desktop/InputBox.h"
 #include "platform/desktop/Locale.h"
 #include "platform/desktop/Text.h"
@@ -24,6 +6,7 @@
 #include "shell/ui/Dialog.h"
 #include "shell/ui/frmAbout.h"
 #include "shell/ui/frmPermsError.h"
+#include "tests/forms/Forms.h"
 
 namespace {
 
@@ -31,40 +14,9 @@ using namespace platform::desktop;
 using runtime::Answer;
 using runtime::Buttons;
 using runtime::Icon;
-
-/// Acts on the modal window that the next call opens. One that is not the awaited kind is closed, so that a
-/// failure does not hang.
-template <typename Window>
-void onNextModal(std::function<void(Window&)> act) {
-  QTimer::singleShot(0, [act = std::move(act)] {
-    QWidget* modal = QApplication::activeModalWidget();
-    ASSERT_NE(modal, nullptr);
-    if (auto* window = qobject_cast<Window*>(modal)) return act(*window);
-    ADD_FAILURE() << "another window: " << modal->metaObject()->className();
-    modal->close();
-  });
-}
-
-struct SilentLog : runtime::Log {
-  void append(const std::string&) override {}
-  std::size_t size() const override { return 0; }
-  std::string since(std::size_t) const override { return ""; }
-};
-
-struct SettingsWorld {
-  static constexpr const char* key = "SOFTWARE\\Halvoren Inc\\Pakrune";
-  QTemporaryDir folder;
-  platform::Registry registry{folder.filePath("user.txt").toStdString(),
-                              folder.filePath("site.txt").toStdString()};
-  platform::UserSettings userSettings{registry};
-  SilentLog log;
-  runtime::Settings settings{registry, userSettings, log};
-
-  std::string firstRun() const {
-    const auto value = registry.read(platform::Hive::LocalMachine, key, "FirstRun");
-    return value ? value->text : std::string();
-  }
-};
+using tests::onNextModal;
+using tests::press;
+using tests::the;
 
 TEST(Text, LineEndsAndNamesSurviveTheControl) {
   EXPECT_EQ(toControl("a\r\nb\rc\n\r\r\n"), QString("a\nb\nc\n\n\n"));
@@ -169,8 +121,7 @@ TEST(FilePickers, FilterTextsBecomeNameFilters) {
 
 TEST(FilePickers, ChosenFileIsAWindowsPath) {
   QTemporaryDir folder;
-  QFile existing(folder.filePath("old.tgz"));
-  ASSERT_TRUE(existing.open(QIODevice::WriteOnly));
+  ASSERT_TRUE(QFile(folder.filePath("old.tgz")).open(QIODevice::WriteOnly));
   const platform::DriveTable drives({{'C', folder.path().toStdString()}});
   DesktopFilePickers pickers(drives);
   const FileRequest request{"Create Tar File", "C:\\", "A (*.tgz)|*.tgz|All files (*.*)|*.*|", 2, ""};
@@ -194,11 +145,10 @@ TEST(FilePickers, WhatIsTypedIsReadAsEverywhere) {
   const platform::DriveTable drives({{'C', folder.path().toStdString()}});
   DesktopFilePickers pickers(drives);
   ASSERT_TRUE(QDir(folder.path()).mkpath("sub"));
-  QFile odd(folder.filePath("x\\y.tgz"));
-  ASSERT_TRUE(odd.open(QIODevice::WriteOnly));
+  ASSERT_TRUE(QFile(folder.filePath("x\\y.tgz")).open(QIODevice::WriteOnly));
   const auto typed = [&](const char* text) {
     onNextModal<QFileDialog>([&](QFileDialog& dialog) {
-      dialog.findChild<QLineEdit*>("fileNameEdit")->setText(text);
+      the<QLineEdit>(dialog, "fileNameEdit").setText(text);
       QTimer::singleShot(0, [] {
         if (auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget())) box->close();
       });
@@ -240,17 +190,15 @@ TEST(Locale, EveryTimeHasSecondsAndNoTimeZone) {
   }
 }
 
-/// Each visible text is plain, uncut and has a name for assistive tools.
-void checkTexts(QDialog& form) {
+/// The window is shown, its texts are plain and whole, and it has its caption for assistive tools too.
+void checkForm(QDialog& form, const char* caption) {
   form.show();
-  for (auto* label : form.findChildren<QLabel*>()) {
-    EXPECT_EQ(label->textFormat(), Qt::PlainText) << label->objectName().toStdString();
-    EXPECT_FALSE(label->text().isEmpty()) << label->objectName().toStdString();
-    EXPECT_GE(label->height(), label->heightForWidth(label->width())) << label->text().toStdString();
-    EXPECT_GE(label->width(), label->minimumSizeHint().width()) << label->text().toStdString();
-  }
-  QAccessibleInterface* window = QAccessible::queryAccessibleInterface(&form);
-  EXPECT_EQ(window->text(QAccessible::Name), form.windowTitle());
+  tests::checkTexts(form);
+  for (const auto* label : form.findChildren<QLabel*>())
+    EXPECT_TRUE(label->textFormat() == Qt::PlainText && !label->text().isEmpty())
+        << label->objectName().toStdString();
+  EXPECT_EQ(form.windowTitle(), QString(caption));
+  EXPECT_EQ(QAccessible::queryAccessibleInterface(&form)->text(QAccessible::Name), QString(caption));
 }
 
 TEST(frmAbout, CaptionsAndOkHandsOverTheFocus) {
@@ -258,38 +206,41 @@ TEST(frmAbout, CaptionsAndOkHandsOverTheFocus) {
   mainWindow.setFocusPolicy(Qt::StrongFocus);
   mainWindow.show();
   shell::frmAbout about(&mainWindow);
-  checkTexts(about);
-  EXPECT_EQ(about.windowTitle(), QString("About Pakrune"));
-  EXPECT_EQ(about.findChild<QLabel*>("lblVersion")->text(), QString("Version 1.0.0"));
-  EXPECT_EQ(about.findChild<QLabel*>("Label2")->text(), QString("Halvoren, Inc."));
-  about.findChild<QPushButton*>("cmdOK")->click();
+  checkForm(about, "About Pakrune");
+  EXPECT_EQ(the<QLabel>(about, "lblVersion").text(), QString("Version 1.0.0"));
+  EXPECT_EQ(the<QLabel>(about, "Label2").text(), QString("Halvoren, Inc."));
+  press(about, "cmdOK");
   QApplication::processEvents();
   EXPECT_FALSE(about.isVisible());
   EXPECT_TRUE(mainWindow.hasFocus());
 }
 
-template <typename Notice>
-void checkNotice(const char* caption) {
-  SettingsWorld world;
-  using platform::Hive;
-  ASSERT_TRUE(
-      world.registry.write(Hive::LocalMachine, world.key, "FirstRun", {platform::ValueType::Text, "1"}));
-  for (const bool tick : {false, true}) {
-    Notice notice(world.settings);
-    checkTexts(notice);
-    EXPECT_EQ(notice.windowTitle(), QString(caption));
-    EXPECT_EQ(notice.template findChild<QCheckBox*>("checkNoShow")->text(), QString("Dont Show This Again"));
-    notice.template findChild<QCheckBox*>("checkNoShow")->setChecked(tick);
-    notice.reject();
-    EXPECT_EQ(world.firstRun(), "1");  // only OK writes
-    notice.show();
-    notice.template findChild<QPushButton*>("OKButton")->click();
-    EXPECT_FALSE(notice.isVisible());
-    EXPECT_EQ(world.firstRun(), tick ? "0" : "1");
+class NoticeTest : public testworld::World {
+ protected:
+  template <typename Notice>
+  void check(const char* caption) {
+    constexpr const char* key = "SOFTWARE\\Halvoren Inc\\Pakrune";
+    using platform::Hive;
+    ASSERT_TRUE(registry_.write(Hive::LocalMachine, key, "FirstRun", {platform::ValueType::Text, "1"}));
+    for (const bool tick : {false, true}) {
+      Notice notice(stored_);
+      checkForm(notice, caption);
+      auto& box = the<QCheckBox>(notice, "checkNoShow");
+      EXPECT_EQ(box.text(), QString("Dont Show This Again"));
+      box.setChecked(tick);
+      notice.reject();
+      EXPECT_EQ(registry_.read(Hive::LocalMachine, key, "FirstRun")->text, "1");  // only OK writes
+      notice.show();
+      press(notice, "OKButton");
+      EXPECT_FALSE(notice.isVisible());
+      EXPECT_EQ(registry_.read(Hive::LocalMachine, key, "FirstRun")->text, tick ? "0" : "1");
+    }
   }
-}
+};
 
-TEST(Dialog, TickedBoxSilencesTheNotice) { checkNotice<shell::Dialog>("Pakrune: Admin Error"); }
-TEST(frmPermsError, TickedBoxSilencesTheNotice) { checkNotice<shell::frmPermsError>("Pakrune: Notice"); }
+TEST_F(NoticeTest, ATickedBoxSilencesIt) {
+  check<shell::Dialog>("Pakrune: Admin Error");
+  check<shell::frmPermsError>("Pakrune: Notice");
+}
 
 }  // namespace

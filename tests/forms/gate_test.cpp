@@ -1,13 +1,9 @@
 #include "platform/desktop/Gate.h"
 
-#include <gtest/gtest.h>
-
-#include <QtTest>
-#include <QtWidgets>
-
 #include "platform/desktop/Actions.h"
 #include "platform/desktop/Events.h"
 #include "platform/desktop/ScrollList.h"
+#include "tests/forms/Forms.h"
 
 namespace {
 
@@ -16,22 +12,18 @@ using platform::desktop::Action;
 using platform::desktop::ActionTable;
 using platform::desktop::Gate;
 using platform::desktop::WhileBusy;
+using tests::leftClick;
 
 class GateTest : public testing::Test {
  protected:
   GateTest() {
     auto* const layout = new QVBoxLayout(&form_);
-    const auto add = [&](QWidget* widget, const char* name) {
-      widget->setObjectName(name);
-      layout->addWidget(widget);
-    };
-    add(plain_, "plain");
-    add(again_, "again");
-    add(cancel_, "cancel");
-    add(box_, "box");
-    add(rows_, "rows");
-    add(owner_, "owner");
-    add(log_, "log");
+    QWidget* const widgets[] = {plain_, again_, cancel_, box_, rows_, owner_, log_};
+    const char* const names[] = {"plain", "again", "cancel", "box", "rows", "owner", "log"};
+    for (std::size_t i = 0; i < std::size(widgets); ++i) {
+      widgets[i]->setObjectName(names[i]);
+      layout->addWidget(widgets[i]);
+    }
     log_->setReadOnly(true);
     owner_->setEntries({"usr1", "usr2", "usr3"});
     for (int i = 0; i < 200; ++i) rows_->addItem(QString::number(i));
@@ -46,12 +38,6 @@ class GateTest : public testing::Test {
     QApplication::processEvents();
   }
   ~GateTest() override { delete table_; }
-
-  void wheel(QWidget* at) {
-    QWheelEvent event({5, 5}, at->mapToGlobal(QPointF(5, 5)), {}, {0, -120}, Qt::NoButton, Qt::NoModifier,
-                      Qt::NoScrollPhase, false);
-    QApplication::sendEvent(at, &event);
-  }
 
   Busy busy_;
   Gate gate_{busy_};
@@ -69,22 +55,20 @@ class GateTest : public testing::Test {
 };
 
 TEST_F(GateTest, WhileAJobHoldsItOnlyWhatMayActsDoes) {
-  QTest::mouseClick(plain_, Qt::LeftButton);
-  EXPECT_EQ(done_, "plain ");
-  done_.clear();
+  leftClick(plain_);
+  EXPECT_EQ(std::exchange(done_, ""), "plain ");
   {
     const Busy::Scope job(busy_);
-    QTest::mouseClick(plain_, Qt::LeftButton);
+    leftClick(plain_);
     plain_->click();  // as assistive tools do
     QTest::keyClick(&form_, Qt::Key_F7);
     QTest::keyClicks(box_, "typed");
-    QTest::mouseClick(rows_->viewport(), Qt::LeftButton, {}, {5, 5});
-    QTest::mouseClick(again_, Qt::LeftButton);
-    EXPECT_EQ(done_, "");
-    EXPECT_EQ(box_->text(), "");
+    leftClick(rows_->viewport(), {5, 5});
+    leftClick(again_);
+    EXPECT_EQ(done_ + box_->text().toStdString(), "");
     EXPECT_EQ(rows_->currentRow(), -1);
     EXPECT_FALSE(busy_.stopRequested());
-    QTest::mouseClick(cancel_, Qt::LeftButton);
+    leftClick(cancel_);
     EXPECT_TRUE(busy_.stopRequested());
   }
   EXPECT_EQ(done_, "again ");
@@ -94,9 +78,9 @@ TEST_F(GateTest, WhileAJobHoldsItOnlyWhatMayActsDoes) {
 
 TEST_F(GateTest, ScrollingGoesOnButTurnsNoList) {
   const Busy::Scope job(busy_);
-  wheel(rows_->viewport());
+  tests::turnWheel(rows_->viewport(), 1);
   EXPECT_GT(rows_->verticalScrollBar()->value(), 0);
-  wheel(owner_->viewport());
+  tests::turnWheel(owner_->viewport(), 1);
   EXPECT_EQ(owner_->topIndex(), 0);
   QTest::keyClick(log_, Qt::Key_A, Qt::ControlModifier);
   EXPECT_EQ(log_->textCursor().selectedText(), "line");
@@ -131,7 +115,7 @@ TEST_F(GateTest, WhatTheJobOpensWorksAndAStopRefusesIt) {
   const Busy::Scope job(busy_);
   QMessageBox own(QMessageBox::Question, "t", "q", QMessageBox::Yes | QMessageBox::No, &form_);
   own.setEscapeButton(QMessageBox::No);
-  QTimer::singleShot(0, [&] { QTest::mouseClick(own.button(QMessageBox::Yes), Qt::LeftButton); });
+  QTimer::singleShot(0, [&] { leftClick(own.button(QMessageBox::Yes)); });
   EXPECT_EQ(own.exec(), QMessageBox::Yes);
   QTimer::singleShot(0, [&] { busy_.requestStop(); });
   own.exec();

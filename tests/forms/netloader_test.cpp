@@ -1,21 +1,8 @@
-#include <QApplication>
-#include <QCheckBox>
-#include <QClipboard>
-#include <QDropEvent>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMimeData>
-#include <QProgressBar>
-#include <QPushButton>
-#include <QTest>
-#include <QTimer>
-#include <QToolTip>
-
 #include "download/ui/frmNetloader.h"
 #include "platform/desktop/Gate.h"
 #include "platform/desktop/ScrollList.h"
 #include "tests/SimProcess.h"
-#include "tests/World.h"
+#include "tests/forms/Forms.h"
 
 namespace {
 
@@ -32,22 +19,25 @@ class NetloaderTest : public testworld::World {
   frmNetloader& open(const std::string& path, std::uint16_t port = 1) {
     form_ = std::make_unique<frmNetloader>(services(), path);
     form_->show();
-    const char* const loopback[] = {"127", "0", "0", "1"};
-    for (int i = 0; i < 4; ++i) box(i).setText(loopback[i]);
+    fill({"127", "0", "0", "1"});
     the<QLineEdit>("txtPort").setText(QString::number(port));
     return *form_;
   }
-  template <typename Control>
+  void fill(const QStringList& parts) {
+    for (int i = 0; i < 4; ++i) box(i).setText(parts.value(i));
+  }
+  template <typename Control = QWidget>
   Control& the(const char* name) {
-    auto* const control = form_->findChild<Control*>(name);
-    if (control == nullptr) throw std::runtime_error(name);
-    return *control;
+    return tests::the<Control>(*form_, name);
   }
   QLineEdit& box(int index) { return the<QLineEdit>(("txtIP_" + std::to_string(index)).c_str()); }
   QString address() {
     return box(0).text() + '.' + box(1).text() + '.' + box(2).text() + '.' + box(3).text();
   }
-  void press(const char* name) { the<QPushButton>(name).click(); }
+  void press(const char* name) { tests::press(*form_, name); }
+  void pressPortKeys(QWidget& on) {
+    QTest::keyClick(&on, Qt::Key_F10, Qt::ControlModifier | Qt::ShiftModifier);
+  }
   QString status() { return the<QLabel>("lblStatus").text(); }
   /// Something that is done once, when the form shows this status while a job runs.
   void when(const char* wanted, std::function<void()> deed) {
@@ -57,11 +47,6 @@ class NetloaderTest : public testworld::World {
       deed();
     });
     poll_.start(5);
-  }
-  /// For a person to look at, where SCREENSHOTS names a folder.
-  void takePicture(const char* name) {
-    if (const char* folder = getenv("SCREENSHOTS"))
-      form_->grab().save(QString("%1/%2.png").arg(folder, name));
   }
   std::string told() const {
     std::string all;
@@ -81,7 +66,7 @@ TEST_F(NetloaderTest, APlainFileIsSentWithItsModeAndTheOwnerAtTheTop) {
   SimProcess sim("--count 2");
   for (const char* path : {"C:\\run.sh", "C:\\link"}) {
     open(path, sim.port());
-    EXPECT_TRUE(the<QCheckBox>("checkOR").isChecked() && !the<QCheckBox>("checkOR").isEnabled());
+    EXPECT_TRUE(the<QCheckBox>("checkOR").isChecked() && !the("checkOR").isEnabled());
     EXPECT_FALSE(the<QCheckBox>("checkER").isChecked());
     the<QCheckBox>("checkEW").setChecked(true);
     the<ScrollList>("listNetO").setTopIndex(2);
@@ -89,8 +74,8 @@ TEST_F(NetloaderTest, APlainFileIsSentWithItsModeAndTheOwnerAtTheTop) {
     EXPECT_FALSE(form_->isVisible());
   }
   const std::string events = sim.rest();
-  EXPECT_NE(events.find("request run.sh size 1234 mode 753 owner usr3"), std::string::npos) << events;
-  EXPECT_NE(events.find("request link size 1234 mode 753 owner usr3"), std::string::npos) << events;
+  for (const std::string name : {"run.sh", "link"})
+    EXPECT_TRUE(testworld::has(events, "request " + name + " size 1234 mode 753 owner usr3"));
   EXPECT_EQ(told(), "Send Complete|File Successfully Sent!\nSend Complete|File Successfully Sent!\n");
   EXPECT_EQ(log_.all, " Successfully sent run.sh to 127.0.0.1\n Successfully sent link to 127.0.0.1\n");
 }
@@ -104,13 +89,12 @@ TEST_F(NetloaderTest, WhileATransferRunsOnlyCancelActs) {
   ASSERT_TRUE(QTest::qWaitForWindowActive(form_.get()));
   box(2).setFocus();
   when("Checking..", [&] {
-    for (const char* name : controls) EXPECT_FALSE(the<QWidget>(name).isEnabled()) << name;
-    EXPECT_TRUE(the<QWidget>("cmdExit").isEnabled());
-    EXPECT_TRUE(busy_.held());
+    for (const char* name : controls) EXPECT_FALSE(the(name).isEnabled()) << name;
+    EXPECT_TRUE(the("cmdExit").isEnabled() && busy_.held());
   });
   press("cmdSend");
   EXPECT_EQ(told(), "Unable to send file|There is not enough free flash space on the Kt500 series unit\n");
-  for (const char* name : controls) EXPECT_TRUE(the<QWidget>(name).isEnabled()) << name;
+  for (const char* name : controls) EXPECT_TRUE(the(name).isEnabled()) << name;
   EXPECT_TRUE(form_->isVisible() && box(2).hasFocus() && !busy_.held());
   EXPECT_EQ(status(), "Disconnected");
 }
@@ -167,15 +151,15 @@ TEST_F(NetloaderTest, AddressBoxesAndKeys) {
   box(1).clear();
   QTest::keyClick(&box(1), Qt::Key_Period, Qt::KeypadModifier);
   EXPECT_EQ(box(1).text(), "0");
-  QTest::keyClick(&box(1), Qt::Key_F10, Qt::ControlModifier | Qt::ShiftModifier);
-  EXPECT_TRUE(the<QLineEdit>("txtPort").isVisible() && the<QLabel>("lblPort").isVisible());
-  QTest::keyClick(&box(0), Qt::Key_F10, Qt::ControlModifier | Qt::ShiftModifier);
-  EXPECT_FALSE(the<QLineEdit>("txtPort").isVisible());
-  for (int i = 0; i < 4; ++i) box(i).setText(QString::number(7 + i));
+  pressPortKeys(box(1));
+  EXPECT_TRUE(the("txtPort").isVisible() && the("lblPort").isVisible());
+  pressPortKeys(box(0));
+  EXPECT_FALSE(the("txtPort").isVisible());
+  fill({"7", "8", "9", "10"});
   QTest::keyClick(form_.get(), Qt::Key_Escape);
   EXPECT_EQ(stored_.lastIP(), "7.8.9.10");
   form_ = std::make_unique<frmNetloader>(services(), "C:\\app.tgz");
-  for (int i = 0; i < 4; ++i) box(i).clear();
+  fill({});
   form_->close();
   press("cmdExit");
   EXPECT_EQ(stored_.lastIP(), "7.8.9.10");
@@ -191,16 +175,15 @@ TEST_F(NetloaderTest, AnAddressIsTakenOutOfWhatIsPasted) {
     QDropEvent event(QPointF(1, 1), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(&onto, &event);
   };
-  const std::function<void(QLineEdit&, const QString&)> ways[] = {
-      [](QLineEdit& into, const QString& text) {
-        QApplication::clipboard()->setText(text);
-        QTest::keyClick(&into, Qt::Key_V, Qt::ControlModifier);
-      },
-      [](QLineEdit& into, const QString& text) {
-        QApplication::clipboard()->setText(text);
-        QMetaObject::invokeMethod(&into, "paste");  // as the context menu does
-      },
-      drop};
+  const auto typed = [](QLineEdit& into, const QString& text) {
+    QApplication::clipboard()->setText(text);
+    QTest::keyClick(&into, Qt::Key_V, Qt::ControlModifier);
+  };
+  const auto chosen = [](QLineEdit& into, const QString& text) {
+    QApplication::clipboard()->setText(text);
+    QMetaObject::invokeMethod(&into, "paste");  // as the context menu does
+  };
+  const std::function<void(QLineEdit&, const QString&)> ways[] = {typed, chosen, drop};
   auto& port = the<QLineEdit>("txtPort");
   for (const auto& paste : ways)
     for (int i = 0; i < 4; ++i) {
@@ -209,8 +192,8 @@ TEST_F(NetloaderTest, AnAddressIsTakenOutOfWhatIsPasted) {
       EXPECT_FALSE(port.isVisible());
       paste(box(i), "http://10.0.0.9:80/x");
       EXPECT_EQ(address() + ":" + port.text(), "10.0.0.9:80");
-      EXPECT_TRUE(port.isVisible() && the<QLabel>("lblPort").isVisible());
-      QTest::keyClick(form_.get(), Qt::Key_F10, Qt::ControlModifier | Qt::ShiftModifier);
+      EXPECT_TRUE(port.isVisible() && the("lblPort").isVisible());
+      pressPortKeys(*form_);
       box(i).clear();
       paste(box(i), " 42\n");
       EXPECT_EQ(box(i).text(), "42");
@@ -231,18 +214,16 @@ TEST_F(NetloaderTest, HeightsAndLists) {
     return form.height() * 1440 / form.logicalDpiY();
   };
   EXPECT_GE(height("C:\\app.tgz"), 3195);
-  EXPECT_FALSE(the<QWidget>("framePerms").isVisible());
-  QTest::keyClick(form_.get(), Qt::Key_F10, Qt::ControlModifier | Qt::ShiftModifier);
-  takePicture("archive");
+  EXPECT_FALSE(the("framePerms").isVisible());
   write("plain");
   EXPECT_GE(height("C:\\plain"), 5340);
-  const auto& bottom = the<QWidget>("frameBottom");
+  const QWidget& bottom = the("frameBottom");
   EXPECT_EQ(bottom.geometry().bottom(), form_->rect().bottom());
   EXPECT_GE(bottom.height() * 1440 / form_->logicalDpiY(), 465);
-  EXPECT_EQ(the<ScrollList>("listNetP_0").topEntry() + the<ScrollList>("listNetP_1").topEntry() +
-                the<ScrollList>("listNetP_2").topEntry(),
-            "644");
-  takePicture("plain");
+  QString mode;
+  for (const char* list : {"listNetP_0", "listNetP_1", "listNetP_2"})
+    mode += the<ScrollList>(list).topEntry();
+  EXPECT_EQ(mode, "644");
 }
 
 }  // namespace

@@ -1,41 +1,21 @@
-#include <QApplication>
-#include <QCheckBox>
-#include <QClipboard>
-#include <QDialog>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMessageBox>
-#include <QMimeData>
-#include <QPushButton>
-#include <QRadioButton>
-#include <QTest>
-#include <QTimer>
-
 #include "archive/ui/frmTar.h"
 #include "platform/desktop/Gate.h"
 #include "platform/desktop/ScrollList.h"
-#include "tests/World.h"
+#include "tests/forms/Forms.h"
 
 namespace {
 
 using archive::CheckTarSelection;
-using platform::desktop::FileRequest;
 using platform::desktop::ScrollList;
+using tests::press;
+using tests::the;
 
 /// The main window's side: what is selected, and what was asked of it.
-struct FakeMainWindow : runtime::FilePane, runtime::Downloads {
-  explicit FakeMainWindow(const platform::Busy& gate) : busy(gate) {}
-  std::vector<std::string> selectedPaths() const override { return selected; }
-  std::string selectionText() const override { return "1 items <b>"; }
-  std::vector<std::string> paneItems() const override { return items; }
-  std::string GetDir1Path() const override { return folder; }
-  void selectAllRows() override {
-    for (const auto& name : items) selected.push_back(folder + name);
-  }
+struct FakeMainWindow : tests::Pane, runtime::Downloads {
+  explicit FakeMainWindow(const platform::Busy& gate) : busy(gate) { folder = "C:\\pkg\\"; }
   void refreshKeepList() override {
     asked.emplace_back(busy.held() ? "refresh" : "refresh without the gate");
   }
-  bool setOwnerShown() const override { return rootOffered; }
   void netSetFile(const std::string& path) override {
     asked.push_back((busy.held() ? "gate held: network " : "network ") + path);
     for (const QWidget* window : QApplication::topLevelWidgets())
@@ -47,25 +27,19 @@ struct FakeMainWindow : runtime::FilePane, runtime::Downloads {
   }
 
   const platform::Busy& busy;
-  std::string folder = "C:\\pkg\\";
-  std::vector<std::string> selected, items, asked;
-  bool rootOffered = true;
+  std::vector<std::string> asked;
 };
 
 /// Answers with the given names, each with a filter, one after the other.
-struct FakePickers : platform::desktop::FilePickers {
-  std::string openFile(const FileRequest&) override { return {}; }
-  std::string saveFile(const FileRequest& request) override {
-    last = request;
+struct FakePickers : tests::Pickers {
+  std::string saveFile(const platform::desktop::FileRequest& request) override {
+    asked = request;
     const auto [name, filter] = answers.empty() ? std::pair<std::string, int>() : answers.front();
     if (!answers.empty()) answers.erase(answers.begin());
     *request.chosenFilter = filter;
     return name;
   }
-  std::string folder(const std::string&, const std::string&) override { return {}; }
-
   std::vector<std::pair<std::string, int>> answers;
-  FileRequest last;
 };
 
 class TarFormTest : public testworld::World {
@@ -98,33 +72,25 @@ class TarFormTest : public testworld::World {
   bool stayedOpen_ = false;
 };
 
-template <typename Control>
-Control& the(QDialog& form, const char* name) {
-  auto* const control = form.findChild<Control*>(name);
-  if (control == nullptr) throw std::runtime_error(name);
-  return *control;
-}
 bool on(QDialog& form, const char* name) { return the<QAbstractButton>(form, name).isChecked(); }
-void press(QDialog& form, const char* name) { the<QAbstractButton>(form, name).click(); }
 QString outputOf(QDialog& form) { return the<QLineEdit>(form, "txtFileOut").text(); }
 
 TEST_F(TarFormTest, OneFolderOffersItsContents) {
   select({"lib"});
   window_.rootOffered = false;
-  EXPECT_EQ(show([&](QDialog& form) {
-              EXPECT_EQ(form.windowTitle(), "Create Tar File");
-              EXPECT_EQ(outputOf(form), "C:\\pkg\\lib.tgz");
-              EXPECT_TRUE(the<QCheckBox>(form, "checkContentsOnly").isVisible());
-              EXPECT_FALSE(the<QCheckBox>(form, "checkFolderContents").isVisible());
-              for (const char* box : {"checkContentsOnly", "checkOwner", "checkGroup", "optNew"})
-                EXPECT_TRUE(on(form, box)) << box;
-              EXPECT_EQ(the<QLabel>(form, "lblAdd").text(), "1 items <b>");
-              EXPECT_EQ(the<ScrollList>(form, "listOwner").entries().last(), "usr8");
-              press(form, "checkOwner");
-              EXPECT_FALSE(the<ScrollList>(form, "listOwner").isEnabled());
-              press(form, "cmdTar");
-            }),
-            true);
+  EXPECT_TRUE(show([&](QDialog& form) {
+    EXPECT_EQ(form.windowTitle(), "Create Tar File");
+    EXPECT_EQ(outputOf(form), "C:\\pkg\\lib.tgz");
+    EXPECT_TRUE(the(form, "checkContentsOnly").isVisible());
+    EXPECT_FALSE(the(form, "checkFolderContents").isVisible());
+    for (const char* box : {"checkContentsOnly", "checkOwner", "checkGroup", "optNew"})
+      EXPECT_TRUE(on(form, box)) << box;
+    EXPECT_EQ(the<QLabel>(form, "lblAdd").text(), "1 items <b>");
+    EXPECT_EQ(the<ScrollList>(form, "listOwner").entries().last(), "usr8");
+    press(form, "checkOwner");
+    EXPECT_FALSE(the(form, "listOwner").isEnabled());
+    press(form, "cmdTar");
+  }));
   EXPECT_FALSE(stayedOpen_);
   EXPECT_EQ(members("pkg/lib.tgz"), "part\n");
   EXPECT_EQ(window_.asked, std::vector<std::string>{"refresh"});
@@ -134,8 +100,8 @@ TEST_F(TarFormTest, AFileGoesToTheClipboardThenSerialThenNetwork) {
   select({"a"});
   show([&](QDialog& form) {
     EXPECT_EQ(outputOf(form), "C:\\pkg\\a.tgz");
-    EXPECT_TRUE(the<QCheckBox>(form, "checkFolderContents").isVisible());
-    EXPECT_FALSE(the<QCheckBox>(form, "checkFolderContents").isEnabled());
+    EXPECT_TRUE(the(form, "checkFolderContents").isVisible());
+    EXPECT_FALSE(the(form, "checkFolderContents").isEnabled());
     the<ScrollList>(form, "listOwner").setTopIndex(8);
     for (const char* box : {"checkNetworkDownload", "checkCopyToClipboard", "checkSerialDownload"})
       press(form, box);
@@ -143,7 +109,7 @@ TEST_F(TarFormTest, AFileGoesToTheClipboardThenSerialThenNetwork) {
     QTest::keyClick(&the<QLineEdit>(form, "txtFileOut"), Qt::Key_Return);
   });
   EXPECT_FALSE(stayedOpen_);
-  EXPECT_NE(output("tar -tvf " + root_ + "/disk/pkg/b*.tbz2").find(" 0/1 "), std::string::npos);
+  EXPECT_TRUE(testworld::has(output("tar -tvf " + root_ + "/disk/pkg/b*.tbz2"), " 0/1 "));
   const std::string path = "C:\\pkg\\b \xEF\x83\xBF.tbz2";
   EXPECT_EQ(window_.asked, (std::vector<std::string>{"refresh", "serial " + path, "network " + path}));
   const QMimeData* const held = QApplication::clipboard()->mimeData();
@@ -153,50 +119,34 @@ TEST_F(TarFormTest, AFileGoesToTheClipboardThenSerialThenNetwork) {
 }
 
 TEST_F(TarFormTest, TheWholeFolderMayHoldItsParentEntry) {
-  const auto answer = [&](bool agrees, bool parent) {
-    person_.agrees = agrees;
+  for (const bool parent : {false, true}) {
     window_.selected.clear();
-    return show([&](QDialog& form) {
+    EXPECT_TRUE(show([&](QDialog& form) {
       EXPECT_EQ(outputOf(form), "C:\\pkg\\pkg.tgz");
       if (parent) press(form, "checkFolderContents");
       press(form, "cmdTar");
-    });
-  };
-  EXPECT_TRUE(answer(true, false));
+    }));
+    EXPECT_EQ(members("pkg/pkg.tgz"),
+              parent ? "pkg/\npkg/a\npkg/lib/\npkg/lib/part\n" : "a\nlib/\nlib/part\n");
+  }
   EXPECT_EQ(person_.told.front(),
             "Warning..|This will create a tar file for all files and subdirectories under:\rC:\\pkg");
-  EXPECT_EQ(members("pkg/pkg.tgz"), "a\nlib/\nlib/part\n");
-  EXPECT_TRUE(answer(true, true));
-  EXPECT_EQ(members("pkg/pkg.tgz"), "pkg/\npkg/a\npkg/lib/\npkg/lib/part\n");
 }
 
 TEST_F(TarFormTest, ChecksStopBeforeAnythingIsShown) {
+  const auto stops = [this] { return !CheckTarSelection(services(), window_, window_, pickers_, nullptr); };
   person_.agrees = false;
-  EXPECT_FALSE(CheckTarSelection(services(), window_, window_, pickers_, nullptr));
-  EXPECT_TRUE(window_.selected.empty());
+  EXPECT_TRUE(stops() && window_.selected.empty());
   person_.agrees = true;
   const auto whole = archive::checkSelection(services(), window_);
   EXPECT_TRUE(whole && whole->selectedPaths.empty() && whole->paneItems == window_.items);
   select({"gone"});
-  EXPECT_FALSE(CheckTarSelection(services(), window_, window_, pickers_, nullptr));
+  EXPECT_TRUE(stops());
   select({});
   window_.folder = "C:\\gone\\";
-  EXPECT_FALSE(CheckTarSelection(services(), window_, window_, pickers_, nullptr));
+  EXPECT_TRUE(stops());
   EXPECT_EQ(person_.told.back(),
             "Unable to locate path|The selected directory no longer exists\rTry clicking Refresh");
-}
-
-TEST_F(TarFormTest, TheOutputIsReadOnceAndShownAsItIsUsed) {
-  select({"a"});
-  show([&](QDialog& form) {
-    the<QLineEdit>(form, "txtFileOut").setText("q:/x.tgz");
-    press(form, "cmdTar");
-    EXPECT_EQ(person_.told.back(), "Output file error..|There is no drive 'Q:'");
-    EXPECT_TRUE(form.isVisible());
-    the<QLineEdit>(form, "txtFileOut").setText("lib/o:1.tgz");
-    press(form, "cmdTar");
-  });
-  EXPECT_EQ(members("pkg/lib/o:1.tgz"), "a\n");
 }
 
 TEST_F(TarFormTest, SaveDialogAddsExtensionsAndAsksAgain) {
@@ -208,7 +158,7 @@ TEST_F(TarFormTest, SaveDialogAddsExtensionsAndAsksAgain) {
     press(form, "cmdGetOut");
     EXPECT_EQ(person_.told, std::vector<std::string>{"Select Anyway?|'C:\\pkg\\old.tar' already exists"});
     EXPECT_EQ(outputOf(form), "C:\\pkg.d\\new.tbz2");
-    EXPECT_EQ(pickers_.last.startFolder, "C:\\pkg");
+    EXPECT_EQ(pickers_.asked.startFolder, "C:\\pkg");
     press(form, "cmdGetOut");  // cancelled
     EXPECT_EQ(outputOf(form), "C:\\pkg.d\\new.tbz2");
     pickers_.answers = {{"C:\\pkg\\named.bin", 1}};
@@ -221,23 +171,28 @@ TEST_F(TarFormTest, AFailureLeavesTheDialogOpenForAnotherTry) {
   select({"a"});
   show([&](QDialog& form) {
     auto& append = the<QRadioButton>(form, "optAppend");
-    the<QLineEdit>(form, "txtFileOut").setText("C:\\pkg\\x.tar");
+    auto& output = the<QLineEdit>(form, "txtFileOut");
+    output.setText("C:\\pkg\\x.tar");
     ASSERT_TRUE(append.isEnabled());
     append.click();
-    the<QLineEdit>(form, "txtFileOut").setText("C:\\pkg\\x.TGZ");
-    EXPECT_FALSE(append.isEnabled());
-    EXPECT_TRUE(on(form, "optNew"));
-    the<QPushButton>(form, "cmdTar").setFocus();
+    output.setText("C:\\pkg\\x.TGZ");
+    EXPECT_TRUE(!append.isEnabled() && on(form, "optNew"));
+    the(form, "cmdTar").setFocus();
     press(form, "cmdTar");
     EXPECT_EQ(person_.told.back(), "Output file error..|Unrecognized Tar file extension");
-    EXPECT_EQ(form.focusWidget(), &the<QLineEdit>(form, "txtFileOut"));
-    the<QLineEdit>(form, "txtFileOut").setText("C:\\nowhere\\x.tgz");
+    EXPECT_EQ(form.focusWidget(), &output);
+    output.setText("q:/x.tgz");
+    press(form, "cmdTar");
+    EXPECT_EQ(person_.told.back(), "Output file error..|There is no drive 'Q:'");
+    output.setText("C:\\nowhere\\x.tgz");
     press(form, "cmdTar");
     EXPECT_EQ(the<QPushButton>(form, "cmdTar").text(), "Create Tar");
-    EXPECT_TRUE(the<QPushButton>(form, "cmdTar").isEnabled());
+    EXPECT_TRUE(form.isVisible() && the(form, "cmdTar").isEnabled() && window_.asked.empty());
+    output.setText("lib/o:1.tgz");
+    press(form, "cmdTar");
   });
-  EXPECT_TRUE(stayedOpen_);
-  EXPECT_TRUE(window_.asked.empty());
+  EXPECT_FALSE(stayedOpen_);
+  EXPECT_EQ(members("pkg/lib/o:1.tgz"), "a\n");
 }
 
 TEST_F(TarFormTest, CancelStopsTheJobAndTheDialogStays) {
@@ -254,24 +209,23 @@ TEST_F(TarFormTest, CancelStopsTheJobAndTheDialogStays) {
       auto& button = the<QPushButton>(form, "cmdTar");
       person_.onEvents = [&] {
         QCoreApplication::processEvents();
-        EXPECT_TRUE(busy_.slow() || the<QLineEdit>(form, "txtFileOut").isEnabled());
+        EXPECT_TRUE(busy_.slow() || the(form, "txtFileOut").isEnabled());
         if (!busy_.slow()) return;
         EXPECT_EQ(button.text(), "Creating..");
         EXPECT_FALSE(button.isEnabled());
         for (const char* name : {"Frame1", "txtFileOut", "optNew"})
-          EXPECT_FALSE(the<QWidget>(form, name).isEnabled()) << name;
+          EXPECT_FALSE(the(form, name).isEnabled()) << name;
         if (!busy_.stopRequested()) way(form);
       };
       button.click();
       person_.onEvents = {};
       EXPECT_EQ(log_.all, " Stopped: creating C:\\pkg\\a.tgz\n");
       EXPECT_EQ(button.text(), "Create Tar");
-      EXPECT_TRUE(button.isEnabled() && the<QWidget>(form, "txtFileOut").isEnabled());
+      EXPECT_TRUE(button.isEnabled() && the(form, "txtFileOut").isEnabled());
     }
   });
   EXPECT_TRUE(stayedOpen_);
-  EXPECT_TRUE(window_.asked.empty());
-  EXPECT_TRUE(person_.told.empty());
+  EXPECT_TRUE(window_.asked.empty() && person_.told.empty());
 }
 
 }  // namespace

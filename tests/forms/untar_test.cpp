@@ -1,17 +1,3 @@
-#include <QAbstractItemModelTester>
-#include <QApplication>
-#include <QComboBox>
-#include <QInputDialog>
-#include <QLabel>
-#include <QLineEdit>
-#include <QMenu>
-#include <QMessageBox>
-#include <QProgressBar>
-#include <QPushButton>
-#include <QTest>
-#include <QTimer>
-#include <QTreeView>
-
 #include "archive/ArchiveTreeBuilder.h"
 #include "archive/ui/frameUntar.h"
 #include "archive/ui/frmGetOutFolder.h"
@@ -19,98 +5,34 @@
 #include "archive/ui/frmQuickExtract.h"
 #include "platform/desktop/FolderList.h"
 #include "platform/desktop/Gate.h"
-#include "shell/ui/DesktopUser.h"
-#include "tests/World.h"
+#include "tests/forms/Forms.h"
 
 namespace fs = std::filesystem;
 
 namespace {
 
 using archive::frameUntar;
-
-/// Acts on the next modal window, once it is there; one of another kind is closed and is a failure.
-template <typename Window>
-void onNextModal(std::function<void(Window&)> act, int tries = 400) {
-  QTimer::singleShot(5, [act = std::move(act), tries] {
-    QWidget* modal = QApplication::activeModalWidget();
-    if (modal == nullptr && tries > 0) return onNextModal<Window>(act, tries - 1);
-    ASSERT_NE(modal, nullptr);
-    if (auto* window = qobject_cast<Window*>(modal)) return act(*window);
-    ADD_FAILURE() << "another window: " << modal->metaObject()->className();
-    modal->close();
-  });
-}
-
-class Pane : public runtime::FilePane {
- public:
-  std::vector<std::string> selectedPaths() const override { return selected; }
-  std::string selectionText() const override { return ""; }
-  std::vector<std::string> paneItems() const override { return {}; }
-  std::string GetDir1Path() const override { return "C:\\"; }
-  void selectAllRows() override {}
-  void refreshKeepList() override { ++refreshes; }
-  bool setOwnerShown() const override { return true; }
-
-  std::vector<std::string> selected;
-  int refreshes = 0;
-};
-
-class Pickers : public platform::desktop::FilePickers {
- public:
-  std::string openFile(const platform::desktop::FileRequest& request) override {
-    asked = request;
-    return answer;
-  }
-  std::string saveFile(const platform::desktop::FileRequest&) override { return ""; }
-  std::string folder(const std::string& title, const std::string& startFolder) override {
-    asked = {title, startFolder, "", 1, ""};
-    return answer;
-  }
-  bool canAskForFolder() const override { return works; }
-
-  platform::desktop::FileRequest asked;
-  std::string answer;
-  bool works = true;
-};
-
-/// Whoever sits in front: events run as in the program, and something can happen while they do.
-class Sitter : public testworld::Person {
- public:
-  void letEventsRun() override {
-    QApplication::processEvents();
-    if (meanwhile) meanwhile();
-  }
-  runtime::Answer message(const std::string& text, runtime::Buttons buttons, runtime::Icon icon,
-                          const std::string& title, runtime::Consequence consequence) override {
-    if (asked) asked();
-    return Person::message(text, buttons, icon, title, consequence);
-  }
-  void consoleOpened(const std::string&) override {
-    if (opened) opened();
-  }
-  std::function<void()> meanwhile;
-  std::function<void()> asked;
-  std::function<void()> opened;  // a console, right before its tool starts
-};
+using tests::onNextModal;
+using testworld::has;
 
 class UntarTest : public testworld::World {
  protected:
   UntarTest() {
     findTools();
-    write("in/usr/bin/app", "new");
-    write("in/usr/lib", "new");
-    write("in/top", "new");
+    for (const char* name : {"in/usr/bin/app", "in/usr/lib", "in/top"}) write(name, "new");
     output("cd " + host("in") + " && tar -czf ../pkg.tgz usr top");
     QObject::connect(&frame_, &frameUntar::shown, [this] { events_ += "shown "; });
     QObject::connect(&frame_, &frameUntar::closed, [this] { events_ += "closed "; });
+    person_.onEvents = [this] {
+      QApplication::processEvents();
+      if (meanwhile_) meanwhile_();
+    };
     frame_.show();
   }
 
-  template <typename Control>
+  template <typename Control = QWidget>
   Control& get(const char* name) {
-    auto* control = frame_.findChild<Control*>(name);
-    if (control == nullptr) throw std::runtime_error(name);
-    return *control;
+    return tests::the<Control>(frame_, name);
   }
   void click(const char* name) { get<QPushButton>(name).click(); }
   std::string text(const char* name) { return get<QLineEdit>(name).text().toStdString(); }
@@ -124,8 +46,22 @@ class UntarTest : public testworld::World {
     window_.selected = {"C:\\pkg.tgz"};
     frame_.open();
   }
-  void slowDown();
-  void cancelAtWork(QPushButton& button);
+  /// A compressor that gives the first half of what it is to unpack, and then nothing more.
+  void slowDown() const {
+    write("in/half", std::string(900'000, 'h'));
+    output("cd " + host("in") + " && tar -czf ../pkg.tgz top half usr");
+    tool("gzip", "[ -e " + root_ + "/half ] || exec /usr/bin/gzip \"$@\"\n" +
+                     "/usr/bin/gzip -dc | head -c 300000; touch " + root_ + "/at-work; sleep 20");
+  }
+  /// Presses the button while tar waits for more.
+  void cancelAtWork(QPushButton& button) {
+    person_.onOpened = [this] { std::ofstream(root_ + "/half") << ""; };
+    meanwhile_ = [this, &button] {
+      if (!fs::exists(root_ + "/at-work")) return;
+      meanwhile_ = nullptr;
+      button.click();
+    };
+  }
   bool extractionEnabled() {
     const bool enabled = get<QPushButton>("cmdUnTar").isEnabled();
     for (const char* name : {"cmdUnTarSelected", "cmdSelectAllTar", "cmdSelectNoneTar"})
@@ -133,11 +69,10 @@ class UntarTest : public testworld::World {
     return enabled;
   }
 
-  Sitter sitter_;
-  runtime::modAPI api2_{system_, sitter_};
-  runtime::Services services_{system_, api2_, cygwin_, sitter_, log_, stored_};
-  Pane window_;
-  Pickers pickers_;
+  std::function<void()> meanwhile_;  // while events run
+  tests::Pane window_;
+  tests::Pickers pickers_;
+  runtime::Services services_ = services();
   frameUntar frame_{services_, window_, pickers_};
   std::string events_;
 };
@@ -150,24 +85,29 @@ TEST_F(UntarTest, OpensWithAHintOrListsTheSelectedArchive) {
   EXPECT_EQ(at({0}).data(), QString("Click 'Refresh Contents' to display Tar file contents"));
   EXPECT_FALSE(at({0}).data(Qt::CheckStateRole).isValid());
   click("cmdUnTarSelected");
-  EXPECT_EQ(sitter_.told.back(), "Pakrune|There are no files to extract, please select a tar file");
+  EXPECT_EQ(person_.told.back(), "Pakrune|There are no files to extract, please select a tar file");
   click("cmdRefresh");
-  EXPECT_EQ(sitter_.told.back(), "Input not selected..|Please select a Tar file first");
+  EXPECT_EQ(person_.told.back(), "Input not selected..|Please select a Tar file first");
   EXPECT_EQ(get<QLineEdit>("txtFileIn").selectedText(), QString("Select Tar File To Extract"));
   openPackage();
   EXPECT_EQ(events_, "shown shown ");
   EXPECT_EQ(text("txtFileIn") + "|" + text("txtOutLocation"), "C:\\pkg.tgz|C:\\pkg\\");
   EXPECT_EQ(at({0}).data().toString() + at({0, 0, 0}).data().toString() + at({1}).data().toString(),
             "usrapptop");
-  EXPECT_TRUE(extractionEnabled() && get<QTreeView>("tarTree").isVisible());
-  EXPECT_FALSE(get<QProgressBar>("pbTarRefresh").isVisible() ||
-               get<QWidget>("frameTarRefreshLabel").isVisible());
-  EXPECT_FALSE(get<QWidget>("TreeView1").isVisible());
+  EXPECT_TRUE(extractionEnabled() && get("tarTree").isVisible());
+  for (const char* hidden : {"pbTarRefresh", "frameTarRefreshLabel", "TreeView1"})
+    EXPECT_FALSE(get(hidden).isVisible()) << hidden;
   const QAbstractItemModelTester tester(&model(), QAbstractItemModelTester::FailureReportingMode::Fatal);
   click("cmdRefresh");
   EXPECT_EQ(model().rowCount(), 2);
   frame_.open("C:\\in\\x.tar");
-  EXPECT_EQ(sitter_.told.back(), "Error|Invalid tar file C:\\in\\x.tar");
+  EXPECT_EQ(person_.told.back(), "Error|Invalid tar file C:\\in\\x.tar");
+  write("bad.tgz", "no archive");
+  frame_.open("C:\\bad.tgz");
+  EXPECT_TRUE(has(person_.told.back(), "Error Opening Package|An error occurred"));
+  EXPECT_FALSE(extractionEnabled());
+  EXPECT_TRUE(get("cmdRefresh").isEnabled() && get("txtFileIn").isEnabled());
+  EXPECT_EQ(model().rowCount(), 0);
 }
 
 TEST_F(UntarTest, ChecksColoursAndImages) {
@@ -196,53 +136,41 @@ TEST_F(UntarTest, ChecksColoursAndImages) {
 TEST_F(UntarTest, RightClickShowsAnEntrysProperties) {
   openPackage();
   auto& tree = get<QTreeView>("tarTree");
-  auto* menu = frame_.findChild<QMenu*>("mnuTarTreeRightClick");
-  EXPECT_EQ(menu->title(), QString("TAR_RIGHT_CLICK"));
+  auto& menu = get<QMenu>("mnuTarTreeRightClick");
+  EXPECT_EQ(menu.title(), QString("TAR_RIGHT_CLICK"));
   emit tree.customContextMenuRequested(tree.visualRect(at({1})).center());
-  EXPECT_TRUE(menu->isVisible());
-  menu->findChild<QAction*>("mnuTarTreeProperties")->trigger();
-  EXPECT_TRUE(
-      sitter_.told.back().starts_with("top Properties|Size:                 3 bytes\rModified:          "))
-      << sitter_.told.back();
+  EXPECT_TRUE(menu.isVisible());
+  get<QAction>("mnuTarTreeProperties").trigger();
+  EXPECT_TRUE(has(person_.told.back(), "top Properties|Size:                 3 bytes\rModified:          "));
   tree.setCurrentIndex(at({1}));
   const QPoint empty(5, tree.viewport()->height() - 5);
-  QTest::mouseClick(tree.viewport(), Qt::LeftButton, {}, empty);
+  tests::leftClick(tree.viewport(), empty);
   EXPECT_FALSE(tree.currentIndex().isValid());
   emit tree.customContextMenuRequested(empty);
-  EXPECT_FALSE(menu->isVisible());
-}
-
-TEST_F(UntarTest, FailedListingLeavesTheFrameUsable) {
-  write("bad.tgz", "no archive");
-  frame_.open("C:\\bad.tgz");
-  EXPECT_TRUE(sitter_.told.back().starts_with("Error Opening Package|An error occurred"))
-      << sitter_.told.back();
-  EXPECT_FALSE(extractionEnabled());
-  EXPECT_TRUE(get<QPushButton>("cmdRefresh").isEnabled() && get<QLineEdit>("txtFileIn").isEnabled());
-  EXPECT_EQ(model().rowCount(), 0);
+  EXPECT_FALSE(menu.isVisible());
 }
 
 TEST_F(UntarTest, CancelDuringAListingKeepsTheNodesSoFar) {
-  for (int i = 0; i < 3000; ++i) write("many/f" + std::to_string(i), "");
+  for (const std::string& name : numbered("many/f", 3000)) write(name, "");
   output("cd " + host("many") + " && tar -cf ../many.tar .");
-  sitter_.meanwhile = [this] {
-    if (get<QTreeView>("tarTree").isVisible()) return;
-    EXPECT_FALSE(extractionEnabled() || get<QPushButton>("cmdGetFile").isEnabled());
-    EXPECT_TRUE(get<QProgressBar>("pbTarRefresh").isVisible());
-    sitter_.meanwhile = nullptr;
+  meanwhile_ = [this] {
+    if (get("tarTree").isVisible()) return;
+    EXPECT_FALSE(extractionEnabled() || get("cmdGetFile").isEnabled());
+    EXPECT_TRUE(get("pbTarRefresh").isVisible());
+    meanwhile_ = nullptr;
     click("cmdCancel");
   };
   frame_.open("C:\\many.tar");
   EXPECT_LT(model().rowCount(), 3000);
   EXPECT_EQ(events_, "shown closed ");
-  EXPECT_TRUE(get<QTreeView>("tarTree").isVisible() && get<QPushButton>("cmdRefresh").isEnabled());
+  EXPECT_TRUE(get("tarTree").isVisible() && get("cmdRefresh").isEnabled());
   EXPECT_FALSE(extractionEnabled());
 }
 
 TEST_F(UntarTest, ExtractsAndCloses) {
   openPackage();
   model().setData(at({0, 1}), Qt::Unchecked, Qt::CheckStateRole);
-  sitter_.asked = [this] { model().setData(at({1}), Qt::Unchecked, Qt::CheckStateRole); };  // comes too late
+  person_.onMessage = [this] { model().setData(at({1}), Qt::Unchecked, Qt::CheckStateRole); };  // too late
   click("cmdUnTarSelected");
   EXPECT_EQ(bytes("pkg/usr/bin/app") + bytes("pkg/top"), "newnew");
   EXPECT_FALSE(fs::exists(host("pkg/usr/lib")));
@@ -251,7 +179,7 @@ TEST_F(UntarTest, ExtractsAndCloses) {
   EXPECT_EQ(log_.all, " Extracted file: C:\\pkg.tgz\n");
   get<QLineEdit>("txtOutLocation").setText("Select Output Folder");
   click("cmdUnTar");
-  EXPECT_EQ(sitter_.told.back(), "Ouput not selected..|Please choose an output location");
+  EXPECT_EQ(person_.told.back(), "Ouput not selected..|Please choose an output location");
   EXPECT_EQ(window_.refreshes, 1);
 }
 
@@ -275,29 +203,27 @@ TEST_F(UntarTest, OverwriteDialogGivesEveryAnswer) {
   openPackage();
   const auto press = [](const char* name, bool folder, std::function<void()> then = {}) {
     onNextModal<archive::frmOverwriteFile>([=](archive::frmOverwriteFile& dialog) {
-      const auto shown = [&](const char* label) {
-        return dialog.findChild<QLabel*>(label)->text().toStdString();
-      };
+      const auto label = [&](const char* field) { return tests::the<QLabel>(dialog, field).text(); };
+      const QString size = folder ? "0 bytes, " : "3 bytes, ";
       EXPECT_EQ(dialog.windowTitle(), QString("Pakrune"));
-      EXPECT_EQ(shown("lblPrompt"), folder ? "Overwrite Existing Folder?" : "Confirm File Overwrite?");
-      EXPECT_EQ(dialog.findChild<QLabel*>("lblFolderNote")->isVisible(), folder);
-      EXPECT_EQ(shown("lblPath"), folder ? "C:\\pkg\\usr" : "C:\\pkg\\top");
-      EXPECT_TRUE(shown("lblInTar").starts_with(folder ? "0 bytes, 2" : "3 bytes, 2")) << shown("lblInTar");
-      EXPECT_TRUE(shown("lblToReplace").starts_with(folder ? "0 bytes, " : "3 bytes, "));
+      EXPECT_EQ(label("lblPrompt"), folder ? "Overwrite Existing Folder?" : "Confirm File Overwrite?");
+      EXPECT_EQ(tests::the(dialog, "lblFolderNote").isVisible(), folder);
+      EXPECT_EQ(label("lblPath"), folder ? "C:\\pkg\\usr" : "C:\\pkg\\top");
+      EXPECT_TRUE(label("lblInTar").startsWith(size + "2")) << label("lblInTar").toStdString();
+      EXPECT_TRUE(label("lblToReplace").startsWith(size)) << label("lblToReplace").toStdString();
       if (then) then();
-      if (*name == '\0') return static_cast<void>(QTest::keyClick(&dialog, Qt::Key_Escape));
-      dialog.findChild<QPushButton*>(name)->click();
+      *name == '\0' ? QTest::keyClick(&dialog, Qt::Key_Escape) : tests::press(dialog, name);
     });
   };
   const auto result = [this] {
     click("cmdUnTar");
     return bytes("pkg/usr/lib") + bytes("pkg/top");
   };
-  press("cmdCancel", true);
-  EXPECT_EQ(result(), "oldold");
-  press("", true);
-  EXPECT_EQ(result(), "oldold");
-  EXPECT_EQ(get<QLineEdit>("txtOutLocation").selectedText(), QString("C:\\pkg\\"));
+  for (const char* refusal : {"cmdCancel", ""}) {
+    press(refusal, true);
+    EXPECT_EQ(result(), "oldold");
+    EXPECT_EQ(get<QLineEdit>("txtOutLocation").selectedText(), QString("C:\\pkg\\"));
+  }
   press("cmdNo", true, [&] { press("cmdYes", false); });
   EXPECT_EQ(result(), "oldnew");
   write("pkg/top", "old");
@@ -315,19 +241,18 @@ TEST_F(UntarTest, PickersStartBesideTheArchive) {
   EXPECT_EQ(pickers_.asked.title + pickers_.asked.startFolder, "Select Tar FileC:\\in\\");
   EXPECT_EQ(pickers_.asked.filterIndex, 4);
   EXPECT_EQ(at({1}).data(), QString("top"));
-  pickers_.answer = "C:\\in";
-  click("cmdSelectOut");
-  EXPECT_EQ(pickers_.asked.title, "Please select an output folder.");
-  EXPECT_EQ(text("txtOutLocation"), "C:\\in");
-  pickers_.answer = "";
-  click("cmdSelectOut");
-  EXPECT_EQ(text("txtOutLocation"), "C:\\in");
+  for (const char* answer : {"C:\\in", ""}) {
+    pickers_.answer = answer;
+    click("cmdSelectOut");
+    EXPECT_EQ(pickers_.asked.title, "Please select an output folder.");
+    EXPECT_EQ(text("txtOutLocation"), "C:\\in");
+  }
   pickers_.works = false;
   onNextModal<archive::frmGetOutFolder>([](archive::frmGetOutFolder& dialog) {
     EXPECT_EQ(dialog.windowTitle(), QString("Choose Output Folder"));
     EXPECT_EQ(dialog.GetDirListPath(), "C:\\");
-    dialog.findChild<platform::desktop::FolderList*>("dirList")->setPath("C:\\in\\usr");
-    dialog.findChild<QPushButton*>("cmdOK")->click();
+    tests::the<platform::desktop::FolderList>(dialog, "dirList").setPath("C:\\in\\usr");
+    tests::press(dialog, "cmdOK");
   });
   click("cmdSelectOut");
   EXPECT_EQ(text("txtOutLocation"), "C:\\in\\usr");
@@ -344,33 +269,12 @@ TEST_F(UntarTest, NewOutputFolderNeedsAProperName) {
     });
   };
   type("a\"b", [&] { type("fresh"); });
-  dialog.findChild<QPushButton*>("cmdNewFolder")->click();
+  tests::press(dialog, "cmdNewFolder");
   EXPECT_EQ(
-      sitter_.told.back(),
+      person_.told.back(),
       "Folder Name Error..|Folder name cannot contain any of the following characters:\r\\ / : * ? \" < > |");
   EXPECT_TRUE(fs::is_directory(host("in/fresh")));
   EXPECT_FALSE(archive::isFolderName("a\xEF\x80\xBA"));
-}
-
-/// A compressor that gives the first half of what it is to unpack, and then nothing more.
-void UntarTest::slowDown() {
-  write("in/half", std::string(900'000, 'h'));
-  output("cd " + host("in") + " && tar -czf ../pkg.tgz top half usr");
-  fs::remove(root_ + "/prog/bin/gzip");
-  std::ofstream(root_ + "/prog/bin/gzip")
-      << "#!/bin/sh\n[ -e " + root_ + "/half ] || exec /usr/bin/gzip \"$@\"\n"
-      << "/usr/bin/gzip -dc | head -c 300000; touch " + root_ << "/at-work; sleep 20\n";
-  fs::permissions(root_ + "/prog/bin/gzip", fs::perms(0755));
-}
-
-/// Presses the button while tar waits for more.
-void UntarTest::cancelAtWork(QPushButton& button) {
-  sitter_.opened = [this] { std::ofstream(root_ + "/half") << ""; };
-  sitter_.meanwhile = [this, &button] {
-    if (!fs::exists(root_ + "/at-work")) return;
-    sitter_.meanwhile = nullptr;
-    button.click();
-  };
 }
 
 TEST_F(UntarTest, QuickExtractionStaysShownAndItsCancelEndsTheProgram) {
@@ -379,10 +283,10 @@ TEST_F(UntarTest, QuickExtractionStaysShownAndItsCancelEndsTheProgram) {
   fs::create_directory(host("quick"));
   EXPECT_EQ(quick.QuickExtract("C:\\pkg.tgz", "C:\\quick").end, runtime::JobEnd::Done);
   EXPECT_EQ(bytes("quick/top"), "new");
-  EXPECT_EQ(quick.findChild<QProgressBar*>("ProgressBar1")->value(), 100);
+  EXPECT_EQ(tests::the<QProgressBar>(quick, "ProgressBar1").value(), 100);
   EXPECT_TRUE(quick.isVisible());
   slowDown();
-  cancelAtWork(*quick.findChild<QPushButton*>("cmdCancel"));
+  cancelAtWork(tests::the<QPushButton>(quick, "cmdCancel"));
   const platform::desktop::Gate gate(busy_);
   const platform::Busy::Scope busy(busy_);
   EXPECT_EQ(quick.QuickExtract("C:\\pkg.tgz", "C:\\half").end, runtime::JobEnd::Stopped);
@@ -405,8 +309,8 @@ TEST_F(UntarTest, CancelWhileTarRunsLeavesTheFrameAndThePaneIsListedAgain) {
 TEST_F(UntarTest, ClosingDuringTheListingOfAnExtractionExtractsNothing) {
   openPackage();
   output("touch -d 2001-01-01 " + host("pkg.tgz"));
-  sitter_.meanwhile = [this] {
-    if (get<QWidget>("frameTarRefreshLabel").isVisible()) busy_.requestEnd();
+  meanwhile_ = [this] {
+    if (get("frameTarRefreshLabel").isVisible()) busy_.requestEnd();
   };
   click("cmdUnTar");
   EXPECT_EQ(log_.all, " Stopped: extracting C:\\pkg.tgz\n");
@@ -418,8 +322,7 @@ TEST_F(UntarTest, WhatIsLeftOutIsShownAtTheEnd) {
   frame_.open("C:\\up.tar");
   click("cmdUnTar");
   EXPECT_EQ(bytes("up/top"), "new");
-  EXPECT_TRUE(sitter_.told.back().starts_with("Pakrune|Not extracted, its name leads out"))
-      << sitter_.told.back();
+  EXPECT_TRUE(has(person_.told.back(), "Pakrune|Not extracted, its name leads out"));
   EXPECT_EQ(window_.refreshes, 1);
 }
 
