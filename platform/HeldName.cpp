@@ -1,5 +1,7 @@
 #include "platform/HeldName.h"
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 
@@ -46,12 +48,16 @@ Decoded decode(std::string_view text) {
 
 bool isControl(unsigned char byte) { return byte < 0x20 || byte == 0x7F; }
 
+constexpr std::array<bool, 256> heldBytes = [] {
+  std::array<bool, 256> held{};
+  for (std::size_t byte = 0; byte < held.size(); ++byte) held[byte] = byte < 0x20 || byte >= 0x7F;
+  for (const char byte : std::string_view("\\:*?\"<>|")) held[static_cast<unsigned char>(byte)] = true;
+  return held;
+}();
+
 /// A byte that is ever held; a code point in the range that stands for another one is only itself, so
 /// that a typed one can never become a '/' or a '.'.
-bool isHeldByte(unsigned char byte) {
-  constexpr std::string_view impossible = "\\:*?\"<>|";
-  return byte >= 0x80 || isControl(byte) || impossible.find(static_cast<char>(byte)) != impossible.npos;
-}
+bool isHeldByte(unsigned char byte) { return heldBytes[byte]; }
 
 void appendHeld(std::string& out, char byte) {
   const auto value = static_cast<unsigned char>(byte);
@@ -68,6 +74,8 @@ bool isHeld(const Decoded& at) {
 /// Copies a text and hands each held byte to `release`, which appends what stands for it.
 template <typename Release>
 std::string replaceHeld(std::string_view inner, Release release) {
+  constexpr char heldLead = '\xEF';  // most names hold nothing
+  if (inner.find(heldLead) == inner.npos) return std::string(inner);
   std::string out;
   out.reserve(inner.size());
   while (!inner.empty()) {
@@ -85,6 +93,9 @@ std::string replaceHeld(std::string_view inner, Release release) {
 }  // namespace
 
 std::string holdName(std::string_view hostBytes) {
+  if (std::none_of(hostBytes.begin(), hostBytes.end(),
+                   [](char byte) { return isHeldByte(static_cast<unsigned char>(byte)); }))
+    return std::string(hostBytes);
   std::string out;
   out.reserve(hostBytes.size());
   while (!hostBytes.empty()) {
