@@ -1,43 +1,13 @@
-#include <QAction>
-#include <QApplication>
-#include <QCheckBox>
-#include <QLabel>
-#include <QMenu>
-#include <QMenuBar>
-#include <QPlainTextEdit>
-#include <QRegularExpression>
-#include <QTest>
-#include <QTimer>
-#include <QTreeView>
-#include <functional>
-
 #include "platform/HeldName.h"
 #include "platform/desktop/ScrollList.h"
 #include "shell/ui/frmMain.h"
-#include "tests/World.h"
+#include "tests/forms/Forms.h"
 
 namespace fs = std::filesystem;
 
 namespace {
 
 constexpr const char* key = "SOFTWARE\\Halvoren Inc\\Pakrune";
-
-class WindowPerson : public testworld::Person {
- public:
-  void letEventsRun() override {
-    QApplication::processEvents();
-    if (meanwhile) meanwhile();
-  }
-  std::function<void()> meanwhile;
-};
-
-/// Answers nothing: no test here opens a picker.
-class NoPickers : public platform::desktop::FilePickers {
- public:
-  std::string openFile(const platform::desktop::FileRequest&) override { return ""; }
-  std::string saveFile(const platform::desktop::FileRequest&) override { return ""; }
-  std::string folder(const std::string&, const std::string&) override { return ""; }
-};
 
 QStringList labels(const QWidget& window) {
   QStringList texts;
@@ -54,6 +24,10 @@ class MainTest : public testworld::World {
     write("pkg/.hidden");
     write("pkg/sub/x");
     for (const char* name : {"PAKRUNE_WINVER", "PAKRUNE_ADMIN"}) unsetenv(name);
+    person_.onEvents = [this] {
+      QApplication::processEvents();
+      if (meanwhile_) meanwhile_();
+    };
   }
   ~MainTest() override {
     for (const char* name : {"PAKRUNE_WINVER", "PAKRUNE_ADMIN"}) unsetenv(name);
@@ -82,21 +56,10 @@ class MainTest : public testworld::World {
   void storeFirstRun() {
     registry_.write(platform::Hive::LocalMachine, key, "FirstRun", {platform::ValueType::Text, "1"});
   }
-  /// Acts on the modal window that opens next, whenever that is.
-  void onNextModal(const std::function<void(QWidget&)>& act) {
-    auto* timer = new QTimer(&window_);
-    QObject::connect(timer, &QTimer::timeout, timer, [timer, act] {
-      QWidget* const modal = QApplication::activeModalWidget();
-      if (modal == nullptr) return;
-      timer->deleteLater();
-      act(*modal);
-    });
-    timer->start(5);
-  }
 
-  WindowPerson windowPerson_;
-  NoPickers pickers_;
-  shell::Program program_object_{system_, program_, windowPerson_};
+  std::function<void()> meanwhile_;
+  tests::Pickers pickers_;
+  shell::Program program_object_{system_, program_, person_};
   shell::frmMain window_{program_object_, pickers_};
 };
 
@@ -185,7 +148,7 @@ TEST_F(MainTest, WhileAJobRunsMenusDoNothingAndClosingStopsIt) {
     QTest::keyClick(&window_, Qt::Key_A, Qt::ControlModifier);
     write("pkg/late");
     QTest::keyClick(&window_, Qt::Key_F5);
-    EXPECT_TRUE(windowPerson_.told.empty() && selected().empty());
+    EXPECT_TRUE(person_.told.empty() && selected().empty());
     EXPECT_EQ(window_.findChild<QDialog*>("frmAbout"), nullptr);
     EXPECT_EQ(window_.paneItems().size(), 3U);
   }
@@ -208,26 +171,26 @@ TEST_F(MainTest, OwnerGroupAndLineEndsRunFromTheirButtons) {
   }
   load({"pkg/a.txt"});
   find<QPushButton>("cmdDos2Unix")->click();
-  EXPECT_NE(logText().find(" dos2unix successfull: 1 files in C:\\pkg\\"), std::string::npos);
+  EXPECT_TRUE(testworld::has(logText(), " dos2unix successfull: 1 files in C:\\pkg\\"));
   EXPECT_EQ(find<QPushButton>("cmdDos2Unix")->text(), QString("dos2unix"));
   EXPECT_EQ(find<QPushButton>("cmdSetGroup")->text(), QString("Set Goup"));
   find<QPushButton>("cmdSetGroup")->click();
   EXPECT_EQ(find<QPushButton>("cmdSetGroup")->text(), QString("Set Group"));
   EXPECT_TRUE(find<QPushButton>("cmdSetGroup")->isEnabled());
-  EXPECT_EQ(windowPerson_.told.back(), "Setting Group..|This will set the group for 1 selected files");
-  onNextModal([](QWidget& modal) {
+  EXPECT_EQ(person_.told.back(), "Setting Group..|This will set the group for 1 selected files");
+  tests::onNextModal<QWidget>([](QWidget& modal) {
     EXPECT_EQ(modal.windowTitle(), QString("Set Owner"));
     modal.findChild<platform::desktop::ScrollList*>("listOwner")->setTopIndex(4);
     modal.findChild<QPushButton*>("cmdSetOwner")->click();
     EXPECT_FALSE(modal.isVisible());
   });
   find<QPushButton>("cmdSetOwner")->click();
-  EXPECT_NE(logText().find(" Owner(usr5) successfully set: 1 files in C:\\pkg\\"), std::string::npos);
+  EXPECT_TRUE(testworld::has(logText(), " Owner(usr5) successfully set: 1 files in C:\\pkg\\"));
   EXPECT_NE(bytes("runs").find("chown.exe -R usr5 " + host("pkg/a.txt")), std::string::npos) << bytes("runs");
   window_.browsing().openDirPane();
-  windowPerson_.agrees = false;
+  person_.agrees = false;
   find<QPushButton>("cmdSetOwner")->click();
-  EXPECT_EQ(windowPerson_.told.back(),
+  EXPECT_EQ(person_.told.back(),
             "Warning..|This will change the owner for all files and subdirectories under:\rC:\\pkg");
 }
 
@@ -239,8 +202,8 @@ TEST_F(MainTest, PermissionsAreSetFromTheirButtonAndTakenBackFromTheMenu) {
   fs::permissions(host("pkg/sub/x"), fs::perms(0600));
   EXPECT_FALSE(action("mnuUndoPermissions")->isVisible());
   bool shut = false;
-  windowPerson_.meanwhile = [&] { shut |= busy_.held() && !find<QPushButton>("cmdSetPerms")->isEnabled(); };
-  onNextModal([this](QWidget& modal) {
+  meanwhile_ = [&] { shut |= busy_.held() && !find<QPushButton>("cmdSetPerms")->isEnabled(); };
+  tests::onNextModal<QWidget>([this](QWidget& modal) {
     EXPECT_EQ(modal.windowTitle(), QString("Set Permissions"));
     EXPECT_EQ(modal.findChild<QLabel*>("lblItems")->text().toStdString(), window_.selectionText());
     window_.browsing().openDirPane();  // the items are those of the click
@@ -248,13 +211,13 @@ TEST_F(MainTest, PermissionsAreSetFromTheirButtonAndTakenBackFromTheMenu) {
   });
   find<QPushButton>("cmdSetPerms")->click();
   EXPECT_TRUE(shut && find<QPushButton>("cmdSetPerms")->isEnabled());
-  EXPECT_NE(logText().find(" Permissions automatically set: 1 items in C:\\pkg\\"), std::string::npos);
+  EXPECT_TRUE(testworld::has(logText(), " Permissions automatically set: 1 items in C:\\pkg\\"));
   EXPECT_EQ(mode("pkg/sub/x"), 0644U);
   ASSERT_TRUE(action("mnuUndoPermissions")->isVisible());
   EXPECT_EQ(action("mnuUndoPermissions")->text(), QString("Undo Set Permissions"));
   action("mnuUndoPermissions")->trigger();
   EXPECT_EQ(mode("pkg/sub/x"), 0600U);
-  EXPECT_NE(logText().find(" Undo Set Permissions: 1 restored, 0 left as they are"), std::string::npos);
+  EXPECT_TRUE(testworld::has(logText(), " Undo Set Permissions: 1 restored, 0 left as they are"));
   EXPECT_FALSE(action("mnuUndoPermissions")->isEnabled());
 }
 
@@ -262,12 +225,12 @@ TEST_F(MainTest, PermissionsOfAWholeFolderAreAskedFor) {
   const std::string question =
       "Warning..|This will change permissions for all files and subdirectories under:\rC:\\pkg";
   load({"-d", "C:\\pkg"});
-  windowPerson_.agrees = false;
+  person_.agrees = false;
   find<QPushButton>("cmdSetPerms")->click();
-  EXPECT_EQ(windowPerson_.told, std::vector{question});
+  EXPECT_EQ(person_.told, std::vector{question});
   EXPECT_EQ(window_.findChild<QDialog*>("frmPermissions"), nullptr);
-  windowPerson_.agrees = true;
-  onNextModal([this](QWidget& modal) {
+  person_.agrees = true;
+  tests::onNextModal<QWidget>([this](QWidget& modal) {
     EXPECT_EQ(selected().size(), 3U);
     modal.findChild<QPushButton*>("cmdCancel")->click();
   });
@@ -275,18 +238,18 @@ TEST_F(MainTest, PermissionsOfAWholeFolderAreAskedFor) {
   for (const char* missing : {"chmod.exe", "find.exe"}) {
     fs::remove(root_ + "/prog/bin/" + missing);
     find<QPushButton>("cmdSetPerms")->click();
-    EXPECT_EQ(windowPerson_.told.back(), std::string("Unable to Set Permissions|Error: Unable to locate '") +
-                                             missing + "'.\r\nTry reinstalling Pakrune or Cygwin");
+    EXPECT_EQ(person_.told.back(), std::string("Unable to Set Permissions|Error: Unable to locate '") +
+                                       missing + "'.\r\nTry reinstalling Pakrune or Cygwin");
   }
   EXPECT_EQ(window_.findChild<QDialog*>("frmPermissions"), nullptr);
 }
 
 TEST_F(MainTest, PermissionsAtTheStartStandBesideTheWindow) {
-  windowPerson_.agrees = false;
+  person_.agrees = false;
   ASSERT_TRUE(load({"-perms", "pkg", "nothing"}));
   EXPECT_TRUE(window_.isVisible());
   EXPECT_EQ(window_.findChild<QDialog*>("frmPermissions"), nullptr);
-  windowPerson_.agrees = true;
+  person_.agrees = true;
   for (const char* name : {"nothing", "a.txt"}) {
     ASSERT_TRUE(load({"-perms", "pkg", name}));
     auto* const form = find<QDialog>("frmPermissions");
@@ -299,7 +262,7 @@ TEST_F(MainTest, PermissionsAtTheStartStandBesideTheWindow) {
     EXPECT_EQ(window_.findChild<QDialog*>("frmPermissions"), nullptr);
     EXPECT_TRUE(window_.isVisible());
   }
-  EXPECT_NE(logText().find(" Permissions automatically set: 3 items in C:\\pkg\\"), std::string::npos);
+  EXPECT_TRUE(testworld::has(logText(), " Permissions automatically set: 3 items in C:\\pkg\\"));
 }
 
 TEST_F(MainTest, AboutOpensFromTheLabelAndTheMenu) {
@@ -317,7 +280,7 @@ TEST_F(MainTest, AdminTestTellsWhatTheSystemSays) {
     setenv("PAKRUNE_WINVER", version, 1);
     setenv("PAKRUNE_ADMIN", admin, 1);
     action("mnuAdmin")->trigger();
-    return windowPerson_.told.back();
+    return person_.told.back();
   };
   EXPECT_EQ(told("2.10.0", "1"),
             "Pakrune|Unable to check for administrative priveleges on this version of Windows");
@@ -330,7 +293,7 @@ TEST_F(MainTest, WithoutPrivilegesTheNoticeComesOnlyOnTheFirstRun) {
   setenv("PAKRUNE_ADMIN", "0", 1);
   storeFirstRun();
   bool noticed = false;
-  onNextModal([&noticed](QWidget& modal) {
+  tests::onNextModal<QWidget>([&noticed](QWidget& modal) {
     noticed = modal.objectName() == "Dialog" && modal.windowTitle() == "Pakrune: Admin Error";
     EXPECT_EQ(labels(modal),
               QStringList({"You must have Administrative privileges to change file permissions/ownership.",
@@ -340,7 +303,7 @@ TEST_F(MainTest, WithoutPrivilegesTheNoticeComesOnlyOnTheFirstRun) {
   });
   load({});
   EXPECT_TRUE(noticed);
-  EXPECT_NE(logText().find("\nYou don't have administrative privileges!"), std::string::npos);
+  EXPECT_TRUE(testworld::has(logText(), "\nYou don't have administrative privileges!"));
   EXPECT_FALSE(program_object_.isAdmin);
 }
 
@@ -348,7 +311,7 @@ TEST_F(MainTest, WhereModesDoNotStickANoticeSaysSo) {
   fs::remove(root_ + "/prog/bin/chmod.exe");
   link("true", "chmod.exe");
   storeFirstRun();
-  onNextModal([](QWidget& modal) {
+  tests::onNextModal<QWidget>([](QWidget& modal) {
     EXPECT_EQ(modal.windowTitle(), QString("Pakrune: Notice"));
     EXPECT_EQ(
         labels(modal),
@@ -366,8 +329,8 @@ TEST_F(MainTest, WhereModesDoNotStickANoticeSaysSo) {
 TEST_F(MainTest, MissingToolsAreReportedAndTheWindowOpens) {
   fs::remove(root_ + "/prog/bin/tar.exe");
   EXPECT_TRUE(load({"-d", "C:\\pkg"}));
-  ASSERT_EQ(windowPerson_.told.size(), 1U);
-  EXPECT_TRUE(windowPerson_.told[0].starts_with("Error|Please make sure Cygwin binaries (tar.exe)"));
+  ASSERT_EQ(person_.told.size(), 1U);
+  EXPECT_TRUE(person_.told[0].starts_with("Error|Please make sure Cygwin binaries (tar.exe)"));
   EXPECT_TRUE(window_.isVisible());
 }
 
@@ -394,21 +357,21 @@ TEST_F(MainTest, ClosingRemembersTheFolder) {
 
 TEST_F(MainTest, ClosingWhileItLoadsEndsTheProgram) {
   stored_.setInitDir("C:\\kept");
-  windowPerson_.meanwhile = [this] { window_.close(); };
+  meanwhile_ = [this] { window_.close(); };
   for (const auto& arguments : std::vector<std::vector<std::string>>{
            {"-d", "C:\\pkg"}, {"-pack", "pkg", "a.txt"}, {"pkg/a.txt"}, {"-open", "pkg", "a.txt"}}) {
     EXPECT_FALSE(load(arguments)) << arguments.front();
     EXPECT_FALSE(window_.isVisible());
   }
   EXPECT_EQ(stored_.initDir(), "C:\\kept");  // no folder was shown
-  EXPECT_TRUE(windowPerson_.told.empty());
+  EXPECT_TRUE(person_.told.empty());
 }
 
 TEST_F(MainTest, PermissionsNeedFindWhateverTheRecordHolds) {
   fs::remove(root_ + "/prog/bin/find.exe");
   EXPECT_FALSE(load({"-perms", "pkg"}));
-  ASSERT_EQ(windowPerson_.told.size(), 1U);
-  EXPECT_TRUE(windowPerson_.told[0].starts_with("Unable to Set Permissions|")) << windowPerson_.told[0];
+  ASSERT_EQ(person_.told.size(), 1U);
+  EXPECT_TRUE(person_.told[0].starts_with("Unable to Set Permissions|")) << person_.told[0];
 }
 
 TEST_F(MainTest, AStartListsItsFolderOnceAndInAWindow) {
@@ -421,9 +384,9 @@ TEST_F(MainTest, AStartListsItsFolderOnceAndInAWindow) {
     std::ofstream(root_ + "/runs");
     shell::frmMain window(program_object_, pickers_);
     bool seenWithoutModes = false;
-    windowPerson_.meanwhile = [&] { seenWithoutModes |= window.isVisible() && !window.paneItems().empty(); };
+    meanwhile_ = [&] { seenWithoutModes |= window.isVisible() && !window.paneItems().empty(); };
     window.Load(shell::parseCommandLine(textOf(arguments)));
-    windowPerson_.meanwhile = {};
+    meanwhile_ = {};
     EXPECT_TRUE(seenWithoutModes) << arguments.front();
     EXPECT_EQ(output("grep -c /disk/pkg " + root_ + "/runs"), "1\n") << arguments.front();
   }
@@ -467,16 +430,14 @@ TEST_F(MainTest, AFailingExtractionTellsWhy) {
   EXPECT_FALSE(load({"-extract", "pkg", "up.tar", "C:\\new"}));
   EXPECT_EQ(program_object_.exitStatus, 1);
   EXPECT_TRUE(fs::exists(host("new/a.txt")));
-  EXPECT_NE(
-      windowPerson_.told.back().find("Not extracted, its name leads out of the output folder: ../pkg/sub"),
-      std::string::npos)
-      << windowPerson_.told.back();
+  EXPECT_NE(person_.told.back().find("Not extracted, its name leads out of the output folder: ../pkg/sub"),
+            std::string::npos)
+      << person_.told.back();
   EXPECT_FALSE(load({"-extract", "pkg", "bad.tar", "C:\\none"}));
-  EXPECT_EQ(windowPerson_.told.back(), "Pakrune|Nothing to extract");
+  EXPECT_EQ(person_.told.back(), "Pakrune|Nothing to extract");
   EXPECT_EQ(program_object_.exitStatus, 1);
   EXPECT_FALSE(load({"-extract", "pkg", "up.tar", "C:\\pkg\\a.txt"}));
-  EXPECT_EQ(windowPerson_.told.back(),
-            "Pakrune|Error: Unable to create folder C:\\pkg\\a.txt\\: Not a directory");
+  EXPECT_EQ(person_.told.back(), "Pakrune|Error: Unable to create folder C:\\pkg\\a.txt\\: Not a directory");
 }
 
 TEST_F(MainTest, OpenFallsBackToTheBrowserWithoutTheArchive) {
@@ -487,7 +448,7 @@ TEST_F(MainTest, OpenFallsBackToTheBrowserWithoutTheArchive) {
 
 TEST_F(MainTest, PackOpensTheArchiveDialog) {
   bool opened = false;
-  onNextModal([&opened](QWidget& modal) {
+  tests::onNextModal<QWidget>([&opened](QWidget& modal) {
     opened = modal.objectName() == "frmTar";
     modal.close();
   });

@@ -1,20 +1,10 @@
 #include <sys/stat.h>
 
-#include <QAbstractItemModelTester>
-#include <QApplication>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QPushButton>
-#include <QRadioButton>
-#include <QTest>
-#include <QTreeView>
-
 #include "perms/ui/frmPermissions.h"
 #include "perms/ui/frmPreview.h"
 #include "platform/desktop/PathLabel.h"
 #include "platform/desktop/ReadableColour.h"
-#include "tests/World.h"
+#include "tests/forms/Forms.h"
 
 namespace {
 
@@ -61,6 +51,7 @@ class PermissionsFormTest : public testworld::World {
 
 TEST_F(PermissionsFormTest, OpensAsThePreferencesSay) {
   open({"a", "d"});
+  tests::checkTexts(*form_);
   EXPECT_TRUE(find<QRadioButton>("optAuto")->isChecked());
   EXPECT_EQ(boxes(), "xx.x..x..");
   EXPECT_FALSE(box("checkUW")->isEnabled());
@@ -185,6 +176,7 @@ TEST_F(PermissionsFormTest, ThePreviewListsAndNarrows) {
   const perms::PermissionChoice choice{false, {7, 4, 0}, true};
   perms::frmPreview preview(services());
   preview.fill(items, choice);
+  tests::checkTexts(preview);
   auto* const list = preview.findChild<QTreeView*>("listChanges");
   const QAbstractItemModelTester tester(list->model(), QAbstractItemModelTester::FailureReportingMode::Fatal);
   const auto cell = [list](int row, int column) {
