@@ -1,6 +1,7 @@
 #include <array>
 
 #include "archive/ExtractJob.h"
+#include "archive/LeftOut.h"
 #include "tests/OnDisk.h"
 
 namespace fs = std::filesystem;
@@ -260,6 +261,13 @@ TEST_F(ExtractTest, HostileMembersStayOutOfTheWorld) {
     tree ? fromTree("h.tar") : quick("h.tar");  // the link of the first run stands now
     expectNothingOutside();
   }
+}
+
+TEST_F(ExtractTest, ManyRefusedMembersDoNotFillTheLog) {
+  archive::logLeftOut(log_,
+                      std::vector<archive::RefusedMember>(25, {"../up", archive::LeftOut::Outside, ""}));
+  EXPECT_EQ(std::count(log_.all.begin(), log_.all.end(), '\n'), 21);
+  EXPECT_TRUE(log_.all.ends_with(" Not extracted either: more members that lead out of the output folder\n"));
 }
 
 TEST_F(ExtractTest, NewFolderIsSafeToo) {

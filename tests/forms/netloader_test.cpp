@@ -151,6 +151,8 @@ TEST_F(NetloaderTest, AddressBoxesAndKeys) {
   box(1).clear();
   QTest::keyClick(&box(1), Qt::Key_Period, Qt::KeypadModifier);
   EXPECT_EQ(box(1).text(), "0");
+  QTest::keyClick(&box(2), Qt::Key_Period);
+  EXPECT_TRUE(box(3).hasFocus());
   pressPortKeys(box(1));
   EXPECT_TRUE(the("txtPort").isVisible() && the("lblPort").isVisible());
   pressPortKeys(box(0));
@@ -224,6 +226,8 @@ TEST_F(NetloaderTest, HeightsAndLists) {
   for (const char* list : {"listNetP_0", "listNetP_1", "listNetP_2"})
     mode += the<ScrollList>(list).topEntry();
   EXPECT_EQ(mode, "644");
+  EXPECT_EQ(the<ScrollList>("listNetP_0").entries().join(' '), "7 6 5 4");
+  EXPECT_EQ(the<ScrollList>("listNetP_2").entries().join(' '), "7 6 5 4 3 2 1 0");
 }
 
 }  // namespace

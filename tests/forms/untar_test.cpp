@@ -123,8 +123,12 @@ TEST_F(UntarTest, ChecksColoursAndImages) {
   EXPECT_FALSE(at({0, 1}).data(Qt::ForegroundRole).isValid());
   click("cmdSelectAllTar");
   EXPECT_TRUE(checked(at({0, 0, 0})) && !at({0}).data(Qt::ForegroundRole).isValid());
+  QSignalSpy repainted(&model(), &QAbstractItemModel::dataChanged);
   click("cmdSelectNoneTar");
   EXPECT_FALSE(checked(at({0})) || checked(at({1})));
+  EXPECT_TRUE(std::any_of(repainted.begin(), repainted.end(), [this](const QList<QVariant>& change) {
+    return change[0].toModelIndex() == at({0, 0, 0});
+  }));
   const auto picture = [&] { return at({0}).data(Qt::DecorationRole).value<QIcon>().cacheKey(); };
   const qint64 closed = picture();
   get<QTreeView>("tarTree").expand(at({0}));
