@@ -1,7 +1,6 @@
 #include "perms/ShownModes.h"
 
 #include <algorithm>
-#include <charconv>
 
 #include "runtime/IsExecutable.h"
 #include "runtime/Pace.h"
@@ -18,11 +17,8 @@ constexpr std::size_t ownerRead = 0;
 constexpr const char* listing = "ls -ldn ";
 
 /// Registry text that is no number counts as missing.
-int storedNumber(const std::string& text, int whenMissing, int whenNegative) {
-  int number = 0;
-  const char* const end = text.data() + text.size();
-  const auto [read, error] = std::from_chars(text.data(), end, number);
-  if (error != std::errc() || read != end) return whenMissing;
+int numberOr(const std::string& text, int whenMissing, int whenNegative) {
+  const int number = runtime::storedNumber(text).value_or(whenMissing);
   return number < 0 ? whenNegative : number;
 }
 
@@ -60,11 +56,11 @@ Boxes boxesOnDisk(const runtime::Services& services, const std::vector<std::stri
 }  // namespace
 
 bool automaticByDefault(const runtime::Settings& settings) {
-  return storedNumber(settings.defaultPermissionMode(), 1, 0) == 1;
+  return numberOr(settings.defaultPermissionMode(), 1, 0) == 1;
 }
 
 bool kindsByDefault(const runtime::Settings& settings) {
-  return storedNumber(settings.permissionOptions(), 1, 1) == 1;
+  return numberOr(settings.permissionOptions(), 1, 1) == 1;
 }
 
 ShownModes shownModes(const runtime::Services& services, const std::vector<std::string>& paths) {

@@ -1,5 +1,7 @@
 #include "runtime/Settings.h"
 
+#include <charconv>
+
 namespace runtime {
 namespace {
 
@@ -17,6 +19,13 @@ std::string registryText(const platform::Registry& registry, Hive hive, std::str
   const auto value = registry.read(hive, key, name);
   if (!value || value->type != ValueType::Text) return std::string(fallback);
   return value->text.substr(0, value->text.find('\0'));
+}
+
+std::optional<int> storedNumber(std::string_view text) {
+  int number = 0;
+  const char* const end = text.data() + text.size();
+  const auto [read, error] = std::from_chars(text.data(), end, number);
+  return error == std::errc() && read == end ? std::optional(number) : std::nullopt;
 }
 
 Settings::Settings(platform::Registry& registry, platform::UserSettings& user, Log& log)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -11,6 +12,9 @@ namespace runtime {
 /// A text value up to its first NUL; `fallback` when it is missing or no text.
 std::string registryText(const platform::Registry& registry, platform::Hive hive, std::string_view key,
                          std::string_view name, std::string_view fallback = {});
+
+/// The number that a stored text is; nullopt for an empty one and for any other text.
+std::optional<int> storedNumber(std::string_view text);
 
 /// Every stored setting under its name. Nothing is cached: each read asks the registry.
 class Settings {

@@ -14,6 +14,7 @@
 #include "platform/desktop/Text.h"
 #include "shell/ui/StartUp.h"
 #include "shell/ui/frmAbout.h"
+#include "shell/ui/frmOptions.h"
 #include "ui_frmMain.h"
 
 namespace shell {
@@ -81,6 +82,7 @@ void frmMain::wireActions() {
           {"mnuUndoPermissions", [this] { mnuUndoPermissions_Click(); },
            [this] { return undo_ && !undo_->entries.empty(); }},
           {"mnuShowLog", [this] { mnuShowLog_Click(); }, {}, WhileBusy::Acts},
+          {"mnuOptions", [this] { frmOptions(program_.services(), this).exec(); }},
           {"mnuDownload", {}, mayDownload},
           {"mnuNetwork", [this] { mnuNetwork_Click(); }, mayDownload},
           {"mnuContent", [this] { mnuContent_Click(); }},

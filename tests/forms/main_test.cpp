@@ -178,13 +178,18 @@ TEST_F(MainTest, OwnerGroupAndLineEndsRunFromTheirButtons) {
   EXPECT_EQ(find<QPushButton>("cmdSetGroup")->text(), QString("Set Group"));
   EXPECT_TRUE(find<QPushButton>("cmdSetGroup")->isEnabled());
   EXPECT_EQ(person_.told.back(), "Setting Group..|This will set the group for 1 selected files");
-  tests::onNextModal<QWidget>([](QWidget& modal) {
+  bool shut = false;
+  tests::onNextModal<QWidget>([this, &shut](QWidget& modal) {
     EXPECT_EQ(modal.windowTitle(), QString("Set Owner"));
+    auto* const button = modal.findChild<QPushButton*>("cmdSetOwner");
+    meanwhile_ = [&, button] { shut |= !button->isEnabled() && button->text() == "Setting.."; };
     modal.findChild<platform::desktop::ScrollList*>("listOwner")->setTopIndex(4);
-    modal.findChild<QPushButton*>("cmdSetOwner")->click();
+    button->click();
+    meanwhile_ = {};
     EXPECT_FALSE(modal.isVisible());
   });
   find<QPushButton>("cmdSetOwner")->click();
+  EXPECT_TRUE(shut);
   EXPECT_TRUE(testworld::has(logText(), " Owner(usr5) successfully set: 1 files in C:\\pkg\\"));
   EXPECT_NE(bytes("runs").find("chown.exe -R usr5 " + host("pkg/a.txt")), std::string::npos) << bytes("runs");
   window_.browsing().openDirPane();
@@ -263,6 +268,18 @@ TEST_F(MainTest, PermissionsAtTheStartStandBesideTheWindow) {
     EXPECT_TRUE(window_.isVisible());
   }
   EXPECT_TRUE(testworld::has(logText(), " Permissions automatically set: 3 items in C:\\pkg\\"));
+}
+
+TEST_F(MainTest, OptionsOpenFromTheMenu) {
+  load({});
+  bool opened = false;
+  tests::onNextModal<QDialog>([&opened](QDialog& options) {
+    opened = options.windowTitle() == "Options";
+    tests::press(options, "cmdOK");
+  });
+  action("mnuOptions")->trigger();
+  EXPECT_TRUE(opened);
+  EXPECT_EQ(stored_.usr8(), "1");
 }
 
 TEST_F(MainTest, AboutOpensFromTheLabelAndTheMenu) {

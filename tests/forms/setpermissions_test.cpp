@@ -133,11 +133,12 @@ TEST_F(PermissionsFormTest, ARunSetsTheModesAndUnloads) {
   };
   find<QRadioButton>("optManual")->click();
   box("checkEW")->click();
+  box("checkUR")->click();
   find<QPushButton>("cmdSetP")->click();
   EXPECT_TRUE(disabled);
   EXPECT_EQ(person_.told, Texts{"Pakrune|result = "});
-  EXPECT_EQ(log_.all, " Permissions(646) set: 2 items in C:\\pkg\\\n");
-  EXPECT_TRUE(modeOf("d") == 0757 && modeOf("d/e.sh") == 0646 && modeOf("a") == 0646);
+  EXPECT_EQ(log_.all, " Permissions(606) set: 2 items in C:\\pkg\\\n");
+  EXPECT_TRUE(modeOf("d") == 0717 && modeOf("d/e.sh") == 0606 && modeOf("a") == 0606);
   EXPECT_FALSE(form_->isVisible());
   EXPECT_EQ(find<QPushButton>("cmdSetP")->text(), QString("Set Permissions"));
   EXPECT_EQ(taken.entries.size(), 3U);
