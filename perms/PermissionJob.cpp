@@ -94,7 +94,7 @@ PermissionResult PermissionJob::run() {
     end = runItems();
   } else {
     end = services_.system.busy.stopRequested() ? JobEnd::Stopped : JobEnd::Failed;
-    tell("Unable to Set Permissions");
+    if (end == JobEnd::Failed) tell("Unable to Set Permissions");
   }
   logEnd(end);
   return {end, takeUndo(end == JobEnd::Done)};

@@ -206,6 +206,7 @@ void frmMain::showPermissionsAtStart() {
   form->setWindowTitle(QStringLiteral("Pakrune - Set Permissions"));
   connect(form, &QDialog::finished, this, &frmMain::relistAfterRun);
   form->initSetup();
+  form->activateWindow();  // both windows came just now
 }
 
 void frmMain::relistAfterRun() {
