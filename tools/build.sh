@@ -12,5 +12,6 @@ cache=$folder/CMakeCache.txt
 if [ -f "$cache" ] && [ "$(sed -n 's/^CMAKE_HOME_DIRECTORY:INTERNAL=//p' "$cache")" != "$(pwd -P)" ]; then
   rm -rf "$folder"
 fi
+rm -f "$folder"/*_autogen/include/ui_*.h # forms of a build from before they were made by rules of their own
 cmake --preset "$preset" >"$log" 2>&1 || { cat "$log" >&2; exit 1; }
 cmake --build --preset "$preset" "$@" >>"$log" 2>&1 || { tail -40 "$log" >&2; exit 1; }
