@@ -16,6 +16,7 @@ using perms::PermissionItems;
 using runtime::JobEnd;
 using Texts = std::vector<std::string>;
 namespace fs = std::filesystem;
+using namespace std::string_literals;
 
 constexpr PermissionChoice automatic{true, {6, 4, 4}, true};
 constexpr PermissionChoice manual640{false, {6, 4, 0}, true};
@@ -128,19 +129,16 @@ class PermissionsTest : public testworld::World {
     folderAt("pkg/d/sub/.hid", 0700);
     folderAt("pkg/d/sgid", 02750);
     folderAt("pkg/d/sticky", 01777);
-    file("pkg/d/a.sh", 0600);
+    for (const std::string& name : {"d/a.sh"s, "d/.e.sh"s, "x.sh"s, "y"s, "d/sub/" + std::string(255, 'n')})
+      file("pkg/" + name, 0600);
     file("pkg/d/b.txt", 0777);
     file("pkg/d/c", 04711, "#!/bin/sh\n");
-    file("pkg/d/.e.sh", 0600);
     file("pkg/d/sub/.hid/prog", 0600, "\177ELF");
     file("pkg/d/sub/ff\xFF -\n'\"$x.bin", 0600);
-    file("pkg/d/sub/" + std::string(255, 'n'), 0600);
     fs::create_hard_link(host("pkg/d/a.sh"), host("pkg/d/sub/same"));
     fs::create_symlink("/etc/passwd", host("pkg/d/sub/link.sh"));
     fs::create_symlink("/etc", host("pkg/d/etc"));
     mkfifo(host("pkg/d/fifo").c_str(), 0600);
-    file("pkg/x.sh", 0600);
-    file("pkg/y", 0600);
   }
 };
 

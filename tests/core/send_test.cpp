@@ -50,16 +50,11 @@ class FakeUnit : public platform::Connection {
   std::string data() const { return sent.substr(chunks.empty() ? 0 : chunks[0]); }
 
   ConnectionState now = ConnectionState::Closed;
-  bool answers = true;
-  bool takesAtOnce = true;
-  std::int64_t systemHolds = 0;
-  std::string reply = "OK";
+  bool answers = true, takesAtOnce = true;
+  std::int64_t systemHolds = 0, held = 0;
+  std::string reply = "OK", arrived, sent, calls;
   std::function<void()> onLook;
-  std::string arrived;
-  std::string sent;
   std::vector<std::size_t> chunks;
-  std::string calls;
-  std::int64_t held = 0;
   int looks = 0;
 };
 
