@@ -45,7 +45,7 @@ class ProcessTest : public testworld::World {
     return runner_.runVisible(request(commandLine), sink, step);
   }
   static std::ptrdiff_t openDescriptors() {
-    return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
+    return std::distance(fs::directory_iterator("/proc/self/fd"), {});
   }
   bool appears(const std::string& name) const {
     for (int i = 0; i < 1000 && !fs::exists(host(name)); ++i) std::this_thread::sleep_for(10ms);

@@ -20,10 +20,9 @@ class RecordingRunner : public platform::CommandRunner {
     return answer;
   }
   platform::RunResult runVisible(const platform::StartRequest& request, const platform::OutputSink& sink,
-                                 const platform::WaitStep&) override {
-    requests.push_back(request);
+                                 const platform::WaitStep& step) override {
     sink(answer.text);
-    return answer;
+    return capture(request, step);
   }
   std::vector<platform::StartRequest> requests;
   platform::RunResult answer{"said", 0, 0, false};
@@ -41,9 +40,10 @@ class RuntimeTest : public testworld::World {
 };
 
 TEST(ModAPI, PathsPixelsAndNames) {
-  for (const auto& [path, cygwin] : {std::pair("", ""),
+  using Row = std::pair<const char*, const char*>;
+  for (const auto& [path, cygwin] : {Row{"", ""},
+                                     Row{"d:\\", "\"/cygdrive/d/\""},
                                      {"C:\\Data\\my files", "\"/cygdrive/C/Data/my files\""},
-                                     {"d:\\", "\"/cygdrive/d/\""},
                                      {"\\\\server\\share\\x", "\"//server/share/x\""},
                                      {"sub\\a:b.txt", "\"sub/ab.txt\""},
                                      {"C:\\a\" -x \"", "\"/cygdrive/C/a\xEF\x80\xA2 -x \xEF\x80\xA2\""}})
