@@ -15,20 +15,18 @@ using runtime::JobEnd;
 using Names = std::vector<std::string>;
 using Pair = std::pair<std::string, std::string>;
 
-PaneRow file(const std::string& name, std::int64_t size = 0, const std::string& mode = "") {
+PaneRow rowOf(const std::string& name, const std::string& imageKey) {
   PaneRow row;
   row.name = name;
-  row.size = size;
-  row.mode = mode;
-  row.image = runtime::getImageIndex(platform::extensionOf(name));
-  row.isFile = true;
+  row.image = runtime::getImageIndex(imageKey);
   return row;
 }
-
-PaneRow folder(const std::string& name) {
-  PaneRow row;
-  row.name = name;
-  row.image = runtime::getImageIndex("fldr");
+PaneRow folder(const std::string& name) { return rowOf(name, "fldr"); }
+PaneRow file(const std::string& name, std::int64_t size = 0, const std::string& mode = "") {
+  PaneRow row = rowOf(name, platform::extensionOf(name));
+  row.size = size;
+  row.mode = mode;
+  row.isFile = true;
   return row;
 }
 
@@ -37,10 +35,10 @@ TEST(LsLine, ColumnsAndTriads) {
   EXPECT_EQ(runtime::lsModeColumn(line), "-rwSr-xr-T");
   EXPECT_EQ(runtime::lsModeString(line), "-rwSr-xr-T+");
   EXPECT_EQ(runtime::lsType(line), '-');
-  EXPECT_EQ(runtime::lsTriad(line, runtime::LsClass::Owner), "rwS");
-  EXPECT_EQ(runtime::lsTriad(line, runtime::LsClass::Group), "r-x");
-  EXPECT_EQ(runtime::lsTriad(line, runtime::LsClass::Everyone), "r-T");
-  EXPECT_EQ(runtime::lsTriad("-rw", runtime::LsClass::Group), "");
+  using Of = runtime::LsClass;
+  for (const auto& [of, triad] : {std::pair(Of::Owner, "rwS"), {Of::Group, "r-x"}, {Of::Everyone, "r-T"}})
+    EXPECT_EQ(runtime::lsTriad(line, of), triad);
+  EXPECT_EQ(runtime::lsTriad("-rw", Of::Group), "");
   EXPECT_EQ(runtime::lsType(""), 0);
   EXPECT_EQ(runtime::lsModeString("nothing"), "");
   EXPECT_EQ(runtime::lsModeColumn("ls: \xC3\xA9\xC3\xA9 cannot"), "ls: \xC3\xA9\xC3\xA9 can");

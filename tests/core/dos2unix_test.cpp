@@ -28,36 +28,33 @@ class Dos2UnixTest : public testworld::World {
 
 TEST_F(Dos2UnixTest, OnlyLineEndsChange) {
   const std::string large = std::string((1 << 20) - 1, 'x') + "\r\ny\r";  // a line end between two blocks
-  const std::vector<std::pair<std::string, std::string>> texts = {
-      {"a\r\nb\r\n", "a\nb\n"},
-      {"a\rb\r\r\nc", "a\rb\r\nc"},
-      {"\r\n", "\n"},
-      {"no end\r\nlast\r", "no end\nlast\r"},
-      {"\t\v\f\b\x1B[1m\r\n\x1A", "\t\v\f\b\x1B[1m\n\x1A"},
-      {"caf\xC3\xA9 \xE9\r\n", "caf\xC3\xA9 \xE9\n"},
-      {large, std::string((1 << 20) - 1, 'x') + "\ny\r"},
-      {"", ""}};
-  std::string names;
-  for (std::size_t i = 0; i < texts.size(); ++i) {
-    write(std::to_string(i), texts[i].first);
-    names += std::to_string(i) + ' ';
-  }
-  EXPECT_TRUE(run(names).ends_with("dos2unix: done.\n"));
+  const std::string largeAfter = std::string((1 << 20) - 1, 'x') + "\ny\r";
+  using Row = std::pair<std::string, std::string>;
+  const auto texts = {Row{"a\r\nb\r\n", "a\nb\n"},
+                      Row{"a\rb\r\r\nc", "a\rb\r\nc"},
+                      Row{"\r\n", "\n"},
+                      Row{"no end\r\nlast\r", "no end\nlast\r"},
+                      Row{"\t\v\f\b\x1B[1m\r\n\x1A", "\t\v\f\b\x1B[1m\n\x1A"},
+                      Row{"caf\xC3\xA9 \xE9\r\n", "caf\xC3\xA9 \xE9\n"},
+                      Row{large, largeAfter},
+                      Row{"", ""}};
+  int count = 0;
+  for (const auto& [before, after] : texts) write(std::to_string(count++), before);
+  EXPECT_TRUE(run("[0-7]").ends_with("dos2unix: done.\n"));
   EXPECT_EQ(status_, 0);
-  for (std::size_t i = 0; i < texts.size(); ++i)
-    EXPECT_TRUE(bytes(std::to_string(i)) == texts[i].second) << i;
+  count = 0;
+  for (const auto& [before, after] : texts)
+    EXPECT_TRUE(bytes(std::to_string(count++)) == after) << before.substr(0, 20);
   EXPECT_TRUE(clean());
 }
 
 TEST_F(Dos2UnixTest, BinaryFilesAreLeftAloneAndSaidSo) {
-  const std::vector<std::string> texts = {std::string("a\0\r\n", 4), "a\x01\r\n", "\x7F\r\n", "\x1A\r\n",
-                                          std::string("\xFF\xFE"
-                                                      "a\0\r\0\n\0",
-                                                      8)};
-  for (std::size_t i = 0; i < texts.size(); ++i) {
-    write("b", texts[i]);
-    EXPECT_EQ(run("b"), "dos2unix: skipping binary file b\ndos2unix: done.\n") << i;
-    EXPECT_EQ(bytes("b"), texts[i]);
+  using namespace std::string_literals;
+  for (const std::string& text :
+       {"a\0\r\n"s, "a\x01\r\n"s, "\x7F\r\n"s, "\x1A\r\n"s, "\377\376a\0\r\0\n\0"s}) {
+    write("b", text);
+    EXPECT_EQ(run("b"), "dos2unix: skipping binary file b\ndos2unix: done.\n") << text;
+    EXPECT_EQ(bytes("b"), text);
   }
 }
 

@@ -115,6 +115,10 @@ class ExtractTest : public testworld::World {
       if (fs::exists(root_ + "/at-work")) busy_.requestStop();
     };
   }
+  void emptyOut() const {
+    fs::remove_all(host("out"));
+    fs::create_directory(host("out"));
+  }
   /// What stands in the output folder, sorted, "/" behind a folder.
   std::string contents(const std::string& folder = "out") const {
     Texts names;
@@ -158,8 +162,7 @@ TEST_F(ExtractTest, AllAndSelectedMembersWithTheirModes) {
   EXPECT_EQ(bytes("out/usr/bin/-x") + bytes("out/-top"), "dashtext");
   write("b.tar", tarOf({"-x", "./-x2", "--help", "tar: x", "gzip: y", "n", folder("n/"), "n/in"}));
   for (const bool tree : {true, false}) {  // no member is taken for an option, a remark or another
-    fs::remove_all(host("out"));
-    fs::create_directory(host("out"));
+    emptyOut();
     EXPECT_EQ((tree ? fromTree("b.tar") : quick("b.tar")).end, JobEnd::Done) << log_.all;
     EXPECT_EQ(contents(), "--help -x -x2 gzip: y n/ n/in tar: x ");
   }
@@ -245,8 +248,7 @@ TEST_F(ExtractTest, HostileMembersStayOutOfTheWorld) {
       {"it lies below a link: ", {"link/new", "stands/new", "via/new"}},
       {"it is a hard link to something outside the output folder: ", {"hard", "to"}}};
   for (const bool tree : {true, false}) {
-    fs::remove_all(host("out"));
-    fs::create_directory(host("out"));
+    emptyOut();
     fs::create_directory_symlink(out, host("out/stands"));
     log_.all.clear();
     const Extraction result = tree ? fromTree("h.tar") : quick("h.tar");
@@ -409,9 +411,7 @@ TEST_F(ExtractTest, OnlyRegularFilesAreArchives) {
 TEST_F(ExtractTest, AFolderThatCannotBeWrittenIsKnownBefore) {
   if (!tests::ordinaryUserGetsAbout()) GTEST_SKIP() << tests::rootIsClosed;
   write("a.tar", tarOf({"f"}));
-  fs::create_directory(host("ro"));
-  fs::permissions(host("ro"), fs::perms(0555));
-  fs::permissions(root_, fs::perms(0755));
+  ASSERT_EQ(mkdir(host("ro").c_str(), 0555) | chmod(root_.c_str(), 0755), 0);
   EXPECT_TRUE(tests::asOrdinaryUser([this] {
     return extract({archive::Extract::All, "C:\\a.tar", "C:\\ro"}).focus == Focus::OutputFolder &&
            told("Pakrune|Error: Unable to write into folder C:\\ro\\: Permission denied") &&
@@ -446,10 +446,8 @@ TEST_F(ExtractTest, NoStepBeginsAfterAStop) {
     fs::remove_all(host("out"));
     for (const char* file : {"out/f", "out/g"})
       if (stands) write(file, "old");
+    for (Texts* const texts : {&person_.told, &person_.consoles, &script_.asked}) texts->clear();
     log_.all.clear();
-    person_.told.clear();
-    person_.consoles.clear();
-    script_.asked.clear();
     script_.answers = {OverwriteAnswer::Yes};
     prepare();
     const Extraction end = quick(archive);

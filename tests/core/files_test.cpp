@@ -23,18 +23,14 @@ namespace {
 class FilesTest : public testworld::World {
  protected:
   FilesTest() {
-    std::ofstream(host("a.txt")) << "text";
+    write("a.txt");
     fs::create_directory(host("sub"));
     fs::create_symlink("sub", host("toSub"));
     fs::create_symlink("nothing", host("dangling"));
     mkfifo(host("fifo").c_str(), 0600);
   }
-  std::ptrdiff_t count() const {
-    return std::distance(fs::directory_iterator(host("")), fs::directory_iterator());
-  }
-  std::optional<std::string> read(const std::string& name) const {
-    return files_.readBytes("C:\\" + name, 9);
-  }
+  std::ptrdiff_t count() const { return std::distance(fs::directory_iterator(host("")), {}); }
+  std::optional<std::string> read(const std::string& name) { return files_.readBytes("C:\\" + name, 9); }
 };
 
 }  // namespace

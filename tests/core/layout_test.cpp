@@ -66,12 +66,11 @@ TEST(Layout, DesignFitsTogether) {
   edges({"DirPane", "Frame1", "frameDirPaneButtons"}, right);
   edges({"DirPane", "Dir1", "divider"}, bottom);
   edges({"tarTree", "cmdRefresh"}, right);
-  for (const auto& [inner, outer] : {std::pair("frameTarButtons", "frameAction"),
-                                     {"txtSelect", "frameSelected"},
-                                     {"frameAction", "frameMain"},
-                                     {"DirPane", "frameMain"},
-                                     {"cmdRefresh", "frameUntar"},
-                                     {"frameUntarButtons", "frameUntar"}})
+  using Names = std::pair<const char*, const char*>;
+  for (const auto& [inner, outer] :
+       {Names{"frameTarButtons", "frameAction"}, Names{"txtSelect", "frameSelected"},
+        Names{"frameAction", "frameMain"}, Names{"DirPane", "frameMain"}, Names{"cmdRefresh", "frameUntar"},
+        Names{"frameUntarButtons", "frameUntar"}})
     EXPECT_TRUE(right(layout[inner]) <= layout[outer].width && bottom(layout[inner]) <= layout[outer].height)
         << inner;
   EXPECT_EQ(layout["frameUntar"], layout["frameMain"]);

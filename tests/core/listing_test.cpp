@@ -80,22 +80,19 @@ std::string outline(const ArchiveTree& tree, NodeId parent = 0, int depth = 0) {
 }
 
 TEST(ListingLine, FieldsAreFoundFromDateAndTime) {
-  const auto entry =
-      parseListingLine("drwxr-xr-x Domain Users/my group     0 2006-05-04 13:22  lead 2001-01-01 00:00 x/");
-  ASSERT_TRUE(entry);
-  EXPECT_EQ(entry->mode, "drwxr-xr-x");
-  EXPECT_EQ(entry->owner, "Domain Users/my group");
-  EXPECT_EQ(entry->size, "0");
-  EXPECT_EQ(entry->dateTime, "2006-05-04 13:22");
-  EXPECT_EQ(entry->path, " lead 2001-01-01 00:00 x/");
-  const auto device =
-      parseListingLine("crw-rw-rw- root/root       1,3 292277-12-04 15:30:08.123456789 dev/null");
-  EXPECT_EQ(device->size, "1,3");
-  EXPECT_EQ(device->dateTime, "292277-12-04 15:30:08.123456789");
-  const auto other = parseListingLine("-rw-r--r-- a/b   7  May 4   name x");
-  EXPECT_EQ(other->owner, "a/b");
-  EXPECT_EQ(other->dateTime, "May 4");
-  EXPECT_EQ(other->path, "name x");
+  const auto fields = [](const char* line) {
+    std::string text;
+    const auto entry = parseListingLine(line);
+    if (!entry) return text;
+    for (const auto& field : {entry->mode, entry->owner, entry->size, entry->dateTime, entry->path})
+      (text += field) += '|';
+    return text;
+  };
+  EXPECT_EQ(fields("drwxr-xr-x Domain Users/my group     0 2006-05-04 13:22  lead 2001-01-01 00:00 x/"),
+            "drwxr-xr-x|Domain Users/my group|0|2006-05-04 13:22| lead 2001-01-01 00:00 x/|");
+  EXPECT_EQ(fields("crw-rw-rw- root/root       1,3 292277-12-04 15:30:08.123456789 dev/null"),
+            "crw-rw-rw-|root/root|1,3|292277-12-04 15:30:08.123456789|dev/null|");
+  EXPECT_EQ(fields("-rw-r--r-- a/b   7  May 4   name x"), "-rw-r--r--|a/b|7|May 4|name x|");
   for (const char* bad : {"", "tar: Ignoring unknown extended header keyword 'A.b'", "-rw-r--r--",
                           "V--------- 0/0 0 1970-01-01 00:00 label--Volume Header--"})
     EXPECT_FALSE(parseListingLine(bad)) << bad;

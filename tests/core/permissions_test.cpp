@@ -1,13 +1,12 @@
-#include <sys/stat.h>
 #include <sys/xattr.h>
 
 #include <map>
+#include <sstream>
 
 #include "perms/Executables.h"
 #include "perms/PermissionJob.h"
 #include "perms/ShownModes.h"
-#include "tests/OrdinaryUser.h"
-#include "tests/World.h"
+#include "tests/OnDisk.h"
 
 namespace {
 
@@ -17,6 +16,7 @@ using perms::PermissionItems;
 using runtime::JobEnd;
 using Texts = std::vector<std::string>;
 namespace fs = std::filesystem;
+using namespace std::string_literals;
 
 constexpr PermissionChoice automatic{true, {6, 4, 4}, true};
 constexpr PermissionChoice manual640{false, {6, 4, 0}, true};
@@ -95,21 +95,11 @@ class PermissionsTest : public testworld::World {
     write(name, text);
     chmod(host(name).c_str(), mode);
   }
-  unsigned modeOf(const std::string& name) const {
-    struct stat status {};
-    return lstat(host(name).c_str(), &status) == 0 ? status.st_mode & 07777U : 0;
-  }
+  unsigned modeOf(const std::string& name) const { return tests::modeOf(host(name)); }
   std::string modesOf(const Texts& names) const {
-    std::string text;
-    for (const std::string& name : names)
-      text += testing::PrintToString(modeText(modeOf("pkg/" + name))) + ' ';
-    std::erase(text, '"');
-    return text;
-  }
-  static std::string modeText(unsigned mode) {
-    char text[8];
-    snprintf(text, sizeof text, "%o", mode);
-    return text;
+    std::ostringstream octal;
+    for (const std::string& name : names) octal << std::oct << modeOf("pkg/" + name) << ' ';
+    return octal.str();
   }
   /// Every entry below the disk with its mode, links left out.
   std::map<std::string, unsigned> allModes() const {
@@ -139,25 +129,24 @@ class PermissionsTest : public testworld::World {
     folderAt("pkg/d/sub/.hid", 0700);
     folderAt("pkg/d/sgid", 02750);
     folderAt("pkg/d/sticky", 01777);
-    file("pkg/d/a.sh", 0600);
+    for (const std::string& name : {"d/a.sh"s, "d/.e.sh"s, "x.sh"s, "y"s, "d/sub/" + std::string(255, 'n')})
+      file("pkg/" + name, 0600);
     file("pkg/d/b.txt", 0777);
     file("pkg/d/c", 04711, "#!/bin/sh\n");
-    file("pkg/d/.e.sh", 0600);
     file("pkg/d/sub/.hid/prog", 0600, "\177ELF");
     file("pkg/d/sub/ff\xFF -\n'\"$x.bin", 0600);
-    file("pkg/d/sub/" + std::string(255, 'n'), 0600);
     fs::create_hard_link(host("pkg/d/a.sh"), host("pkg/d/sub/same"));
     fs::create_symlink("/etc/passwd", host("pkg/d/sub/link.sh"));
     fs::create_symlink("/etc", host("pkg/d/etc"));
     mkfifo(host("pkg/d/fifo").c_str(), 0600);
-    file("pkg/x.sh", 0600);
-    file("pkg/y", 0600);
   }
 };
 
 TEST_F(PermissionsTest, ModesOnDiskAfterEveryKindOfRun) {
   const Texts names = {"d",       "d/sub",           "d/sgid", "d/sticky",   "d/a.sh", "d/b.txt", "d/c",
                        "d/.e.sh", "d/sub/.hid/prog", "d/fifo", "d/sub/same", "x.sh",   "y"};
+  const std::string few = "755 755 2750 1777 600 777 4711 600 600 600 600 600 ";  // all but "d" as it was
+  const Texts d = {"d"}, dx = {"d", "x.sh"}, dy = {"d", "y"}, dxy = {"d", "x.sh", "y"};
   const struct {
     const char* what;
     Texts paths;
@@ -165,28 +154,12 @@ TEST_F(PermissionsTest, ModesOnDiskAfterEveryKindOfRun) {
     PermissionChoice choice;
     std::string modes;
   } cases[] = {
-      {"automatic",
-       {"d", "x.sh", "y"},
-       true,
-       automatic,
-       "755 755 2755 755 755 644 755 644 755 644 755 755 644 "},
-      {"manual", {"d", "x.sh"}, true, manual640, "751 751 2751 751 640 640 640 640 640 640 640 640 600 "},
-      {"automatic alone",
-       {"d", "y"},
-       true,
-       alone(automatic),
-       "755 755 2750 1777 600 777 4711 600 600 600 600 600 644 "},
-      {"manual alone",
-       {"d"},
-       true,
-       alone(manual640),
-       "751 755 2750 1777 600 777 4711 600 600 600 600 600 600 "},
-      {"rows", {"d", "y"}, false, manual640, "751 751 2751 751 640 640 640 640 640 640 640 600 640 "},
-      {"rows alone",
-       {"d", "y"},
-       false,
-       alone(automatic),
-       "755 755 2750 1777 600 777 4711 600 600 600 600 600 644 "},
+      {"auto", dxy, true, automatic, "755 755 2755 755 755 644 755 644 755 644 755 755 644 "},
+      {"manual", dx, true, manual640, "751 751 2751 751 640 640 640 640 640 640 640 640 600 "},
+      {"auto alone", dy, true, alone(automatic), few + "644 "},
+      {"manual alone", d, true, alone(manual640), "751" + few.substr(3) + "600 "},
+      {"rows", dy, false, manual640, "751 751 2751 751 640 640 640 640 640 640 640 600 640 "},
+      {"rows alone", dy, false, alone(automatic), few + "644 "},
   };
   for (const auto& one : cases) {
     SCOPED_TRACE(one.what);
@@ -230,8 +203,8 @@ TEST_F(PermissionsTest, AnOrdinaryUserSeesBeforehandWhatCannotBeDone) {
     const perms::PermissionResult run = set(items({"d"}), automatic);
     EXPECT_EQ(run.end, JobEnd::Failed);
     EXPECT_EQ(person_.told.size(), 1U);
-    EXPECT_NE(person_.told[0].find("Operation not permitted"), std::string::npos) << person_.told[0];
-    EXPECT_NE(person_.told[0].find("Permission denied"), std::string::npos) << person_.told[0];
+    for (const char* part : {"Operation not permitted", "Permission denied"})
+      EXPECT_TRUE(testworld::has(person_.told[0], part));
     EXPECT_EQ(modesOf({"d/closed", "d/closed/g.sh", "d/dark", "d/closed/in", "d/closed/in/f.sh", "d/b.txt"}),
               "755 755 755 700 755 777 ");
     undo(run);
@@ -243,10 +216,9 @@ TEST_F(PermissionsTest, AnOrdinaryUserSeesBeforehandWhatCannotBeDone) {
 }
 
 TEST_F(PermissionsTest, UndoRestoresTenThousandAndLeavesWhatChangedSince) {
-  for (int i = 0; i < 100; ++i)
-    for (int j = 0; j < 100; ++j)
-      file("pkg/t/" + std::to_string(i) + "/f" + std::to_string(j),
-           static_cast<unsigned>(i * 41 + j * 7) % 0777 | 0400);
+  unsigned next = 0;
+  for (const std::string& folder : numbered("pkg/t/", 100))
+    for (const std::string& name : numbered(folder + "/f", 100)) file(name, (next += 41) % 0777 | 0400);
   const auto before = allModes();
   const perms::PermissionResult run = set(items({"t"}), automatic);
   ASSERT_EQ(run.end, JobEnd::Done);
@@ -273,9 +245,18 @@ TEST_F(PermissionsTest, UndoRestoresTenThousandAndLeavesWhatChangedSince) {
 
 TEST_F(PermissionsTest, FailuresAreToldAndLogged) {
   for (const char* name : {"pkg/a", "pkg/b", "pkg/d/c"}) file(name, 0600);
-  const std::string failed = " FAILED to set Permissions";
+  const std::string failed = " FAILED to set Permissions", in = " items in C:\\pkg\\\n";
+  const std::string failed640 = failed + "(640): ", failedAuto = failed + " automatically: ";
+  const std::string done640 = " Permissions(640) set: ", doneAuto = " Permissions automatically set: ";
+  const std::string error = "Error..|", unable = error + "Unable to Set Permissions";
+  const std::string rows = "C:\\pkg\\*\n", noRight = error + "no right\n";
+  const std::string gone =
+      error + "chmod: cannot access '" + host("pkg/gone") + "': No such file or directory\n";
+  const std::string chmod = "chmod.exe", find = "find.exe", ar = "ar.exe";
+  const Texts ab = {"a", "b"}, a = {"a"}, d = {"d"};
+  const std::string oddFirst = "case $1 in 755) echo odd;; esac; exec /usr/bin/chmod \"$@\"";
+  const std::string noExecute = "[ $1 != +x ] || echo no", rest = "[ $1 = 755 ] || echo to $1";
   const struct {
-    const char* what;
     std::string tool, script;
     Texts paths;
     bool selected;
@@ -283,99 +264,34 @@ TEST_F(PermissionsTest, FailuresAreToldAndLogged) {
     Texts told;
     std::string log;
   } cases[] = {
-      {"the first prints",
-       "chmod.exe",
-       "echo no right",
-       {"a", "b"},
-       true,
-       manual640,
-       {"Error..|no right\n"},
-       failed + "(640): 2 items in C:\\pkg\\\n"},
-      {"each row is tried",
-       "chmod.exe",
-       "echo no right",
-       {"a", "b"},
-       false,
-       automatic,
-       {"Error..|no right\n", "Error..|no right\n"},
-       failed + " automatically: C:\\pkg\\*\n"},
-      {"it fails in silence",
-       "chmod.exe",
-       "exit 3",
-       {"a"},
-       true,
-       automatic,
-       {"Error..|chmod ended with exit code 3"},
-       failed + " automatically: 1 items in C:\\pkg\\\n"},
-      {"it is killed",
-       "chmod.exe",
+      {chmod, "echo no right", ab, true, manual640, {noRight}, failed640 + "2" + in},
+      {chmod, "echo no right", ab, false, automatic, {noRight, noRight}, failedAuto + rows},
+      {chmod, "exit 3", a, true, automatic, {error + "chmod ended with exit code 3"}, failedAuto + "1" + in},
+      {chmod,
        "echo half; kill -9 $$",
-       {"a"},
+       a,
        true,
        automatic,
-       {"Error..|half\nchmod was ended by signal 9"},
-       failed + " automatically: 1 items in C:\\pkg\\\n"},
-      {"it is not there",
-       "chmod.exe",
-       "",
-       {"a", "b"},
+       {error + "half\nchmod was ended by signal 9"},
+       failedAuto + "1" + in},
+      {chmod, "", ab, true, manual640, {unable}, failed640 + "2" + in},
+      {find, "", d, true, automatic, {unable}, failedAuto + "1" + in},
+      {find, "kill -9 $$", d, true, automatic, {unable}, failedAuto + "1" + in},
+      {chmod, oddFirst, d, true, manual640, {"Pakrune|result = odd\n"}, done640 + "1" + in},
+      {chmod,
+       rest,
+       d,
        true,
        manual640,
-       {"Error..|Unable to Set Permissions"},
-       failed + "(640): 2 items in C:\\pkg\\\n"},
-      {"find is not there",
-       "find.exe",
-       "",
-       {"d"},
-       true,
-       automatic,
-       {"Error..|Unable to Set Permissions"},
-       failed + " automatically: 1 items in C:\\pkg\\\n"},
-      {"find is killed",
-       "find.exe",
-       "kill -9 $$",
-       {"d"},
-       true,
-       automatic,
-       {"Error..|Unable to Set Permissions"},
-       failed + " automatically: 1 items in C:\\pkg\\\n"},
-      {"the result of a folder's first run is shown",
-       "chmod.exe",
-       "case $1 in 755) echo odd;; esac; exec /usr/bin/chmod \"$@\"",
-       {"d"},
-       true,
-       manual640,
-       {"Pakrune|result = odd\n"},
-       " Permissions(640) set: 1 items in C:\\pkg\\\n"},
-      {"both runs of a folder",
-       "chmod.exe",
-       "[ $1 = 755 ] || echo to $1",
-       {"d"},
-       true,
-       manual640,
-       {"Pakrune|result = ", "Error..|to 751\nto 640\n"},
-       failed + "(640): 1 items in C:\\pkg\\\n"},
-      {"execute for a folder is not examined",
-       "chmod.exe",
-       "[ $1 != +x ] || echo no",
-       {"d"},
-       true,
-       alone(automatic),
-       {},
-       " Permissions automatically set: 1 items in C:\\pkg\\\n"},
-      {"an item is gone",
-       "ar.exe",
-       "",
-       {"gone", "a"},
-       true,
-       automatic,
-       {"Error..|chmod: cannot access '" + host("pkg/gone") + "': No such file or directory\n"},
-       failed + " automatically: 2 items in C:\\pkg\\\n"},
-      {"no rows", "ar.exe", "", {}, false, automatic, {}, " Permissions automatically set: C:\\pkg\\*\n"},
+       {"Pakrune|result = ", error + "to 751\nto 640\n"},
+       failed640 + "1" + in},
+      {chmod, noExecute, d, true, alone(automatic), {}, doneAuto + "1" + in},
+      {ar, "", {"gone", "a"}, true, automatic, {gone}, failedAuto + "2" + in},
+      {ar, "", {}, false, automatic, {}, doneAuto + rows},
   };
   environment_.set("PATH", "");
   for (const auto& one : cases) {
-    SCOPED_TRACE(one.what);
+    SCOPED_TRACE(one.tool + ": " + one.script);
     one.script.empty() ? void(fs::remove(root_ + "/prog/bin/" + one.tool)) : tool(one.tool, one.script);
     const perms::PermissionResult run = set(items(one.paths, one.selected), one.choice);
     EXPECT_EQ(person_.told, one.told);
@@ -468,23 +384,22 @@ TEST_F(PermissionsTest, TheDialogShowsKindsOrWhatIsOnDisk) {
   EXPECT_EQ(shown({"a", "gone"}), ".????????");
   EXPECT_EQ(perms::shownModes(services(), items({"a", "d"}).paths).folderInvolved, true);
   EXPECT_EQ(perms::shownModes(services(), items({"a", "b"}).paths).folderInvolved, false);
-  const std::pair<const char*, std::pair<bool, bool>> stored[] = {{"", {true, true}},
-                                                                  {"-1", {false, true}},
-                                                                  {"1x", {true, true}},
-                                                                  {"0", {false, false}},
-                                                                  {"2", {false, false}}};
-  for (const auto& [text, expected] : stored) {
+  using Stored = std::tuple<const char*, bool, bool>;
+  for (const auto& [text, byDefault, kinds] : {Stored{"", true, true},
+                                               {"-1", false, true},
+                                               {"1x", true, true},
+                                               {"0", false, false},
+                                               {"2", false, false}}) {
     stored_.setDefaultPermissionMode(text);
     stored_.setPermissionOptions(text);
-    EXPECT_EQ(std::make_pair(perms::automaticByDefault(stored_), perms::kindsByDefault(stored_)), expected)
-        << text;
+    EXPECT_EQ(perms::automaticByDefault(stored_), byDefault) << text;
+    EXPECT_EQ(perms::kindsByDefault(stored_), kinds) << text;
   }
 }
 
 TEST_F(PermissionsTest, ManyItemsAreListedInThreeRuns) {
   stored_.setPermissionOptions("0");
-  Texts names;
-  for (int i = 0; i < 1200; ++i) names.push_back("f" + std::to_string(i));
+  const Texts names = numbered("f", 1200);
   tool("ls.exe", "echo $# >>'" + host("counts") + "'; shift; for f; do echo '-rw-r--r-- 1'; done");
   const perms::ShownModes shown = perms::shownModes(services(), items(names).paths);
   EXPECT_EQ(bytes("counts"), "502\n501\n200\n");

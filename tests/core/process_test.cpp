@@ -45,7 +45,7 @@ class ProcessTest : public testworld::World {
     return runner_.runVisible(request(commandLine), sink, step);
   }
   static std::ptrdiff_t openDescriptors() {
-    return std::distance(fs::directory_iterator("/proc/self/fd"), fs::directory_iterator());
+    return std::distance(fs::directory_iterator("/proc/self/fd"), {});
   }
   bool appears(const std::string& name) const {
     for (int i = 0; i < 1000 && !fs::exists(host(name)); ++i) std::this_thread::sleep_for(10ms);
@@ -65,12 +65,12 @@ TEST(SplitTest, BlanksSeparateAndQuotesGroup) {
 
 TEST_F(ProcessTest, BothStreamsArriveInOrderWithTheStatusAndTheirBytes) {
   script("tools/t", "echo one; echo two >&2; echo three; exit 3");
-  RunResult result = capture("t");
-  EXPECT_EQ(result.text, "one\ntwo\nthree\n");
-  EXPECT_EQ(result.status, 3);
-  result = capture("true");
-  EXPECT_EQ(result.text, "");
-  EXPECT_EQ(result.status, 0);
+  const auto said = [this](const char* command) {
+    const RunResult result = capture(command);
+    return result.text + std::to_string(result.status);
+  };
+  EXPECT_EQ(said("t"), "one\ntwo\nthree\n3");
+  EXPECT_EQ(said("true"), "0");
   EXPECT_EQ(capture("sh -c \"kill -9 $$\"").status, 128 + SIGKILL);
   EXPECT_EQ(capture("cat").text, "");  // stdin is empty
   script("tools/t", "printf 'a\\000b\\377\\r\\n'");
@@ -84,14 +84,12 @@ TEST_F(ProcessTest, WhatCannotStartSaysWhy) {
   chmod(host("tools/noformat").c_str(), 0755);
   fs::create_directory(host("tools/folder"));
   const auto before = openDescriptors();
-  for (const auto& [commandLine, error] : {std::pair<std::string, int>("no-such-program", ENOENT),
-                                           {"", ENOENT},
-                                           {"folder", ENOENT},
-                                           {"..", ENOENT},
-                                           {"closed", EACCES},
-                                           {"noformat", ENOEXEC},
-                                           {"true " + std::string(200'000, 'x'), E2BIG},
-                                           {"true a" + platform::holdName(std::string(1, '\0')), EINVAL}}) {
+  const std::string tooLong = "true " + std::string(200'000, 'x');
+  const std::string withNul = "true a" + platform::holdName(std::string(1, '\0'));
+  using Case = std::pair<std::string, int>;
+  for (const auto& [commandLine, error] :
+       {Case{"no-such-program", ENOENT}, Case{"", ENOENT}, Case{"folder", ENOENT}, Case{"..", ENOENT},
+        Case{"closed", EACCES}, Case{"noformat", ENOEXEC}, Case{tooLong, E2BIG}, Case{withNul, EINVAL}}) {
     const RunResult result = capture(commandLine);
     EXPECT_EQ(result.status, notStarted) << commandLine.substr(0, 20);
     EXPECT_EQ(result.systemError, error) << commandLine.substr(0, 20);
@@ -121,12 +119,10 @@ TEST_F(ProcessTest, LookUpFollowsItsOrderAndNeverTheUsersFolders) {
   EXPECT_EQ(capture("mine").status, notStarted);
   fs::current_path(caller);
   script("tools/mine", "", 0644);  // no program
-  for (const auto& [placed, says] : {std::pair("path/mine", "path\n"),
-                                     {"path/mine.exe", "path\n"},
-                                     {"tools/mine.exe", "tools/mine.exe\n"},
-                                     {"program files/mine.exe", "program files/mine.exe\n"}}) {
-    script(placed, std::string("echo ") + (placed == std::string("path/mine") ? "path" : placed));
-    EXPECT_EQ(capture("mine").text, says) << placed;
+  for (const std::string placed :
+       {"path/mine", "path/mine.exe", "tools/mine.exe", "program files/mine.exe"}) {
+    script(placed, "echo " + placed);  // in one folder the exact name comes first
+    EXPECT_EQ(capture("mine").text, (placed == "path/mine.exe" ? "path/mine" : placed) + "\n");
   }
   EXPECT_EQ(capture("C:\\mine").text, "user\n");
   EXPECT_EQ(capture("\"/cygdrive/z" + host("program files/mine.exe") + "\"").text,

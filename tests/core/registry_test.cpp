@@ -14,6 +14,7 @@ using tests::asOrdinaryUser;
 using tests::bytesOf;
 using tests::giveTo;
 using tests::modeOf;
+using testworld::has;
 
 namespace {
 
@@ -48,15 +49,12 @@ class RegistryTest : public testworld::World {
 }  // namespace
 
 TEST_F(RegistryTest, OddTextsComeBackExactly) {
-  const std::string all = [] {
-    std::string bytes;
-    for (int i = 0; i < 128; ++i) bytes += static_cast<char>(i);
-    return bytes + "caf\xC3\xA9 \xEF\x80\xA2 \\x41 \\";
-  }();
-  EXPECT_TRUE(set(all, all));
-  EXPECT_EQ(get(all), all);
-  EXPECT_TRUE(set("empty", ""));
-  EXPECT_EQ(get("empty"), "");
+  std::string all = "caf\xC3\xA9 \xEF\x80\xA2 \\x41 \\";
+  for (char c = 127; c >= 0; --c) all.insert(0, 1, c);
+  for (const std::string& text : {all, std::string()}) {
+    EXPECT_TRUE(set("n" + text, text));
+    EXPECT_EQ(get("n" + text), text);
+  }
   EXPECT_FALSE(registry_.write(Hive::LocalMachine, "a\nb", "x", {ValueType::Text, "1"}));
   EXPECT_FALSE(registry_.write(Hive::LocalMachine, key, "n", {ValueType::Number, "many"}));
   EXPECT_TRUE(registry_.write(Hive::LocalMachine, key, "n", {ValueType::Number, "4294967295"}));
@@ -72,9 +70,8 @@ TEST_F(RegistryTest, ReadsWhatAPersonWrote) {
   EXPECT_EQ(get("twice"), "b");
   EXPECT_EQ(registry_.read(Hive::LocalMachine, key, "n")->type, ValueType::Number);
   EXPECT_EQ(registry_.read(Hive::CurrentUser, key, "usr8"), std::nullopt);
-  EXPECT_EQ(
-      registry_.read(Hive::LocalMachine, "SOFTWARE\\Cygnus Solutions\\Cygwin\\mounts v2\\/", "native")->text,
-      "C:\\cyg");
+  const char* const mounts = "SOFTWARE\\Cygnus Solutions\\Cygwin\\mounts v2\\/";
+  EXPECT_EQ(registry_.read(Hive::LocalMachine, mounts, "native")->text, "C:\\cyg");
 }
 
 TEST_F(RegistryTest, AWriteChangesOneLine) {
@@ -115,17 +112,13 @@ TEST_F(RegistryTest, DamagedFilesAreSetAsideAndReported) {
   int number = 0;
   for (const std::string& damage : damages) {
     put(damage);
-    ++number;
-    if (number % 2 == 0)
-      EXPECT_TRUE(set("c", "2"));  // writing finds damage as reading does
-    else
-      EXPECT_EQ(get("a"), "(none)");
+    EXPECT_TRUE(++number % 2 == 0 ? set("c", "2") : get("a") == "(none)");  // writing finds it, too
     const std::string aside = file_ + ".damaged" + (number == 1 ? "" : "-" + std::to_string(number));
     EXPECT_EQ(bytesOf(aside), damage);
     ASSERT_EQ(reports_.size(), static_cast<std::size_t>(number));
-    EXPECT_NE(reports_.back().find(aside), std::string::npos) << reports_.back();
+    EXPECT_TRUE(has(reports_.back(), aside));
   }
-  EXPECT_NE(reports_.front().find("(line 3)"), std::string::npos) << reports_.front();
+  EXPECT_TRUE(has(reports_.front(), "(line 3)"));
 }
 
 TEST_F(RegistryTest, AFolderInItsPlaceIsSetAsideAndALinkNotFollowed) {

@@ -20,10 +20,9 @@ class RecordingRunner : public platform::CommandRunner {
     return answer;
   }
   platform::RunResult runVisible(const platform::StartRequest& request, const platform::OutputSink& sink,
-                                 const platform::WaitStep&) override {
-    requests.push_back(request);
+                                 const platform::WaitStep& step) override {
     sink(answer.text);
-    return answer;
+    return capture(request, step);
   }
   std::vector<platform::StartRequest> requests;
   platform::RunResult answer{"said", 0, 0, false};
@@ -41,9 +40,10 @@ class RuntimeTest : public testworld::World {
 };
 
 TEST(ModAPI, PathsPixelsAndNames) {
-  for (const auto& [path, cygwin] : {std::pair("", ""),
+  using Row = std::pair<const char*, const char*>;
+  for (const auto& [path, cygwin] : {Row{"", ""},
+                                     Row{"d:\\", "\"/cygdrive/d/\""},
                                      {"C:\\Data\\my files", "\"/cygdrive/C/Data/my files\""},
-                                     {"d:\\", "\"/cygdrive/d/\""},
                                      {"\\\\server\\share\\x", "\"//server/share/x\""},
                                      {"sub\\a:b.txt", "\"sub/ab.txt\""},
                                      {"C:\\a\" -x \"", "\"/cygdrive/C/a\xEF\x80\xA2 -x \xEF\x80\xA2\""}})
@@ -60,16 +60,11 @@ TEST(ModAPI, PathsPixelsAndNames) {
 
 TEST(GetOSVersion, NamesTheSystemsOfTheTable) {
   using Version = platform::SystemVersion;
-  for (const auto& [version, name] : {std::pair(Version{1, 4, 0}, "95"),
-                                      {Version{1, 4, 10}, "98"},
-                                      {Version{1, 4, 90}, ""},
-                                      {Version{2, 3, 51}, "3.51"},
-                                      {Version{2, 4, 0}, "4.0"},
-                                      {Version{2, 5, 0}, "2000"},
-                                      {Version{2, 5, 1}, "NT"},
-                                      {Version{2, 5, 2}, ""},
-                                      {Version{2, 10, 0}, ""},
-                                      {Version{3, 1, 0}, "Failed"}})
+  using Row = std::pair<Version, const char*>;
+  for (const auto& [version, name] :
+       {Row{{1, 4, 0}, "95"}, Row{{1, 4, 10}, "98"}, Row{{1, 4, 90}, ""}, Row{{2, 3, 51}, "3.51"},
+        Row{{2, 4, 0}, "4.0"}, Row{{2, 5, 0}, "2000"}, Row{{2, 5, 1}, "NT"}, Row{{2, 5, 2}, ""},
+        Row{{2, 10, 0}, ""}, Row{{3, 1, 0}, "Failed"}})
     EXPECT_EQ(runtime::GetOSVersion(version), name) << version.major << '.' << version.minor;
   EXPECT_EQ(runtime::GetOSVersion(std::nullopt), "");
 }
@@ -98,13 +93,12 @@ TEST_F(RuntimeTest, RunsTakePlaceInTheirFoldersAndKeepTextAndStatus) {
   EXPECT_EQ(api.RunCapture(bin(), "ls.exe").text, "");
   EXPECT_EQ(person_.told, std::vector<std::string>{"Pakrune|CreatePipe failed. Error: 2"});
   runner_.answer = {"said", 0, 0, false};
-  for (const std::string version :
-       {"95", "98", "3.51", "4.0", "Failed", "NT"}) {  // older systems start no tools
+  for (const std::string version : {"95", "98", "3.51", "4.0", "Failed", "NT"}) {  // old ones start none
     runner_.requests.clear();
     api.setOsVersion(version);
-    EXPECT_EQ(api.RunCapture(bin(), "ls.exe").text, version == "NT" ? "said" : runtime::startFailure)
-        << version;
-    EXPECT_EQ(runner_.requests.size(), version == "NT" ? 1U : 0U) << version;
+    const bool starts = version == "NT";
+    EXPECT_EQ(api.RunCapture(bin(), "ls.exe").text, starts ? "said" : runtime::startFailure) << version;
+    EXPECT_EQ(runner_.requests.size(), starts ? 1U : 0U) << version;
   }
 }
 
@@ -114,9 +108,7 @@ TEST_F(RuntimeTest, AStopEndsARunAndLetsNoneBegin) {
   const runtime::ToolResult ended = api_.RunCapture(bin(), "sleep 30");
   EXPECT_TRUE(ended.stopped);
   EXPECT_EQ(ended.status, 128 + SIGTERM);
-  const runtime::ToolResult visible = api_.RunAndWait("sleep 30");
-  const runtime::ToolResult captured = api_.RunCapture(bin(), "ls.exe");
-  for (const auto& never : {visible, captured}) {
+  for (const auto& never : {api_.RunAndWait("sleep 30"), api_.RunCapture(bin(), "ls.exe")}) {
     EXPECT_TRUE(never.stopped && !never.good());
     EXPECT_EQ(never.status, platform::notStarted);
   }

@@ -50,16 +50,11 @@ class FakeUnit : public platform::Connection {
   std::string data() const { return sent.substr(chunks.empty() ? 0 : chunks[0]); }
 
   ConnectionState now = ConnectionState::Closed;
-  bool answers = true;
-  bool takesAtOnce = true;
-  std::int64_t systemHolds = 0;
-  std::string reply = "OK";
+  bool answers = true, takesAtOnce = true;
+  std::int64_t systemHolds = 0, held = 0;
+  std::string reply = "OK", arrived, sent, calls;
   std::function<void()> onLook;
-  std::string arrived;
-  std::string sent;
   std::vector<std::size_t> chunks;
-  std::string calls;
-  std::int64_t held = 0;
   int looks = 0;
 };
 
@@ -166,10 +161,9 @@ TEST_F(SendTest, AWholeTransferInItsOrder) {
   EXPECT_EQ(run(), JobEnd::Done);
   EXPECT_EQ(told(), sent);
   EXPECT_EQ(unit_.calls, "connect 10.0.0.1:5142\nfinish\n");
-  EXPECT_EQ(unit_.sent.substr(0, unit_.chunks[0]),
-            requestOf({"DLD:app.tgz", "2500", "400", "usr1", "users"}));
-  EXPECT_TRUE(unit_.data() == bytes("app.tgz"));
-  EXPECT_EQ(unit_.chunks, (std::vector<std::size_t>{unit_.chunks[0], 1000, 1000, 500}));
+  const std::string request = requestOf({"DLD:app.tgz", "2500", "400", "usr1", "users"});
+  EXPECT_TRUE(unit_.sent == request + bytes("app.tgz"));
+  EXPECT_EQ(unit_.chunks, (std::vector<std::size_t>{request.size(), 1000, 1000, 500}));
   EXPECT_EQ(display_.shown, "Connecting..|Connected|Checking..|Connected|+left|Sending..|");
   EXPECT_EQ(std::vector<int>(display_.percents.end() - 3, display_.percents.end()),
             (std::vector<int>{40, 80, 100}));
@@ -202,12 +196,13 @@ TEST_F(SendTest, AUnitThatCannotBeReached) {
 }
 
 TEST_F(SendTest, RepliesThatSendNothing) {
-  for (const auto& [reply, said, lasts] :
-       {std::tuple("NOSPACE\r\n", noSpace, 0s),
-        {"BADARGS!", "Unable to send file|Bad arguments in the command packet\n", 0s},
-        {"ok", requestFailed, 5s},
-        {"O", requestFailed, 5s},
-        {"", requestFailed, 5s}}) {
+  const char* const badArguments = "Unable to send file|Bad arguments in the command packet\n";
+  for (const auto& [reply, said] : {std::pair("NOSPACE\r\n", noSpace),
+                                    {"BADARGS!", badArguments},
+                                    {"ok", requestFailed},
+                                    {"O", requestFailed},
+                                    {"", requestFailed}}) {
+    const auto lasts = said == requestFailed ? 5s : 0s;
     fresh();
     unit_.reply = reply;
     EXPECT_EQ(run(), JobEnd::Failed);
@@ -342,14 +337,12 @@ TEST_F(SendTest, RealConnections) {
     EXPECT_TRUE(has(events, "received " + std::to_string(size) + " bytes\nstored"));
   }
   told();
+  using Case = std::tuple<const char*, std::size_t, const char*, int>;
   for (const auto& [options, size, said, factor] :
-       {std::tuple("--reply ok", 1500U, requestFailed, 10),
-        {"--silent --timeout 100", 1500U, requestFailed, 10},
-        {"--close-after 0", 200'000U, "Error #32|Broken pipe\n", 1},
-        {"--close-after 1000", 1500U, "Error #", 1},
-        {"--read-rate 0", 400'000U, lost, 20},
-        {"--read-rate 0", 40'000U, lost, 20},
-        {"--free 10", 1500U, noSpace, 1}}) {
+       {Case{"--reply ok", 1500, requestFailed, 10}, Case{"--silent --timeout 100", 1500, requestFailed, 10},
+        Case{"--close-after 0", 200'000, "Error #32|Broken pipe\n", 1},
+        Case{"--close-after 1000", 1500, "Error #", 1}, Case{"--read-rate 0", 400'000, lost, 20},
+        Case{"--read-rate 0", 40'000, lost, 20}, Case{"--free 10", 1500, noSpace, 1}}) {
     random(size, "app.tgz");
     const std::string events = runReal(options, factor);
     EXPECT_EQ(result_.end, JobEnd::Failed) << options;
