@@ -16,7 +16,7 @@ std::vector<std::string> pathBatches(const std::vector<std::string>& windowsPath
   std::size_t bytes = 0;
   for (std::size_t i = 0; i < windowsPaths.size(); ++i) {
     const std::string path = ToCygwinPath(windowsPaths[i]) + ' ';
-    const bool stated = i > perRun && (i - 1) % perRun == 0;
+    const bool stated = i > perRun && perRun > 0 && (i - 1) % perRun == 0;
     bytes += path.size() + hostRoom;
     if (batches.empty() || stated || bytes > longestRun) {
       batches.emplace_back();
