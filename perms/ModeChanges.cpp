@@ -39,11 +39,6 @@ bool isForeign(const TreeEntry& entry, const platform::Caller& caller) {
   return !caller.root && entry.user != caller.user;
 }
 
-bool decidesByKind(const ItemPlan& plan) {
-  return std::any_of(plan.steps.begin(), plan.steps.end(),
-                     [](const PlanStep& step) { return step.reach == Reach::Executables; });
-}
-
 ModeChange::Note noteOf(const TreeEntry& entry, const ItemPlan& plan, const platform::Caller& caller) {
   if (entry.closed) return ModeChange::Note::ToBeOpened;
   const bool unreadable = !caller.root && (entry.mode & ownerRead) == 0;

@@ -24,12 +24,6 @@ std::function<bool()> stepper(const runtime::Services& services) {
   };
 }
 
-bool decidesByKind(const ItemPlan& plan) {
-  for (const PlanStep& step : plan.steps)
-    if (step.reach == Reach::Executables) return true;
-  return false;
-}
-
 }  // namespace
 
 bool permissionToolFound(const runtime::Services& services, const char* tool) {

@@ -55,6 +55,11 @@ ItemPlan planFor(const FoundItem& item, const PermissionChoice& choice, bool sel
   return {item.path, itemSteps(item, choice.automatic ? byKind : choice.mode)};
 }
 
+bool decidesByKind(const ItemPlan& plan) {
+  return std::any_of(plan.steps.begin(), plan.steps.end(),
+                     [](const PlanStep& step) { return step.reach == Reach::Executables; });
+}
+
 std::string commandOf(const PlanStep& step, const std::string& windowsPath) {
   const std::string path = runtime::ToCygwinPath(windowsPath);
   const std::string mode = step.mode ? step.mode->text() : "+x";

@@ -67,6 +67,8 @@ struct ItemPlan {
   std::vector<PlanStep> steps;
 };
 
+bool decidesByKind(const ItemPlan& plan);  ///< it looks for executables below its item
+
 ItemPlan planFor(const FoundItem& item, const PermissionChoice& choice, bool selected);
 
 /// The command of a step for a path: whole, or for Reach::EachFolder and Reach::Executables its beginning, to
