@@ -11,8 +11,8 @@ namespace perms {
 
 /// The Windows paths of all files in a folder and below that count as executables on the terminal: first
 /// those of the folder itself, without hidden and system files, then those of each subfolder, in the system's
-/// order. Links are neither taken nor followed. `goesOn` is asked before each file; where it says no, the
-/// search ends.
+/// order. Links are neither taken nor followed. `goesOn` is asked again and again; where it says no,
+/// the search ends.
 std::vector<std::string> findExecutables(const platform::Files& files, const std::string& folder,
                                          const std::function<bool()>& goesOn);
 

@@ -1,13 +1,12 @@
 #include "perms/PermissionJob.h"
 
-#include <memory>
 #include <unordered_set>
 
 #include "perms/Executables.h"
 #include "platform/FolderContents.h"
 #include "runtime/IsExecutable.h"
-#include "runtime/Pace.h"
 #include "runtime/PathBatches.h"
+#include "runtime/Stepper.h"
 
 namespace perms {
 namespace {
@@ -15,14 +14,6 @@ namespace {
 using runtime::JobEnd;
 
 constexpr int signalled = 128;
-
-/// Lets events run now and then; false once the job is to stop.
-std::function<bool()> stepper(const runtime::Services& services) {
-  return [&user = services.user, stop = services.system.busy.stop(), pace = runtime::Pace()]() mutable {
-    if (pace.due()) user.letEventsRun();
-    return !stop.requested();
-  };
-}
 
 }  // namespace
 
@@ -60,7 +51,7 @@ PlannedItems planItems(const platform::Files& files, const PermissionItems& item
 
 std::optional<ModeChanges> previewChanges(const runtime::Services& services, const PermissionItems& items,
                                           const PermissionChoice& choice) {
-  const auto goesOn = stepper(services);
+  const auto goesOn = runtime::stepper(services);
   const platform::Files& files = services.system.files;
   const PlannedItems planned = planItems(files, items, choice);
   auto trees = treesOf(services, planned.paths, choice.subdirectories);
@@ -74,8 +65,6 @@ std::optional<ModeChanges> previewChanges(const runtime::Services& services, con
 PermissionJob::PermissionJob(const runtime::Services& services, PermissionItems items,
                              PermissionChoice choice)
     : services_(services), items_(std::move(items)), choice_(choice) {}
-
-std::function<bool()> PermissionJob::goesOn() const { return stepper(services_); }
 
 PermissionResult PermissionJob::run() {
   planned_ = planItems(services_.system.files, items_, choice_);
@@ -184,7 +173,8 @@ PermissionJob::Went PermissionJob::setDirExecute(const PlanStep& step, const std
 }
 
 PermissionJob::Went PermissionJob::runExecutables(const PlanStep& step, std::size_t item, std::string& said) {
-  const auto executables = findExecutables(services_.system.files, planned_.paths[item], goesOn());
+  const auto executables =
+      findExecutables(services_.system.files, planned_.paths[item], runtime::stepper(services_));
   if (services_.system.busy.stopRequested()) return Went::Stopped;
   const std::unordered_set<std::string_view> found(executables.begin(), executables.end());
   for (TreeEntry& entry : trees_[item]) entry.isExecutable = found.contains(entry.path);

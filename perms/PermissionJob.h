@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -56,7 +55,6 @@ class PermissionJob {
   Went lookIntoOpened(ItemTree& tree) const;
   void tell(const std::string& text) const;
   void logEnd(runtime::JobEnd end) const;
-  std::function<bool()> goesOn() const;
   PermissionUndo takeUndo(bool whole);
 
   runtime::Services services_;

@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "platform/EntryModes.h"
-#include "runtime/Pace.h"
+#include "runtime/Stepper.h"
 
 namespace perms {
 namespace {
@@ -42,11 +42,9 @@ UndoJob::UndoJob(const runtime::Services& services, PermissionUndo undo)
 UndoResult UndoJob::run() {
   UndoResult result;
   EntryModes modes(services_.system.drives, undo_.folder);
-  const platform::Stop stop = services_.system.busy.stop();
-  runtime::Pace pace;
+  const auto goesOn = runtime::stepper(services_);
   for (const auto& [path, effect] : undo_.entries) {
-    if (pace.due()) services_.user.letEventsRun();
-    if (stop.requested()) {
+    if (!goesOn()) {
       result.end = runtime::JobEnd::Stopped;
       services_.log.append(" Stopped: Undo Set Permissions");
       break;

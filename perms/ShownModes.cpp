@@ -3,8 +3,8 @@
 #include <algorithm>
 
 #include "runtime/IsExecutable.h"
-#include "runtime/Pace.h"
 #include "runtime/PathBatches.h"
+#include "runtime/Stepper.h"
 
 namespace perms {
 namespace {
@@ -46,11 +46,7 @@ Boxes boxesOnDisk(const runtime::Services& services, const std::vector<std::stri
   }
   if (paths.size() == 1)
     return output == runtime::startFailure ? Boxes{} : boxesOfMode(PermissionMode::fromModeField(output));
-  runtime::Pace pace;
-  return boxesOfLines(output, paths.size(), [&, stop = services.system.busy.stop()] {
-    if (pace.due()) services.user.letEventsRun();
-    return !stop.requested();
-  });
+  return boxesOfLines(output, paths.size(), runtime::stepper(services));
 }
 
 }  // namespace

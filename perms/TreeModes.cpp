@@ -3,8 +3,8 @@
 #include <charconv>
 
 #include "platform/HeldName.h"
-#include "runtime/Pace.h"
 #include "runtime/PathBatches.h"
+#include "runtime/Stepper.h"
 
 namespace perms {
 namespace {
@@ -99,19 +99,14 @@ std::string TreeModesReader::pathBelow(std::string_view hostPath) {
 std::optional<std::vector<ItemTree>> treesOf(const runtime::Services& services,
                                              const std::vector<std::string>& items, bool below) {
   TreeModesReader reader(services.system.drives, items);
-  runtime::Pace pace;
-  const platform::Stop stop = services.system.busy.stop();
-  const auto goesOn = [&] {
-    if (pace.due()) services.user.letEventsRun();
-    return !stop.requested();
-  };
+  const auto goesOn = runtime::stepper(services);
   for (const std::string& batch : runtime::pathBatches(items, runtime::asManyAsFit)) {
     const runtime::ToolResult run =
         services.api.RunCapture(services.cygwin.cygwinBin(), treeModesCommand(batch, below));
     if (!run.ended()) return std::nullopt;  // what it complains of ends it badly, and is no reason
     reader.read(run.text, goesOn);
   }
-  return stop.requested() ? std::nullopt : std::optional(reader.takeTrees());
+  return goesOn() ? std::optional(reader.takeTrees()) : std::nullopt;
 }
 
 }  // namespace perms

@@ -1,25 +1,16 @@
 #include "platform/FolderWalk.h"
 
-#include <dirent.h>
-#include <fcntl.h>
-#include <sys/stat.h>
-
 #include <memory>
 #include <string_view>
 #include <vector>
 
 #include "platform/Descriptor.h"
+#include "platform/EntryKind.h"
 
 namespace platform {
 namespace {
 
 constexpr int asFolder = O_RDONLY | O_DIRECTORY | O_NOFOLLOW | O_CLOEXEC;
-
-bool isRealFolder(int folder, const dirent& entry) {
-  if (entry.d_type != DT_UNKNOWN) return entry.d_type == DT_DIR;
-  struct stat status {};
-  return fstatat(folder, entry.d_name, &status, AT_SYMLINK_NOFOLLOW) == 0 && S_ISDIR(status.st_mode);
-}
 
 }  // namespace
 
@@ -35,7 +26,7 @@ void walkFolders(const std::string& folder, const Stop& stop,
     const std::unique_ptr<DIR, int (*)(DIR*)> listing(opened < 0 ? nullptr : fdopendir(opened), closedir);
     while (const dirent* const entry = listing ? readdir(listing.get()) : nullptr) {
       const std::string_view name = entry->d_name;
-      if (name == "." || name == ".." || !isRealFolder(opened, *entry)) continue;
+      if (name == "." || name == ".." || entryKind(opened, *entry) != DT_DIR) continue;
       std::string path = below.empty() ? std::string(name) : below + '/' + std::string(name);
       if (enter(path)) pending.push_back(std::move(path));
     }

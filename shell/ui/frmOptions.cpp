@@ -36,13 +36,13 @@ frmOptions::frmOptions(const runtime::Services& services, QWidget* parent)
       {"optPerms_1", {}, byHand}, {"cmdOK", [this] { cmdOK_Click(); }}, {"cmdExit", [this] { reject(); }},
   };
   for (const char* name : itemNames) rows.push_back({name, {}, withMenu});
-  show(readOptions(services_.settings));
+  showOptions(readOptions(services_.settings));
   actions_ = new platform::desktop::ActionTable(*this, services_.system.busy, std::move(rows));
 }
 
 frmOptions::~frmOptions() = default;
 
-void frmOptions::show(const Options& options) {
+void frmOptions::showOptions(const Options& options) {
   ui_->SSTab1->setCurrentIndex(0);
   ui_->checkUseExt->setChecked(options.useExtension);
   for (std::size_t i = 0; i < itemNames.size(); ++i)

@@ -7,8 +7,6 @@
 #include "runtime/Services.h"
 #include "shell/Options.h"
 
-class QRadioButton;
-
 namespace Ui {
 class frmOptions;
 }
@@ -24,7 +22,7 @@ class frmOptions : public QDialog {
   ~frmOptions() override;
 
  private:
-  void show(const Options& options);
+  void showOptions(const Options& options);
   Options chosen() const;
   void cmdOK_Click();
 
