@@ -73,10 +73,17 @@ class HeardView : public View {
     const QPoint at = event->position().toPoint();
     const int row = this->indexAt(at).row();
     if (row >= 0 || (at - pressedAt_).manhattanLength() < QApplication::startDragDistance())
-      emit pane_.mouseReleased(row, event->button());
+      emit pane_.mouseReleased(row, event->button(), event->globalPosition().toPoint());
+  }
+  void contextMenuEvent(QContextMenuEvent* event) override {
+    if (event->reason() == QContextMenuEvent::Keyboard) emit pane_.menuKeyPressed(placeOfCurrentRow());
   }
 
  private:
+  QPoint placeOfCurrentRow() const {
+    const QRect row = this->visualRect(this->currentIndex()) & this->viewport()->rect();
+    return this->viewport()->mapToGlobal(row.isEmpty() ? QPoint() : row.bottomLeft() + QPoint(smallIcon, 1));
+  }
   /// With nothing selected an arrow selects the current row; moving on would leave out the first.
   bool startsSelection(const QKeyEvent& event) {
     const int last = this->model()->rowCount() - 1;

@@ -45,9 +45,11 @@ class PaneViews : public QStackedWidget {
  signals:
   void selectionChanged();  ///< once for a change, whatever made it
   void rowDoubleClicked(int row);
-  void keyReleased(int key);                            ///< one that was pressed in the pane, too
-  void mouseReleased(int row, Qt::MouseButton button);  ///< -1: empty space, at the end of a click
-  void columnClicked(int column);                       ///< 1 to 4
+  void keyReleased(int key);  ///< one that was pressed in the pane, too
+  /// At the end of a click, with its place in global pixels; row -1: empty space.
+  void mouseReleased(int row, Qt::MouseButton button, QPoint at);
+  void menuKeyPressed(QPoint at);  ///< global pixels, at the current row's text
+  void columnClicked(int column);  ///< 1 to 4
 
  private:
   void buildDetails();

@@ -8,6 +8,8 @@
 #include <utility>
 
 #include "browser/ui/frmPattern.h"
+#include "browser/ui/frmShowFiles.h"
+#include "browser/ui/frmView.h"
 #include "platform/desktop/Handlers.h"
 #include "platform/desktop/Text.h"
 #include "platform/desktop/WaitCursor.h"
@@ -132,19 +134,22 @@ void frameMain::wirePane() {
   connect(pane, &PaneViews::selectionChanged, this, &frameMain::getDirPaneSelected);
   connect(pane, &PaneViews::rowDoubleClicked, this, &frameMain::DirPane_DblClick);
   connect(pane, &PaneViews::keyReleased, this, &frameMain::DirPane_KeyUp);
-  const auto whenIdle = [this](void (frameMain::*handler)(int)) {
-    return [this, handler](int value) {
-      if (!busy()) (this->*handler)(value);
-    };
-  };
-  connect(pane, &PaneViews::mouseReleased, this, whenIdle(&frameMain::DirPane_MouseUp));
-  connect(pane, &PaneViews::columnClicked, this, whenIdle(&frameMain::DirPane_ColumnClick));
+  connect(pane, &PaneViews::mouseReleased, this, [this](int row, Qt::MouseButton button, QPoint at) {
+    if (!busy()) DirPane_MouseUp(row, button, at);
+  });
+  connect(pane, &PaneViews::menuKeyPressed, this, &frameMain::openMenu);
+  connect(pane, &PaneViews::columnClicked, this, [this](int column) {
+    if (!busy()) DirPane_ColumnClick(column);
+  });
 }
 
 void frameMain::wireFiles() {
   Busy& running = services_.system.busy;
   connectHandler(ui_->File1, &QListView::clicked, this, running, &frameMain::File1_Click);
   connectHandler(ui_->File1, &QListView::doubleClicked, this, running, &frameMain::File1_DblClick);
+  ui_->File1->setContextMenuPolicy(Qt::CustomContextMenu);
+  connect(ui_->File1, &QListView::customContextMenuRequested, this,
+          [this](QPoint at) { openMenu(ui_->File1->viewport()->mapToGlobal(at)); });
   const auto onKey = [this](const QKeySequence& key) {
     auto* shortcut = new QShortcut(key, ui_->File1);
     shortcut->setContext(Qt::WidgetShortcut);
@@ -397,12 +402,32 @@ void frameMain::openCurrent() {
     emit extractTar();
 }
 
-void frameMain::DirPane_MouseUp(int row) {
+void frameMain::DirPane_MouseUp(int row, Qt::MouseButton button, QPoint at) {
   if (row < 0) {
     const SelectionLock lock(*this);
     ui_->DirPaneViews->clearSelected();
   }
   if (row < 0 || selection_.selectedCount() > 1) getDirPaneSelected();
+  if (button == Qt::RightButton) openMenu(at);
+}
+
+void frameMain::openMenu(QPoint at) {
+  if (busy()) return;
+  getDirPaneSelected();
+  emit menuWanted(at);
+}
+
+DrawnMenu* frameMain::newShowFilesMenu(DrawnMenu& opener) {
+  return new frmShowFiles(services_.system.busy, *ui_->optShowHidden, *ui_->optShowSystem, opener);
+}
+
+DrawnMenu* frameMain::newViewMenu(DrawnMenu& opener) {
+  const auto choose = [self = QPointer<frameMain>(this)](int mode) {
+    if (self.isNull()) return;
+    self->setViewMode(mode);
+    self->refreshKeepList();
+  };
+  return new frmView(services_.system.busy, viewMode_, choose, opener);
 }
 
 void frameMain::DirPane_ColumnClick(int column) { model_.sortBy({column, !model_.order().ascending}); }

@@ -11,6 +11,7 @@
 #include "browser/FolderListing.h"
 #include "browser/SelectedRows.h"
 #include "browser/ui/DirPaneModel.h"
+#include "browser/ui/DrawnMenu.h"
 #include "browser/ui/Navigation.h"
 #include "platform/desktop/Actions.h"
 #include "platform/desktop/FilePickers.h"
@@ -50,7 +51,6 @@ class frameMain : public QFrame, private ListingListener {
   void refreshKeepList();  ///< lists and selects the same names again
   void getDirPaneSelected();
   void checkAll_Click();
-  int viewMode() const { return viewMode_; }
   void setViewMode(int mode) { viewMode_ = mode; }  ///< 0 icons, 2 list, 3 details; applied at each listing
 
   void clearCurrentRow();                      ///< no row is the current one
@@ -61,6 +61,9 @@ class frameMain : public QFrame, private ListingListener {
   void goToSelected();         ///< focuses the pane with the first selected row current and in view
   bool setOwnerShown() const;  ///< whether the button "Set Owner" is shown (not hidden)
   void enableOwnerButtons(bool enabled);  ///< cmdSetOwner and cmdSetGroup
+
+  DrawnMenu* newShowFilesMenu(DrawnMenu& opener);  ///< a child of the menu that it cascades from
+  DrawnMenu* newViewMenu(DrawnMenu& opener);       ///< likewise
 
   /// Buttons, boxes and the filter: when each can be used, and what it does.
   platform::desktop::ActionTable& actions() { return *actions_; }
@@ -76,6 +79,7 @@ class frameMain : public QFrame, private ListingListener {
   void dos2Unix();                              ///< cmdDos2Unix
   void extractTar();                            ///< cmdExtract, or Enter on an archive
   void archiveOpened(const std::string& path);  ///< a double click into an archive
+  void menuWanted(QPoint at);                   ///< the pop-up menu, its corner in global pixels
   void dividerDragged(int x);                   ///< see Divider::dragged; the layout's owner moves it
 
  private:
@@ -106,7 +110,8 @@ class frameMain : public QFrame, private ListingListener {
   void Dir1_Change();
   void DirPane_DblClick(int row);
   void DirPane_KeyUp(int key);
-  void DirPane_MouseUp(int row);
+  void DirPane_MouseUp(int row, Qt::MouseButton button, QPoint at);
+  void openMenu(QPoint at);
   void DirPane_ColumnClick(int column);
   void cmdDirPaneUp_Click();
   void cmdRefreshFiles_Click();

@@ -28,7 +28,11 @@ std::string Locale::dateTimeText(std::time_t time) const {
   const QDateTime moment = QDateTime::fromSecsSinceEpoch(time);
   const QString date = locale_.toString(moment.date(), QLocale::ShortFormat);
   if (moment.time() == QTime(0, 0)) return date.toStdString();
-  return (date + QLatin1Char(' ') + locale_.toString(moment.time(), timeFormat(locale_))).toStdString();
+  return date.toStdString() + " " + timeText(time);
+}
+
+std::string Locale::timeText(std::time_t time) const {
+  return locale_.toString(QDateTime::fromSecsSinceEpoch(time).time(), timeFormat(locale_)).toStdString();
 }
 
 std::string Locale::numberText(std::uint64_t number) const {

@@ -84,6 +84,7 @@ void frmMain::wireActions() {
           {"mnuShowLog", [this] { mnuShowLog_Click(); }, {}, WhileBusy::Acts},
           {"mnuOptions", [this] { frmOptions(program_.services(), this).exec(); }},
           {"mnuDownload", {}, mayDownload},
+          {"mnuSerial", [this] { mnuSerial_Click(); }, mayDownload},
           {"mnuNetwork", [this] { mnuNetwork_Click(); }, mayDownload},
           {"mnuContent", [this] { mnuContent_Click(); }},
           {"mnuAbout", [this] { mnuAbout_Click(); }},
@@ -110,6 +111,7 @@ void frmMain::wireFrames() {
   connect(frameMain_, &browser::frameMain::archiveOpened, this, &frmMain::openArchive);
   connect(frameMain_, &browser::frameMain::selectionChanged, this, &frmMain::updateDownloadMenu);
   connect(frameMain_, &browser::frameMain::dividerDragged, this, &frmMain::divider_MouseMove);
+  connect(frameMain_, &browser::frameMain::menuWanted, this, [this](QPoint at) { paneMenu_.open(at); });
   connect(frameUntar_, &archive::frameUntar::shown, this, &frmMain::showUntar);
   connect(frameUntar_, &archive::frameUntar::closed, this, &frmMain::hideUntar);
 }
@@ -141,6 +143,11 @@ void frmMain::mnuAbout_Click() {
   auto* about = new frmAbout(this);
   about->setAttribute(Qt::WA_DeleteOnClose);
   about->show();
+}
+
+void frmMain::mnuSerial_Click() {
+  getDirPaneSelected();
+  if (program_.selection.selectedCount() > 0) showfrmWDXOptions(program_.selection.selectedPaths.front());
 }
 
 void frmMain::mnuNetwork_Click() {

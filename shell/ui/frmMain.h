@@ -16,6 +16,7 @@
 #include "runtime/FilePane.h"
 #include "shell/CommandLine.h"
 #include "shell/Program.h"
+#include "shell/ui/PaneMenu.h"
 
 namespace Ui {
 class frmMain;
@@ -49,6 +50,8 @@ class frmMain : public QMainWindow, public runtime::FilePane, public runtime::Do
   browser::frameMain& browsing() { return *frameMain_; }
   void cmdTar_Click();
   void cmdExtract_Click();
+  void mnuSerial_Click();
+  void mnuNetwork_Click();
   void showPermissionsAtStart();  ///< the dialog for the selection, not modal
   /// Opens the network download for a file, modally.
   void showNetloader(const std::string& path);
@@ -77,7 +80,6 @@ class frmMain : public QMainWindow, public runtime::FilePane, public runtime::Do
   void cmdDos2Unix_Click();
   void mnuShowLog_Click();
   void mnuAdmin_Click();
-  void mnuNetwork_Click();
   void mnuContent_Click();
   void mnuAbout_Click();
   void checkAllKey();
@@ -96,7 +98,8 @@ class frmMain : public QMainWindow, public runtime::FilePane, public runtime::Do
   archive::frameUntar* frameUntar_;
   browser::Layout layout_;
   platform::desktop::ActionTable* actions_ = nullptr;  // a child
-  std::optional<perms::PermissionUndo> undo_;          // of the latest run
+  PaneMenu paneMenu_{*this};
+  std::optional<perms::PermissionUndo> undo_;  // of the latest run
   bool mayDownload_ = false;
   bool logShown_ = false;
   bool ended_ = false;

@@ -1,0 +1,49 @@
+#include "shell/ui/PaneMenu.h"
+
+#include "shell/ui/frmMain.h"
+
+namespace shell {
+
+using browser::DrawnMenu;
+
+namespace {
+
+constexpr const char* cannotDownload = "Can't Download";
+
+}  // namespace
+
+void PaneMenu::open(QPoint at) {
+  if (!menu_.isNull()) menu_->closeAll();
+  browser::frameMain& pane = window_.browsing();
+  menu_ = new browser::frmRightClick(
+      window_.program().system.busy, rows(),
+      [&pane](DrawnMenu& opener) { return pane.newShowFilesMenu(opener); },
+      [&pane](DrawnMenu& opener) { return pane.newViewMenu(opener); }, &window_);
+  menu_->openAt(at);
+}
+
+/// The entries look as the selection was when the menu opened.
+std::vector<platform::desktop::Action> PaneMenu::rows() {
+  const auto oneFile = [one = oneFileSelected()] { return one; };
+  return {
+      {"mnuRightClick_1", [this] { download(&frmMain::mnuSerial_Click); }, oneFile},
+      {"mnuRightClick_2", [this] { download(&frmMain::mnuNetwork_Click); }, oneFile},
+      {"mnuRightClick_4", [this] { window_.refreshKeepList(); }},
+  };
+}
+
+bool PaneMenu::oneFileSelected() const {
+  const std::vector<std::string> paths = window_.selectedPaths();
+  return paths.size() == 1 && window_.program().system.files.fileExists(paths.front());
+}
+
+void PaneMenu::download(void (frmMain::*how)()) {
+  const std::size_t count = window_.selectedPaths().size();
+  if (count == 1) return (window_.*how)();
+  window_.program().user.message(
+      count > 1 ? "Error: Too many files selected.\rPlease select only one file to download."
+                : "Error: No files selected.\rPlease select a file to download first.",
+      runtime::Buttons::Ok, runtime::Icon::Critical, cannotDownload);
+}
+
+}  // namespace shell
