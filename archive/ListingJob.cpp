@@ -3,6 +3,7 @@
 #include "archive/ArchiveTreeBuilder.h"
 #include "archive/ExtractCommand.h"
 #include "archive/ListingOutput.h"
+#include "runtime/MissingTool.h"
 #include "runtime/Pace.h"
 
 namespace archive {
@@ -30,11 +31,8 @@ CheckedArchive checkArchive(const runtime::Services& services, const std::string
 
 bool toolFound(const runtime::Services& services, ArchiveKind kind) {
   const bool ipk = kind == ArchiveKind::Ipk;
-  const std::string tool = ipk ? "ar.exe" : "tar.exe";
-  if (services.api.ProbeTool(runtime::withTrailingBackslash(services.cygwin.cygwinBin()) + tool)) return true;
-  services.user.message("Error: Unable to locate '" + tool + "'.\r\nTry reinstalling Pakrune or Cygwin",
-                        Buttons::Ok, Icon::Critical, ipk ? "Unable to Extract" : "Unable to Untar");
-  return false;
+  return ipk ? runtime::toolFound(services, "ar.exe", "Unable to Extract")
+             : runtime::toolFound(services, "tar.exe", "Unable to Untar");
 }
 
 namespace {

@@ -1,5 +1,6 @@
 #include "convert/ConvertJob.h"
 
+#include "runtime/MissingTool.h"
 #include "runtime/PathBatches.h"
 
 namespace convert {
@@ -34,8 +35,7 @@ std::string ConvertJob::target() const {
 bool ConvertJob::toolFound() const {
   const std::string path = runtime::withTrailingBackslash(services_.cygwin.cygwinBin()) + tool;
   if (services_.system.files.fullName(path) == tool) return true;
-  services_.user.message("Error: Unable to locate 'dos2unix.exe'.\r\nTry reinstalling Pakrune or Cygwin",
-                         Buttons::Ok, Icon::Critical, "Unable to Convert File");
+  runtime::tellToolMissing(services_.user, tool, "Unable to Convert File");
   return false;
 }
 

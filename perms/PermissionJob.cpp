@@ -5,6 +5,7 @@
 #include "perms/Executables.h"
 #include "platform/FolderContents.h"
 #include "runtime/IsExecutable.h"
+#include "runtime/MissingTool.h"
 #include "runtime/PathBatches.h"
 #include "runtime/Stepper.h"
 
@@ -18,12 +19,7 @@ constexpr int signalled = 128;
 }  // namespace
 
 bool permissionToolFound(const runtime::Services& services, const char* tool) {
-  const std::string folder = runtime::withTrailingBackslash(services.cygwin.cygwinBin());
-  if (services.api.ProbeTool(folder + tool)) return true;
-  services.user.message(
-      "Error: Unable to locate '" + std::string(tool) + "'.\r\nTry reinstalling Pakrune or Cygwin",
-      runtime::Buttons::Ok, runtime::Icon::Critical, "Unable to Set Permissions");
-  return false;
+  return runtime::toolFound(services, tool, "Unable to Set Permissions");
 }
 
 bool agreesToWholeFolder(runtime::UserInterface& user, const std::string& folder) {
