@@ -6,6 +6,7 @@
 #include "perms/Executables.h"
 #include "perms/PermissionJob.h"
 #include "perms/ShownModes.h"
+#include "perms/TreeModes.h"
 #include "tests/OnDisk.h"
 
 namespace {
@@ -33,6 +34,39 @@ std::string planText(const perms::FoundItem& item, const PermissionChoice& choic
     text += commandOf(step, item.path) + "\n";
   }
   return text;
+}
+
+/// As GNU findutils 4.9.0 printed it for an ordinary user: complaints stand between the records.
+TEST(TreeModes, ReadsWhatFindPrinted) {
+  const platform::DriveTable drives({{'C', "/srv"}});
+  const std::vector<std::string> items = {"C:\\d", "C:\\gone", "C:\\f"};
+  const std::string output =
+      "0 d 2755 1000 100 4 2049 11 /srv/d\0"
+      "1 f 644 1000 100 2 2049 12 /srv/d/a \\b\n\0"
+      "!1 d 700 0 0 2 2049 13 /srv/d/shut\0"
+      "find: \342\200\230/srv/d/shut\342\200\231: Permission denied\n"
+      "1 d 1777 1000 100 2 2049 14 /srv/d/sub\0"
+      "2 p 600 1000 100 1 2049 15 /srv/d/sub/x\0"
+      "find: \342\200\230/srv/gone\342\200\231: No such file or directory\n"
+      "0 f 4711 7 8 1 2049 16 /srv/f\0"
+      "0 f 644 7 8 1 2049 17 /srv/f"s;  // cut off
+  perms::TreeModesReader reader(drives, items);
+  reader.read(output, [] { return true; });
+  std::string trees;
+  for (const perms::ItemTree& tree : reader.takeTrees()) {
+    for (const perms::TreeEntry& entry : tree) {
+      std::ostringstream text;
+      text << (entry.closed ? "!" : "") << (entry.isItem ? "item " : "") << (entry.isFolder ? "d " : "")
+           << (entry.isRegular ? "f " : "") << std::oct << entry.mode << std::dec << ' ' << entry.user << ':'
+           << entry.group << ' ' << entry.file.second << ' ' << platform::shownName(entry.path) << '\n';
+      trees += text.str();
+    }
+    trees += "--\n";
+  }
+  EXPECT_EQ(trees,
+            "item d 2755 1000:100 0 C:\\d\nf 644 1000:100 12 C:\\d\\a \\b\\x0A\n"
+            "!d 700 0:0 0 C:\\d\\shut\nd 1777 1000:100 0 C:\\d\\sub\n600 1000:100 0 C:\\d\\sub\\x\n--\n"
+            "--\nitem f 4711 7:8 0 C:\\f\n--\n");
 }
 
 TEST(PermissionPlan, NamesTheCommandsInTheirOrder) {
