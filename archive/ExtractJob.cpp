@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <system_error>
 
+#include "archive/ArMembers.h"
 #include "archive/ExtractCommand.h"
 #include "archive/LeftOut.h"
 #include "archive/ListingLine.h"
@@ -229,8 +230,9 @@ const std::vector<GuardedMember>* ExtractJob::listedMembers() {
 
 /// Tells why, when it is.
 bool ExtractJob::isBad(const runtime::ToolResult& run) const {
-  if (run.good()) return false;
-  tellListingProblem(services_.user, *listingProblem(run, plan_.kind, plan_.archivePath));
+  const platform::Files& files = services_.system.files;
+  if (run.good() && (isTar() || arProblem(files, plan_.archivePath).empty())) return false;
+  tellListingProblem(services_.user, *listingProblem(run, plan_.kind, plan_.archivePath, files));
   return true;
 }
 

@@ -14,6 +14,11 @@ namespace {
 
 bool beginsWithDash(const std::string& member) { return member.starts_with('-'); }
 
+/// ar (binutils 2.40) ends well then.
+bool lacksMember(std::string_view output) {
+  return ("\n" + std::string(output)).find("\nno entry ") != std::string::npos;
+}
+
 }  // namespace
 
 std::optional<std::string> excludeOptions(const std::vector<std::string>& excludes) {
@@ -69,6 +74,7 @@ runtime::ToolResult ExtractRun::runAr() {
   if (!environment.get("Path").ends_with(tools)) environment.set("Path", environment.get("Path") + tools);
   runtime::ToolResult run =
       services_.api.RunAndWait(arExtractCommand(plan_.archivePath, plan_.members), place.path());
+  if (run.status == 0 && lacksMember(run.text)) run.status = 1;
   if (!run.ended() || moveIn(place.path())) return run;
   run.stopped = services_.system.busy.stopRequested();
   if (run.status == 0) run.status = 1;

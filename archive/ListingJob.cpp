@@ -13,6 +13,17 @@ using runtime::Buttons;
 using runtime::Icon;
 using runtime::JobEnd;
 
+namespace {
+
+/// By its name; the older form of a package is a compressed tar inside.
+std::optional<ArchiveKind> kindOf(const platform::Files& files, const std::string& path) {
+  const auto kind = runtime::archiveKind(path);
+  const bool compressed = kind == ArchiveKind::Ipk && files.readBytes(path, 2) == "\x1f\x8b";
+  return compressed ? ArchiveKind::Gzip : kind;
+}
+
+}  // namespace
+
 CheckedArchive checkArchive(const runtime::Services& services, const std::string& path,
                             const char* notChosen) {
   if (path == noArchiveChosen) {
@@ -23,7 +34,7 @@ CheckedArchive checkArchive(const runtime::Services& services, const std::string
     services.user.message("Invalid tar file " + path, Buttons::Ok, Icon::Critical, "Error");
     return {};
   }
-  const auto kind = runtime::archiveKind(path);
+  const auto kind = kindOf(services.system.files, path);
   if (kind) return {kind, Focus::None};
   services.user.message("Unrecognized Tar file extension", Buttons::Ok, Icon::Critical, "Input file error..");
   return {std::nullopt, Focus::ArchivePath};
@@ -55,7 +66,7 @@ Listing fillTree(const runtime::Services& services, ArchiveKind kind, const std:
     if (pace.due() || i + 1 == count) progress.showPercent(listingPercent(i, count));
   if (stop.requested()) return {JobEnd::Stopped, Focus::None, builder.finish()};
   if (sizeRun.good()) return {JobEnd::Done, Focus::None, builder.finish()};
-  tellListingProblem(services.user, *listingProblem(sizeRun, kind, path));
+  tellListingProblem(services.user, *listingProblem(sizeRun, kind, path, services.system.files));
   return {JobEnd::Failed};
 }
 
@@ -66,7 +77,7 @@ Listing listArchive(const runtime::Services& services, ArchiveKind kind, const s
   if (!toolFound(services, kind)) return {JobEnd::Failed};
   runtime::ToolResult run = services.api.RunCapture(services.cygwin.cygwinBin(), listCommand(kind, path));
   if (services.system.busy.stopRequested()) return {JobEnd::Stopped};
-  const auto problem = listingProblem(run, kind, path);
+  const auto problem = listingProblem(run, kind, path, services.system.files);
   if (!problem) return fillTree(services, kind, path, std::move(run.text), progress);
   tellListingProblem(services.user, *problem);
   return {JobEnd::Failed};

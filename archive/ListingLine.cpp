@@ -128,7 +128,7 @@ bool isRemark(std::string_view line) {
          std::any_of(advice.begin(), advice.end(), begins);
 }
 
-bool isArRemark(std::string_view line) { return line.starts_with("ar: "); }
+bool isArRemark(std::string_view line) { return line.starts_with("ar: ") || line.starts_with("no entry "); }
 
 bool isHarmlessRemark(std::string_view line) {
   return line.starts_with("tar: Ignoring unknown extended header keyword") ||

@@ -1,5 +1,6 @@
 #include "archive/ListingOutput.h"
 
+#include "archive/ArMembers.h"
 #include "archive/ListingLine.h"
 
 namespace archive {
@@ -48,9 +49,11 @@ std::optional<std::string> saidProblem(std::string_view output, std::string_view
 }  // namespace
 
 std::optional<std::string> listingProblem(const runtime::ToolResult& run, runtime::ArchiveKind kind,
-                                          std::string_view path) {
+                                          const std::string& path, const platform::Files& files) {
   if (auto said = saidProblem(run.text, path)) return said;
   const bool ipk = kind == runtime::ArchiveKind::Ipk;
+  const std::string cut = ipk && run.good() ? arProblem(files, path) : "";
+  if (!cut.empty()) return message(packageError, path, cut);
   if (!run.good()) return message(ipk ? packageError : tarError, path, howItEnded(run, ipk ? "ar" : "tar"));
   if (run.text.empty()) return message(packageError, path, "No files to extract");
   return std::nullopt;

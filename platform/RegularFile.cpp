@@ -1,6 +1,9 @@
 #include "platform/RegularFile.h"
 
 #include <fcntl.h>
+#include <unistd.h>
+
+#include <cerrno>
 
 #include "platform/Replacement.h"
 
@@ -19,6 +22,18 @@ bool RegularFile::unchanged() const {
 
 std::optional<std::size_t> RegularFile::read(char* to, std::size_t most) {
   return readSome(file_.get(), to, most);
+}
+
+std::optional<std::size_t> RegularFile::readAt(std::uint64_t place, char* to, std::size_t most) const {
+  std::size_t done = 0;
+  while (done < most) {
+    const ssize_t got = pread(file_.get(), to + done, most - done, static_cast<off_t>(place + done));
+    if (got < 0 && errno == EINTR) continue;
+    if (got < 0) return std::nullopt;
+    if (got == 0) break;
+    done += static_cast<std::size_t>(got);
+  }
+  return done;
 }
 
 }  // namespace platform

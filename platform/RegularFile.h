@@ -25,6 +25,8 @@ class RegularFile {
   bool unchanged() const;
   std::optional<std::size_t> read(char* to,
                                   std::size_t most);  ///< bytes read, 0 at the end; nullopt: an error
+  /// The same from a place on, as many as there are; the next read() goes on where it was.
+  std::optional<std::size_t> readAt(std::uint64_t place, char* to, std::size_t most) const;
 
  private:
   struct stat status_ {};

@@ -1,5 +1,6 @@
 #include <array>
 
+#include "archive/ArMembers.h"
 #include "archive/ExtractJob.h"
 #include "archive/LeftOut.h"
 #include "tests/OnDisk.h"
@@ -359,6 +360,44 @@ TEST_F(ExtractTest, BadArchivesHaveTheirMessages) {
     EXPECT_EQ(person_.told.back(), "Pakrune|Nothing to extract") << name;
   }
   EXPECT_FALSE(fs::exists(host("cut")));
+}
+
+TEST_F(ExtractTest, APackageThatIsCutIsToldOf) {
+  write("in/debian-binary", "2.0\n");
+  write("in/data.tar.gz", std::string(301, 'd'));
+  write("in/control.tar.gz", std::string(101, 'c'));
+  writePackage("debian-binary data.tar.gz control.tar.gz");
+  const std::string whole = bytes("p.ipk");
+  const std::set<std::size_t> betweenMembers = {8, 72, 433, 434, 595, 596};
+  for (std::size_t size = 0; size <= whole.size(); ++size) {
+    write("cut.ipk", whole.substr(0, size));
+    const bool seen = size > 8 && betweenMembers.count(size) == 0;
+    EXPECT_EQ(archive::arProblem(files_, "C:\\cut.ipk"), seen ? "Unexpected end of file" : "") << size;
+  }
+  fs::create_directory(host("out"));
+  output("cd " + host("") + " && ar rcT thin.ipk in/data.tar.gz");
+  const std::string box = "Error Opening Package|An error occurred when attempting to open package:\r\nC:\\";
+  for (const auto& [name, reason] : {std::pair{"cut.ipk", "Unexpected end of file"},
+                                     {"thin.ipk", "A thin archive holds none of its members"}}) {
+    if (name == std::string("cut.ipk")) write(name, whole.substr(0, 590));
+    EXPECT_EQ(fromTree(name).end, JobEnd::Failed);
+    EXPECT_EQ(tree_.nodeCount(), 0U);
+    EXPECT_EQ(quick(name, "C:\\cut").end, JobEnd::Failed);
+    EXPECT_EQ(person_.told, Texts(3, box + name + "\r\n\r\n" + reason));
+    person_.told.clear();
+  }
+  EXPECT_FALSE(fs::exists(host("cut")));
+  fakeTool("ar", "case $1 in -x) exec $real \"$@\" gone;; esac; exec $real \"$@\"");
+  EXPECT_EQ(quick("p.ipk").end, JobEnd::Failed);
+  EXPECT_TRUE(logged("no entry gone in archive\n")) << log_.all;
+}
+
+TEST_F(ExtractTest, AnOlderPackageIsACompressedTar) {
+  write("in/debian-binary", "2.0\n");
+  output("tar -C " + host("in") + " -czf " + host("old.ipk") + " ./debian-binary");
+  EXPECT_EQ(fromTree("old.ipk").end, JobEnd::Done) << log_.all;
+  EXPECT_EQ(quick("old.ipk", "C:\\quick").end, JobEnd::Done) << log_.all;
+  EXPECT_EQ(bytes("out/debian-binary") + bytes("quick/debian-binary"), "2.0\n2.0\n");
 }
 
 TEST_F(ExtractTest, AListingThatDidNotEndWellIsNoArchive) {

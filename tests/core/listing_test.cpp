@@ -118,8 +118,10 @@ TEST(ListingLine, EscapesAreTurnedBack) {
 
 TEST(ListingOutput, MessagesNameTheReason) {
   const std::string tar = "An error occurred when attempting to open tar package:\r\nC:\\x\r\n\r\n";
-  const auto problem = [](const std::string& output, int status = 0) {
-    return listingProblem({output, status}, ArchiveKind::Gzip, "C:\\x");
+  const platform::DriveTable drives({{'C', "/nowhere"}});
+  const platform::Files files(drives);
+  const auto problem = [&files](const std::string& output, int status = 0) {
+    return listingProblem({output, status}, ArchiveKind::Gzip, "C:\\x", files);
   };
   for (const std::string bzip2 : {cutBzip2, "bzip2: (stdin) is not a bzip2 file.\n"})
     EXPECT_EQ(problem(bzip2 + childFailed), tar + childFailed);
@@ -132,7 +134,7 @@ TEST(ListingOutput, MessagesNameTheReason) {
   EXPECT_EQ(problem(harmless, 137), tar + "tar was ended by signal 9");
   EXPECT_EQ(problem("", 2), tar + "tar ended with exit code 2");
   EXPECT_EQ(problem("tar: x\n", 2), tar + "tar: x\n");
-  EXPECT_EQ(listingProblem({runtime::startFailure, -1, 2}, ArchiveKind::Ipk, "C:\\x"),
+  EXPECT_EQ(listingProblem({runtime::startFailure, -1, 2}, ArchiveKind::Ipk, "C:\\x", files),
             "An error occurred when attempting to open package:\r\nC:\\x\r\n\r\n"
             "ar could not be started: No such file or directory");
 }
