@@ -53,8 +53,22 @@ std::string quotedNames(const std::vector<std::string>& names) {
 std::string ownerOptions(const PackSettings& settings) {
   std::string options;
   if (settings.setOwner) options += "--owner=" + std::to_string(settings.ownerId) + ' ';
-  if (settings.setGroup) options += "--group=1 ";
+  if (settings.setGroup) options += "--group=" + std::to_string(settings.groupId) + ' ';
   return options;
+}
+
+std::string memberOptions(const PackSettings& settings) {
+  std::string options;
+  if (settings.time) options += "--mtime=@" + std::to_string(*settings.time) + ' ';
+  std::string mode;
+  for (const auto& [who, shift] : {std::pair{'u', 6}, {'g', 3}, {'o', 0}}) {
+    const unsigned digit = settings.umask >> shift & 7U;
+    if (digit == 0) continue;
+    mode += (mode.empty() ? std::string() : ",") + who + '-';
+    for (const auto& [letter, bit] : {std::pair{'r', 4U}, {'w', 2U}, {'x', 1U}})
+      if ((digit & bit) != 0) mode += letter;
+  }
+  return mode.empty() ? options : options + "--mode=" + mode + ' ';
 }
 
 std::string tarCommand(const PackSettings& settings, runtime::ArchiveKind kind, char mode,
@@ -66,7 +80,7 @@ std::string tarCommand(const PackSettings& settings, runtime::ArchiveKind kind, 
   const bool numericFirst = !staged && list.nothingSelected;
   std::string command = "tar.exe -C " + runtime::ToCygwinPath(staged ? stagingTmp : list.workingFolder);
   command += " -" + runtime::kindLetter(kind) + mode + (staged ? "vP " : "v ");
-  command += numericFirst ? numeric + owner : owner + numeric;
+  command += (numericFirst ? numeric + owner : owner + numeric) + memberOptions(settings);
   command += "-f " + runtime::ToCygwinPath(outputPath) + ' ';
   command += listText;
   if (staged) command += " ../usr8";  // "P" keeps the ".." in the name

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <ctime>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -10,14 +12,18 @@ namespace archive {
 
 /// What the archive dialog's controls say when "Create Tar" is pressed.
 struct PackSettings {
-  std::string outputPath;     ///< Windows form
-  bool append = false;        ///< optAppend
-  bool setOwner = true;       ///< checkOwner
-  bool setGroup = true;       ///< checkGroup
-  int ownerId = 500;          ///< the entry at the list's top
-  bool contentsOnly = true;   ///< checkContentsOnly (in force only with one folder selected)
-  bool parentFolder = false;  ///< checkFolderContents (in force only with nothing selected)
-  bool stageUsr8 = true;      ///< the stored usr8 value
+  std::string outputPath;                ///< Windows form
+  bool append = false;                   ///< optAppend
+  bool setOwner = true;                  ///< checkOwner
+  bool setGroup = true;                  ///< checkGroup
+  int ownerId = 500;                     ///< the entry at the list's top
+  bool contentsOnly = true;              ///< checkContentsOnly (in force only with one folder selected)
+  bool parentFolder = false;             ///< checkFolderContents (in force only with nothing selected)
+  bool stageUsr8 = true;                 ///< the stored usr8 value
+  int groupId = 1;                       ///< while setGroup
+  bool newestTime = false;               ///< checkTime: every member carries the newest one's time
+  std::optional<std::time_t> time = {};  ///< every member's instead of its own, seconds since 1970
+  unsigned umask = 0;                    ///< bits that are taken out of every member's mode
 };
 
 /// What is to be packed.
@@ -52,6 +58,9 @@ std::string quotedNames(const std::vector<std::string>& names);
 
 /// "--owner=500 --group=1 ", a part of it, or empty.
 std::string ownerOptions(const PackSettings& settings);
+
+/// "--mtime=@1700000000 --mode=g-w,o-w ", a part of it, or empty.
+std::string memberOptions(const PackSettings& settings);
 
 /// The tar command. `stagingTmp` is the staging "\tmp" folder for a staged run, else empty.
 /// `listText` is quotedNames(...) or the names-file options that stand for it.

@@ -10,6 +10,7 @@
 #include "archive/PackProblem.h"
 #include "archive/Staging.h"
 #include "platform/CopyAttributes.h"
+#include "platform/NewestTime.h"
 #include "platform/ResolvedPath.h"
 
 namespace archive {
@@ -21,6 +22,9 @@ using runtime::JobEnd;
 
 constexpr int filesChanged = 1;  ///< tar's status when a file changed while it was read
 constexpr int fatalError = 2;
+
+/// GNU tar 1.34 repeats a time that it was given.
+constexpr std::string_view echoedTime = "tar: Option --mtime: Treating date ";
 
 constexpr const char* missingFiles =
     "Error: Unable to locate necessary program files.\rTry reinstalling the application";
@@ -42,6 +46,7 @@ JobEnd PackRun::run() {
   if (plan_.list.names.empty() && !staged()) return refuse(nothingToPack(plan_.list.workingFolder));
   if (const int problem = services_.system.files.writeProblem(folder); problem != 0)
     return refuse(cannotWrite(folder, problem));
+  if (plan_.settings.newestTime && !settleTime()) return JobEnd::Stopped;
   std::optional<Staging> staging;
   if (staged()) {
     staging.emplace(services_);
@@ -68,6 +73,18 @@ JobEnd PackRun::fail(const std::string& problem) {
   services_.log.append(" Unable to write file: " + target());
   services_.user.message(problem, Buttons::Ok, Icon::Critical);
   return JobEnd::Failed;
+}
+
+/// What stands on disk before this run makes anything. False: stopped.
+bool PackRun::settleTime() {
+  const platform::DriveTable& drives = services_.system.drives;
+  std::vector<std::string> paths;
+  for (const PackedRoot& root : roots_) paths.push_back(drives.toHost(root.path).value_or(""));
+  const std::string output = drives.toHost(platform::resolvedPath(drives, target())).value_or("");
+  plan_.settings.time =
+      platform::newestTime(paths, services_.system.busy.stop(),
+                           [&](const std::string& path) { return path == output || isScratchOnHost(path); });
+  return !stopWanted();
 }
 
 /// Beside the output where that is not packed: then a rename is enough, whatever the size. A staged run
@@ -194,7 +211,7 @@ void PackRun::showFailedCommand() {
 void PackRun::logRemarks(const runtime::ToolResult& run) {
   if (services_.user.keepsConsole()) return;  // they can still be read there
   for (const std::string_view line : completeLines(run.text))
-    if (isRemark(line)) services_.log.append(std::string(line));
+    if (isRemark(line) && !line.starts_with(echoedTime)) services_.log.append(std::string(line));
 }
 
 }  // namespace archive

@@ -36,6 +36,7 @@ class PackRun {
   const std::string& target() const { return plan_.settings.outputPath; }
   runtime::JobEnd refuse(const std::string& problem);
   runtime::JobEnd fail(const std::string& problem);
+  bool settleTime();
   bool openPlace();
   bool copyEarlier();
   bool writeList();

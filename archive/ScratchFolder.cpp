@@ -39,11 +39,6 @@ bool isOwn(const std::string& hostPath, mode_t kind) {
 
 std::string lockOf(const std::string& hostFolder) { return hostFolder + '/' + ScratchFolder::lockName; }
 
-bool isScratchOnHost(const std::string& hostPath) {
-  return hasScratchName(std::string_view(hostPath).substr(hostPath.rfind('/') + 1)) &&
-         isOwn(hostPath, S_IFDIR) && isOwn(lockOf(hostPath), S_IFREG);
-}
-
 /// The lock file goes last: what is left when this is cut short is still known for what it is.
 bool removeScratch(const platform::Files& files, const std::string& path) {
   for (const auto& entry : files.entries(path).value_or(std::vector<platform::Files::Entry>()))
@@ -75,6 +70,11 @@ std::string windowsForm(const std::string& hostBelow) {
 }
 
 }  // namespace
+
+bool isScratchOnHost(const std::string& hostPath) {
+  return hasScratchName(std::string_view(hostPath).substr(hostPath.rfind('/') + 1)) &&
+         isOwn(hostPath, S_IFDIR) && isOwn(lockOf(hostPath), S_IFREG);
+}
 
 ScratchFolder::ScratchFolder(const platform::Files& files, runtime::Log& log, const std::string& base)
     : files_(files), log_(log) {

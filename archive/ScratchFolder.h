@@ -39,6 +39,7 @@ class ScratchFolder {
 
 /// Whether a path is such a folder, in use or left behind: its name, the lock file inside and the same user.
 bool isScratchFolder(const platform::Files& files, const std::string& path);
+bool isScratchOnHost(const std::string& hostPath);
 
 /// Those below a folder, at whatever depth. What was found before a stop is all that is told.
 std::vector<std::string> scratchFoldersBelow(const platform::Files& files, const std::string& folder,

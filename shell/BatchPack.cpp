@@ -51,6 +51,12 @@ archive::PackResult quickPack(Program& program, const archive::PackSelection& se
   settings.outputPath =
       archive::proposedOutput(selection, archive::oneFolder(program.system.files, selection));
   settings.stageUsr8 = archive::usr8Support(program.settings.usr8());
+  const std::string problem =
+      applyOptions(program.packOptions, program.system.environment.get("SOURCE_DATE_EPOCH"), settings);
+  if (!problem.empty()) {
+    program.user.message(problem, runtime::Buttons::Ok, runtime::Icon::Critical);
+    return {runtime::JobEnd::Refused, settings.outputPath};
+  }
   if (!archive::selectionExists(program.services(), selection))
     return {runtime::JobEnd::Refused, settings.outputPath};
   return archive::PackJob(program.services(), selection, settings).run();

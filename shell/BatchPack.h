@@ -14,7 +14,8 @@ namespace shell {
 /// standard output. Returns the exit status: 0 done, 1 refused, failed, or a name that matched nothing.
 int batchPack(Program& program, const std::vector<std::string>& record, bool yes);
 
-/// Makes the archive of a quick pack, with the archive dialog's defaults; holds the gate meanwhile.
+/// Makes the archive of a quick pack, with the archive dialog's defaults where the program's options and
+/// SOURCE_DATE_EPOCH say nothing else; holds the gate meanwhile.
 archive::PackResult quickPack(Program& program, const archive::PackSelection& selection);
 
 }  // namespace shell

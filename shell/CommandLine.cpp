@@ -71,6 +71,7 @@ class TextMaker {
     if (found == nullptr) return paths(arguments);
     return found->form == Form::Folder ? folder(arguments) : record(arguments, found->form);
   }
+  std::string toWindows(std::string_view typed);
   const std::string& problem() const { return problem_; }
 
  private:
@@ -80,7 +81,6 @@ class TextMaker {
   std::string quoted(const std::string& argument) {
     return standsInQuotes(argument) ? argument : '"' + toWindows(argument) + '"';
   }
-  std::string toWindows(std::string_view typed);
 
   const TranslatePath& translate_;
   const HoldName& hold_;
@@ -133,8 +133,29 @@ std::string TextMaker::record(const std::vector<std::string>& arguments, Form fo
   return text;
 }
 
+using Argument = std::vector<std::string>::const_iterator;
+
+/// "--owner 500" and "--owner=500" are one. False for what is no option with a value; one without any gets
+/// the empty text.
+bool takeValue(Argument& argument, Argument end, PackOptions& out) {
+  const std::size_t equals = argument->find('=');
+  const std::string name = argument->substr(0, equals);
+  std::optional<std::string>* const option = name == "--output"  ? &out.output
+                                             : name == "--owner" ? &out.owner
+                                             : name == "--group" ? &out.group
+                                             : name == "--time"  ? &out.time
+                                             : name == "--umask" ? &out.umask
+                                                                 : nullptr;
+  if (option == nullptr) return false;
+  if (equals != name.npos)
+    *option = argument->substr(equals + 1);
+  else
+    *option = argument + 1 == end ? std::string() : *++argument;
+  return true;
+}
+
 /// False for what is no option of ours.
-bool takeOption(std::string_view argument, HostArguments& out) {
+bool takeFlag(std::string_view argument, HostArguments& out) {
   bool* const option = argument == "--help"      ? &out.help
                        : argument == "--version" ? &out.version
                        : argument == "--batch"   ? &out.batch
@@ -166,12 +187,14 @@ HostArguments readArguments(const std::vector<std::string>& arguments, const Tra
                             const HoldName& hold) {
   HostArguments out;
   auto first = arguments.begin();
-  while (first != arguments.end() && takeOption(*first, out)) ++first;
+  while (first != arguments.end() && (takeFlag(*first, out) || takeValue(first, arguments.end(), out.pack)))
+    ++first;
   if (first != arguments.end() && first->starts_with("--")) {
     out.unknown = *first;
     return out;
   }
   TextMaker maker(translate, hold);
+  if (out.pack.output) out.pack.output = maker.toWindows(*out.pack.output);
   out.text = maker.make({first, arguments.end()});
   out.problem = maker.problem();
   return out;

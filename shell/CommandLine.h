@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "platform/TypedPath.h"
+#include "shell/PackOptions.h"
 
 namespace shell {
 
@@ -34,6 +35,7 @@ struct HostArguments {
   bool version = false;
   bool batch = false;   ///< --batch
   bool yes = false;     ///< --yes
+  PackOptions pack;     ///< for -qpack
   std::string unknown;  ///< a word before the switch that begins with "--" and is no option
   std::string text;     ///< the command-line text in Windows form
   /// Why a path names nothing here, of the first such; it stands in the text as it was typed.

@@ -10,6 +10,7 @@
 #include "runtime/Settings.h"
 #include "runtime/modAPI.h"
 #include "shell/LogText.h"
+#include "shell/PackOptions.h"
 
 namespace shell {
 
@@ -46,7 +47,8 @@ struct Program {
   runtime::CygwinEnvironment cygwin;
   bool isAdmin = true;
   runtime::Selection selection;
-  int exitStatus = 0;  ///< of a run that ends by itself: 1 when it was refused or has failed
+  PackOptions packOptions;  ///< of a quick pack
+  int exitStatus = 0;       ///< of a run that ends by itself: 1 when it was refused or has failed
 
   runtime::Services services() { return {system, api, cygwin, user, log, settings}; }
 };

@@ -24,7 +24,7 @@ constexpr int failed = 1;
 constexpr int signalled = 128;  // plus the signal's number, as shells report it
 
 constexpr const char* usage =
-    "Usage: pakrune [--batch] [--yes] [SWITCH FOLDER NAME...]\n"
+    "Usage: pakrune [OPTION]... [SWITCH FOLDER NAME...]\n"
     "       pakrune [PATH...]\n"
     "\n"
     "  -d FOLDER                      open FOLDER\n"
@@ -38,6 +38,14 @@ constexpr const char* usage =
     "             without a display)\n"
     "  --yes      before the switch: agree to what would replace something\n"
     "  --help, --version\n"
+    "\n"
+    "Before -qpack, instead of the archive dialog's defaults:\n"
+    "  --output PATH        the archive; its extension decides the compression\n"
+    "  --owner NAME|NUMBER  owner of every member (usr1 without it); keep: as on disk\n"
+    "  --group NUMBER       likewise (1 without it); keep: as on disk\n"
+    "  --time SECONDS       time of every member, since 1970; without it SOURCE_DATE_EPOCH, where that is "
+    "set\n"
+    "  --umask OCTAL        bits that are taken out of every member's mode\n"
     "\n"
     "Folders and paths may be native or Windows paths. Exit status of -qpack and -extract:\n"
     "0 done, 1 refused or failed, 128 + n ended by signal n.\n";
@@ -58,9 +66,11 @@ shell::HostArguments argumentsOf(const shell::Host& host, int argc, char** argv)
 
 bool isQuiet(Form form) { return form == Form::QuickPack || form == Form::Extract; }
 
-int runBatch(shell::Host& host, const CommandLine& commandLine, bool yes) {
+int runBatch(shell::Host& host, const CommandLine& commandLine, const shell::HostArguments& arguments) {
+  const bool yes = arguments.yes;
   shell::BatchUser user(yes);
   shell::Program program(host.system(), host.programFolder, user);
+  program.packOptions = arguments.pack;
   program.log.setOnEntry([](const std::string& entry) { std::cerr << platform::shownName(entry) << '\n'; });
   const platform::Busy::Scope job(host.busy);
   return commandLine.form == Form::QuickPack ? shell::batchPack(program, commandLine.fields, yes)
@@ -68,14 +78,16 @@ int runBatch(shell::Host& host, const CommandLine& commandLine, bool yes) {
 }
 
 /// Qt gets the program's name only, so that a file called "-style" is none of its options.
-int runWindows(shell::Host& host, const CommandLine& commandLine, bool yes, char* name) {
+int runWindows(shell::Host& host, const CommandLine& commandLine, const shell::HostArguments& arguments,
+               char* name) {
   int one = 1;
   char* names[] = {name, nullptr};
   QApplication application(one, names);
   QApplication::setApplicationName(QString::fromLatin1(runtime::programTitle));
   QApplication::setQuitOnLastWindowClosed(false);
-  shell::DesktopUser user(host.busy, yes && isQuiet(commandLine.form));
+  shell::DesktopUser user(host.busy, arguments.yes && isQuiet(commandLine.form));
   shell::Program program(host.system(), host.programFolder, user);
+  program.packOptions = arguments.pack;
   platform::desktop::DesktopFilePickers pickers(host.drives);
   platform::desktop::Gate gate(host.busy);
   shell::frmMain window(program, pickers);
@@ -94,11 +106,13 @@ int run(shell::Host& host, const shell::HostArguments& arguments, char* name) {
   const CommandLine commandLine = shell::parseCommandLine(arguments.text);
   const bool quiet = isQuiet(commandLine.form);
   if (arguments.batch && !quiet) return refuse("--batch stands before -qpack or -extract only");
+  if (arguments.pack.any() && commandLine.form != Form::QuickPack)
+    return refuse("--output, --owner, --group, --time and --umask stand before -qpack only");
   const bool windows = !arguments.batch && hasDisplay() && (!quiet || platform::desktop::displayOpens(name));
-  if (windows) return runWindows(host, commandLine, arguments.yes, name);
+  if (windows) return runWindows(host, commandLine, arguments, name);
   if (!quiet) return refuse("no display; without one only -qpack, -extract, --help and --version work");
   if (!arguments.problem.empty()) return refuse(arguments.problem);
-  return runBatch(host, commandLine, arguments.yes);
+  return runBatch(host, commandLine, arguments);
 }
 
 }  // namespace

@@ -78,6 +78,32 @@ run 1 -extract pkg pkg.tgz
 run 0 --batch --yes -qpack "$HOME/pkg" "b c"
 [ "$(cat "$world/out")" = "$HOME/pkg/b c.tgz" ] || fail "output: $(cat "$world/out")"
 
+# Same input, same bytes: two checkouts with other umasks and times, another zone; two users, where there are two.
+checkout() { # FOLDER UMASK
+  (umask "$2"; mkdir -p "$1/app/usr8/deep"; echo one >"$1/app/one"; echo s >"$1/app/usr8/deep/s"; ln -s one "$1/app/link"
+   touch "$1/app/run.sh"; chmod +x "$1/app/run.sh")
+}
+checkout first 002
+sleep 0.01
+checkout second 022
+export SOURCE_DATE_EPOCH=1700000000
+TZ=UTC run 0 --umask 022 --output "$world/first.tgz" -qpack first/app one link run.sh usr8
+TZ=Asia/Tokyo run 0 --umask 022 --output "$world/second.tgz" -qpack second/app one link run.sh usr8
+cmp "$world/first.tgz" "$world/second.tgz" || fail "two checkouts gave two archives"
+tar -tvPf "$world/first.tgz" --numeric-owner --utc | grep -v ' 500/1 .* 2023-11-14 22:13 ' && fail "an own time or owner"
+[ "$(stat -c %a first/app/one)" = 664 ] || fail "a mode changed on disk"
+if [ "$(id -u)" = 0 ]; then
+  chmod -R a+rX "$HOME" "$world" && chmod 777 "$world" "$TMPDIR"
+  setpriv --reuid 65534 --regid 65534 --clear-groups env XDG_CONFIG_HOME="$world/nobody" \
+    "$pakrune" --umask 022 --output "$world/third.tgz" -qpack first/app one link run.sh usr8 >/dev/null 2>"$world/err" ||
+    fail "nobody could not pack"
+  cmp "$world/first.tgz" "$world/third.tgz" || fail "two users gave two archives"
+fi
+unset SOURCE_DATE_EPOCH
+run 1 --owner nobody -qpack first/app one
+grep -q "owner cannot be 'nobody'" "$world/err" || fail "no word about the owner"
+run 1 --time 5 -extract pkg pkg.tgz out/none
+
 mkfifo special.tgz && mkdir -p special
 run 1 --yes -qpack . special # nothing waits for a pipe
 grep -q "special.tgz' is not a file" "$world/err" || fail "a pipe is no output"

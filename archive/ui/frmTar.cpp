@@ -154,6 +154,7 @@ PackSettings frmTar::settings() const {
   settings.append = ui_->optAppend->isChecked();
   settings.setOwner = ui_->checkOwner->isChecked();
   settings.setGroup = ui_->checkGroup->isChecked();
+  settings.newestTime = ui_->checkTime->isChecked();
   settings.ownerId = runtime::ownerEntries().at(static_cast<std::size_t>(ui_->listOwner->topIndex())).id;
   settings.contentsOnly = ui_->checkContentsOnly->isChecked();
   settings.parentFolder = ui_->checkFolderContents->isChecked();

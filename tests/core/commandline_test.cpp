@@ -73,6 +73,38 @@ TEST(Arguments, OurOptionsStandBeforeTheSwitchOnly) {
   EXPECT_EQ(read({""}).text, "");
 }
 
+TEST(Arguments, PackOptionsChangeTheSettingsOrSayWhyNot) {
+  const auto applied = [](const std::vector<std::string>& options, const std::string& epoch = "") {
+    std::vector<std::string> arguments = options;
+    arguments.insert(arguments.end(), {"-qpack", "p", "x"});
+    const shell::HostArguments parsed = read(arguments);
+    EXPECT_EQ(parsed.pack.any(), !options.empty());
+    archive::PackSettings settings;
+    const std::string problem = applyOptions(parsed.pack, epoch, settings);
+    return problem.empty() ? ownerOptions(settings) + memberOptions(settings) + settings.outputPath : problem;
+  };
+  const std::string usual = "--owner=500 --group=1 ";
+  using Case = std::pair<std::vector<std::string>, std::string>;
+  for (const auto& [options, result] :
+       {Case{{}, usual}, Case{{"--yes", "--output", "o.tgz"}, usual + read({"o.tgz"}).text},
+        Case{{"--owner", "usr8", "--group", "33"}, "--owner=507 --group=33 "},
+        Case{{"--owner=0", "--group=keep"}, "--owner=0 "}, Case{{"--owner", "keep"}, "--group=1 "},
+        Case{{"--time", "12", "--umask", "0"}, usual + "--mtime=@12 "},
+        Case{{"--umask=0752"}, usual + "--mode=u-rwx,g-rx,o-w "},
+        Case{{"--umask", "788"}, "--umask cannot be '788': an octal number up to 777"},
+        Case{{"--umask", "1000"}, "--umask cannot be '1000': an octal number up to 777"},
+        Case{{"--time", "-1"}, "--time cannot be '-1': seconds since 1970"},
+        Case{{"--time", "99999999999"}, "--time cannot be '99999999999': seconds since 1970"},
+        Case{{"--group", "usr1"}, "--group cannot be 'usr1': a number, or keep"},
+        Case{{"--owner", "7x"}, "--owner cannot be '7x': an account of the terminal, a number, or keep"},
+        Case{{"--output="}, "--output needs a path"}})
+    EXPECT_EQ(applied(options), result);
+  EXPECT_EQ(applied({}, "77"), usual + "--mtime=@77 ");
+  EXPECT_EQ(applied({"--time", "12"}, "bad"), usual + "--mtime=@12 ");
+  EXPECT_EQ(applied({}, "bad"), "SOURCE_DATE_EPOCH cannot be 'bad': seconds since 1970");
+  EXPECT_EQ(read({"--owner"}).pack.owner, "");
+}
+
 TEST(Arguments, OneArgumentAFieldAndOneForAllGiveTheSameRecord) {
   const Texts fields = {"-extract", "C:\\here\\p", "b c.tgz", "D:\\out dir"};
   EXPECT_EQ(parsed({"-extract", "p", "b c.tgz", "/mnt/d/out dir"}).fields, fields);

@@ -111,6 +111,24 @@ TEST_F(PackRunTest, PackingTwiceGivesTheSameBytesAndNeverItself) {
   EXPECT_TRUE(nothingLeft());
 }
 
+TEST_F(PackRunTest, AFixedTimeIsThatOfTheNewestFile) {
+  settings_.newestTime = true;
+  for (const char* name : {"pkg/a", "pkg/sub/b", "pkg/usr8/c"}) {
+    write(name);
+    age(name);
+  }
+  output("touch -d @1000000000 " + host("pkg/usr8/c"));
+  const auto times = [this] {
+    return output("tar -P -tvf " + host("pkg/out.tgz") + " --utc | awk '{ print $4 }' | sort -u");
+  };
+  for (int run = 0; run < 2; ++run) {  // with the earlier archive among the files
+    settings_.outputPath = "C:\\pkg\\out.tgz";
+    EXPECT_EQ(pack({"C:\\pkg", {}, {"a", "sub", "usr8", "out.tgz"}}), JobEnd::Done) << log_.all;
+    EXPECT_EQ(times(), "2001-09-09\n");
+    EXPECT_EQ(log_.all.find("Treating date"), std::string::npos);
+  }
+}
+
 TEST_F(PackRunTest, AFailingRunKeepsTheOldArchive) {
   writeOld();
   EXPECT_EQ(pack(items({"a", "gone"})), JobEnd::Failed);
