@@ -3,6 +3,7 @@
 #include <sys/stat.h>
 
 #include <filesystem>
+#include <iterator>
 
 #include "archive/ListingLine.h"
 #include "platform/HeldName.h"
@@ -71,9 +72,28 @@ ExtractGuard::ExtractGuard(const platform::DriveTable& drives, std::string_view 
 
 void ExtractGuard::noteLink(const GuardedMember& member) {
   if (member.isLink) links_.insert(plainForm(member.name));
+  for (const GuardedMember& reading : member.otherReadings) noteLink(reading);
 }
 
-std::optional<RefusedMember> ExtractGuard::judge(const GuardedMember& member) {
+std::vector<RefusedMember> ExtractGuard::judge(const GuardedMember& member) {
+  std::vector<RefusedMember> refused;
+  std::vector<const GuardedMember*> passed;
+  const auto judgeOne = [&](const GuardedMember& reading) {
+    if (auto verdict = judgeReading(reading))
+      refused.push_back(std::move(*verdict));
+    else
+      passed.push_back(&reading);
+  };
+  judgeOne(member);
+  for (const GuardedMember& reading : member.otherReadings) judgeOne(reading);
+  if (refused.empty()) return refused;
+  const LeftOut reason = refused.front().reason;
+  for (const GuardedMember* const reading : passed)
+    refused.push_back({reading->name, reason, std::string(withoutSlash(reading->name))});
+  return refused;
+}
+
+std::optional<RefusedMember> ExtractGuard::judgeReading(const GuardedMember& member) {
   const std::string_view name = withoutSlash(member.name);
   const auto refused = [&](LeftOut reason, std::string_view exclude) {
     return RefusedMember{member.name, reason, std::string(exclude)};
@@ -136,9 +156,14 @@ std::vector<GuardedMember> membersOf(std::string_view verboseListing) {
   for (const std::string_view line : completeLines(verboseListing)) {
     const auto entry = parseListingLine(line);
     if (!entry) continue;
-    const EntryPath path = splitLinkText(*entry);
-    GuardedMember member{heldName(path.name), entry->isLink(), {}};
-    if (entry->mode.front() == 'h' && path.target) member.hardTarget = heldName(*path.target);
+    const bool isHard = entry->mode.front() == 'h';
+    std::vector<GuardedMember> readings;
+    for (const EntryPath& path : linkReadings(*entry))
+      readings.push_back(
+          {heldName(path.name), entry->isLink(), isHard && path.target ? heldName(*path.target) : ""});
+    GuardedMember member = std::move(readings.front());
+    member.otherReadings.assign(std::make_move_iterator(readings.begin() + 1),
+                                std::make_move_iterator(readings.end()));
     members.push_back(std::move(member));
   }
   return members;

@@ -16,6 +16,8 @@ struct GuardedMember {
   std::string name;
   bool isLink = false;     ///< symbolic or hard
   std::string hardTarget;  ///< where a hard link leads; else empty
+  /// What the line says as well, where a name or a target holds what stands between the two.
+  std::vector<GuardedMember> otherReadings = {};
 };
 
 /// Why a member is left out.
@@ -43,9 +45,11 @@ class ExtractGuard {
 
   /// Links of the archive must be known before anything below them is judged.
   void noteLink(const GuardedMember& member);
-  std::optional<RefusedMember> judge(const GuardedMember& member);
+  /// Empty: it may be extracted. Where one reading of a line is refused, so are all.
+  std::vector<RefusedMember> judge(const GuardedMember& member);
 
  private:
+  std::optional<RefusedMember> judgeReading(const GuardedMember& member);
   enum class Way { Inside, Missing, Outside };
   Way way(const std::string& folder);
   Way lookUp(const std::string& folder) const;

@@ -203,10 +203,12 @@ std::set<std::string> ExtractJob::guardAgainst(const std::vector<GuardedMember>&
   std::vector<RefusedMember> refused;
   std::set<std::string> left;
   for (const GuardedMember& member : members) {
-    const std::string* const cover = coverOf(asked, member.name);
+    const std::string* cover = coverOf(asked, member.name);
+    for (const GuardedMember& reading : member.otherReadings)
+      if (cover == nullptr) cover = coverOf(asked, reading.name);
     if (cover == nullptr) continue;
-    if (auto one = guard.judge(member)) {
-      refused.push_back(std::move(*one));
+    if (auto verdict = guard.judge(member); !verdict.empty()) {
+      std::move(verdict.begin(), verdict.end(), std::back_inserter(refused));
       continue;
     }
     left.insert(*cover);

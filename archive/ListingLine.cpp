@@ -102,13 +102,17 @@ std::optional<ArchiveEntry> parseListingLine(std::string_view line) {
   return byCountingWords(mode, rest);
 }
 
-EntryPath splitLinkText(const ArchiveEntry& entry) {
-  if (!entry.isLink()) return {entry.path, std::nullopt};
+std::vector<EntryPath> linkReadings(const ArchiveEntry& entry) {
+  std::vector<EntryPath> readings;
   const std::string_view arrow = entry.mode.front() == 'l' ? " -> " : " link to ";
-  const std::size_t at = entry.path.find(arrow);
-  if (at == entry.path.npos) return {entry.path, std::nullopt};
-  return {entry.path.substr(0, at), entry.path.substr(at + arrow.size())};
+  std::size_t at = entry.isLink() ? entry.path.find(arrow) : entry.path.npos;
+  for (; at != entry.path.npos; at = entry.path.find(arrow, at + 1))
+    readings.push_back({entry.path.substr(0, at), entry.path.substr(at + arrow.size())});
+  if (readings.empty()) readings.push_back({entry.path, std::nullopt});
+  return readings;
 }
+
+EntryPath splitLinkText(const ArchiveEntry& entry) { return linkReadings(entry).front(); }
 
 std::string heldName(std::string_view printed) {
   return platform::holdName(printed.find('\\') == printed.npos ? std::string(printed)

@@ -3,6 +3,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "runtime/Lines.h"
 
@@ -30,6 +31,9 @@ struct EntryPath {
   std::optional<std::string_view> target;  ///< only for symbolic and hard links
 };
 EntryPath splitLinkText(const ArchiveEntry& entry);
+/// A link's line can be read in as many ways as it holds what stands between the two. The first is that of
+/// splitLinkText.
+std::vector<EntryPath> linkReadings(const ArchiveEntry& entry);
 
 /// A name that tar printed in its escape quoting, in the form that names have inside the program; for several
 /// components too.

@@ -243,11 +243,12 @@ TEST_F(ExtractTest, HostileMembersStayOutOfTheWorld) {
   const std::string out = host("outside");
   write("h.tar", tarOf({"good", "../up", folder("d/"), "d/../../up", "/pakrune-absolute",
                         symlink("link", out), "link/new", "link/kept", hardLink("hard", "../outside/kept"),
-                        "stands/new", symlink("via", "stands"), "via/new", hardLink("to", "stands/kept")}));
+                        "stands/new", symlink("via", "stands"), "via/new", hardLink("to", "stands/kept"),
+                        hardLink("h link to b", "stands/kept")}));
   const std::pair<std::string, Texts> reasons[] = {
       {"its name leads out of the output folder: ", {"../up", "d/../../up", "/pakrune-absolute"}},
       {"it lies below a link: ", {"link/new", "stands/new", "via/new"}},
-      {"it is a hard link to something outside the output folder: ", {"hard", "to"}}};
+      {"it is a hard link to something outside the output folder: ", {"hard", "to", "h link to b"}}};
   for (const bool tree : {true, false}) {
     emptyOut();
     fs::create_directory_symlink(out, host("out/stands"));
