@@ -10,6 +10,12 @@ using runtime::ArchiveKind;
 using runtime::kindLetter;
 using runtime::ToCygwinPath;
 
+platform::RunManner listingManner() {
+  platform::RunManner manner = runtime::mayChange({});
+  manner.tarOptions = "--numeric-owner";
+  return manner;
+}
+
 std::string listCommand(ArchiveKind kind, std::string_view archivePath) {
   if (kind == ArchiveKind::Ipk) return "ar -t " + ToCygwinPath(archivePath);
   return "tar.exe -i -Pt" + kindLetter(kind) + "vf " + ToCygwinPath(archivePath);

@@ -4,11 +4,15 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/Process.h"
 #include "runtime/ArchiveKind.h"
 
 namespace archive {
 
 // The commands that list and unpack an archive. Paths are Windows paths, given quoted in the tools' form.
+
+/// How a listing is run: it changes nothing, and no name of a user or group in the archive gets into a line.
+platform::RunManner listingManner();
 
 /// Names with attributes: "tar.exe -i -Ptzvf ...", "ar -t ...".
 std::string listCommand(runtime::ArchiveKind kind, std::string_view archivePath);

@@ -223,8 +223,8 @@ std::set<std::string> ExtractJob::guardAgainst(const std::vector<GuardedMember>&
 /// nullptr: they could not be listed, which has been told.
 const std::vector<GuardedMember>* ExtractJob::listedMembers() {
   if (members_) return &*members_;
-  const runtime::ToolResult run =
-      services_.api.RunCapture(services_.cygwin.cygwinBin(), listCommand(plan_.kind, plan_.archivePath));
+  const runtime::ToolResult run = services_.api.RunCapture(
+      services_.cygwin.cygwinBin(), listCommand(plan_.kind, plan_.archivePath), {}, listingManner());
   if (stopped() || isBad(run)) return nullptr;
   members_ = membersOf(run.text);
   return &*members_;
@@ -240,8 +240,8 @@ bool ExtractJob::isBad(const runtime::ToolResult& run) const {
 
 /// What stands between an archive and its names: remarks go to the log.
 JobEnd ExtractJob::listNames() {
-  const runtime::ToolResult run =
-      services_.api.RunCapture(services_.cygwin.cygwinBin(), namesCommand(plan_.kind, plan_.archivePath));
+  const runtime::ToolResult run = services_.api.RunCapture(
+      services_.cygwin.cygwinBin(), namesCommand(plan_.kind, plan_.archivePath), {}, listingManner());
   if (stopped()) return JobEnd::Stopped;
   if (!run.ended() && isBad(run)) return JobEnd::Failed;
   std::optional<std::set<std::string_view>> known;

@@ -57,7 +57,7 @@ runtime::ToolResult ExtractRun::runTar() {
 
 runtime::ToolResult ExtractRun::unpack(const std::string& command) {
   ExtractRemains remains(services_, plan_.outFolder, plan_.replaceable);
-  runtime::ToolResult run = services_.api.RunAndWait(command);
+  runtime::ToolResult run = services_.api.RunAndWait(command, {}, runtime::mayChange({plan_.outFolder}));
   if (run.status != platform::notStarted && !run.ended()) remains.clear(run.text);
   return run;
 }
@@ -72,8 +72,8 @@ runtime::ToolResult ExtractRun::runAr() {
   platform::Environment& environment = services_.system.environment;
   const std::string tools = ";" + services_.cygwin.cygwinBin();
   if (!environment.get("Path").ends_with(tools)) environment.set("Path", environment.get("Path") + tools);
-  runtime::ToolResult run =
-      services_.api.RunAndWait(arExtractCommand(plan_.archivePath, plan_.members), place.path());
+  runtime::ToolResult run = services_.api.RunAndWait(arExtractCommand(plan_.archivePath, plan_.members),
+                                                     place.path(), runtime::mayChange({place.path()}));
   if (run.status == 0 && lacksMember(run.text)) run.status = 1;
   if (!run.ended() || moveIn(place.path())) return run;
   run.stopped = services_.system.busy.stopRequested();

@@ -53,7 +53,8 @@ Listing fillTree(const runtime::Services& services, ArchiveKind kind, const std:
                  std::string listing, ListingProgress& progress) {
   runtime::ToolResult sizeRun{"", 0};
   const auto packageSize = [&] {
-    sizeRun = services.api.RunCapture(services.cygwin.cygwinBin(), packageSizeCommand(path));
+    sizeRun =
+        services.api.RunCapture(services.cygwin.cygwinBin(), packageSizeCommand(path), {}, listingManner());
     return sizeRun.text;
   };
   progress.filling();
@@ -75,7 +76,8 @@ Listing fillTree(const runtime::Services& services, ArchiveKind kind, const std:
 Listing listArchive(const runtime::Services& services, ArchiveKind kind, const std::string& path,
                     ListingProgress& progress) {
   if (!toolFound(services, kind)) return {JobEnd::Failed};
-  runtime::ToolResult run = services.api.RunCapture(services.cygwin.cygwinBin(), listCommand(kind, path));
+  runtime::ToolResult run =
+      services.api.RunCapture(services.cygwin.cygwinBin(), listCommand(kind, path), {}, listingManner());
   if (services.system.busy.stopRequested()) return {JobEnd::Stopped};
   const auto problem = listingProblem(run, kind, path, services.system.files);
   if (!problem) return fillTree(services, kind, path, std::move(run.text), progress);

@@ -59,7 +59,8 @@ JobEnd PackRun::run() {
   if (!ready) return fail(problem_);
   const std::string command = tarCommand(plan_.settings, plan_.kind, plan_.mode, plan_.list, listText_,
                                          staging ? staging->tmpFolder() : "", file_);
-  const runtime::ToolResult run = services_.api.RunAndWait(command);
+  const runtime::ToolResult run =
+      services_.api.RunAndWait(command, {}, runtime::mayChangeForAll({place_->path()}));
   staging.reset();
   return finish(run, command);
 }

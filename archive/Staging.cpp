@@ -112,7 +112,8 @@ bool Staging::copyAround(const std::string& name, const std::string& from, const
 
 bool Staging::runCopy(const std::string& listText, const std::string& from, const std::string& to) {
   const std::string command = "cp -rpt " + runtime::ToCygwinPath(to) + ' ' + listText;
-  const runtime::ToolResult run = services_.api.RunCapture(services_.cygwin.cygwinBin(), command, from);
+  const runtime::ToolResult run = services_.api.RunCapture(services_.cygwin.cygwinBin(), command, from,
+                                                           runtime::mayChangeForAll({scratch_.path()}));
   if (run.stopped || services_.system.busy.stopRequested()) return false;
   if (run.good() && run.text.empty()) return true;
   const bool said = !run.text.empty() && run.text != runtime::startFailure;

@@ -1,5 +1,8 @@
 #include "convert/ConvertJob.h"
 
+#include <set>
+
+#include "platform/ResolvedPath.h"
 #include "runtime/MissingTool.h"
 #include "runtime/PathBatches.h"
 
@@ -60,8 +63,20 @@ ConvertResult ConvertJob::run() {
   return {end, skipped_};
 }
 
+/// Those of the files, and of what links among them lead to.
+void ConvertJob::findFolders() {
+  std::set<std::string> folders;
+  for (const std::string& path : items_.paths) {
+    folders.insert(runtime::getFilePath(path));
+    folders.insert(runtime::getFilePath(platform::resolvedFolder(services_.system.drives, path)));
+  }
+  folders.erase("");
+  folders_.assign(folders.begin(), folders.end());
+}
+
 JobEnd ConvertJob::convertAll() {
   if (begun_) begun_();
+  findFolders();
   const std::vector<std::string> batches = runtime::pathBatches(items_.paths);
   for (std::size_t i = 0; i < batches.size(); ++i) {
     const JobEnd end = convertBatch(batches[i]);
@@ -74,7 +89,8 @@ JobEnd ConvertJob::convertAll() {
 }
 
 JobEnd ConvertJob::convertBatch(const std::string& batch) {
-  const runtime::ToolResult run = services_.api.RunCapture(services_.cygwin.cygwinBin(), command + batch);
+  const runtime::ToolResult run = services_.api.RunCapture(services_.cygwin.cygwinBin(), command + batch, {},
+                                                           runtime::mayChange(folders_));
   if (run.stopped) return JobEnd::Stopped;
   if (run.text == runtime::startFailure) return fail("Unable to convert files to unix format");
   if (run.text.find(allDone) == std::string::npos)

@@ -31,6 +31,7 @@ class ConvertJob {
  private:
   bool toolFound() const;
   bool agreed() const;
+  void findFolders();
   runtime::JobEnd convertAll();
   runtime::JobEnd convertBatch(const std::string& batch);
   runtime::JobEnd fail(const std::string& text) const;
@@ -40,6 +41,7 @@ class ConvertJob {
   runtime::Services services_;
   ConvertItems items_;
   std::function<void()> begun_;
+  std::vector<std::string> folders_;
   std::size_t skipped_ = 0;
 };
 

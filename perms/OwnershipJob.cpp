@@ -50,7 +50,8 @@ JobEnd OwnershipJob::run() {
 
 JobEnd OwnershipJob::runBatch(const std::string& batch) const {
   const runtime::ToolResult run =
-      services_.api.RunCapture(services_.cygwin.cygwinBin(), ownership_.command + batch);
+      services_.api.RunCapture(services_.cygwin.cygwinBin(), ownership_.command + batch, {},
+                               runtime::mayChangeForAll({items_.folder}));
   if (run.stopped) return JobEnd::Stopped;
   if (run.good() && run.text.empty()) return JobEnd::Done;
   const std::string tool = ownership_.command.substr(0, ownership_.command.find('.'));

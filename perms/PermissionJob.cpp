@@ -141,7 +141,8 @@ PermissionJob::Went PermissionJob::runStep(const PlanStep& step, std::size_t ite
 
 /// A tool that fails has something to say of it, and a silent failure is one all the same.
 PermissionJob::Went PermissionJob::runTool(const std::string& command, std::string& said) const {
-  const runtime::ToolResult run = services_.api.RunCapture(services_.cygwin.cygwinBin(), command);
+  const runtime::ToolResult run = services_.api.RunCapture(services_.cygwin.cygwinBin(), command, {},
+                                                           runtime::mayChange({items_.folder}));
   if (run.stopped) return Went::Stopped;
   if (run.text == runtime::startFailure) return Went::NotStarted;
   said += run.text;

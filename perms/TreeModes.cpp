@@ -101,8 +101,8 @@ std::optional<std::vector<ItemTree>> treesOf(const runtime::Services& services,
   TreeModesReader reader(services.system.drives, items);
   const auto goesOn = runtime::stepper(services);
   for (const std::string& batch : runtime::pathBatches(items, runtime::asManyAsFit)) {
-    const runtime::ToolResult run =
-        services.api.RunCapture(services.cygwin.cygwinBin(), treeModesCommand(batch, below));
+    const runtime::ToolResult run = services.api.RunCapture(
+        services.cygwin.cygwinBin(), treeModesCommand(batch, below), {}, runtime::mayChangeForAll({}));
     if (!run.ended()) return std::nullopt;  // what it complains of ends it badly, and is no reason
     reader.read(run.text, goesOn);
   }

@@ -12,6 +12,7 @@
 #include <csignal>
 #include <vector>
 
+#include "platform/ConfinementWords.h"
 #include "platform/Signals.h"
 
 namespace platform {
@@ -42,7 +43,8 @@ class SignalsHeld {
 /// Owns what posix_spawn wants beside the texts.
 class SpawnPlan {
  public:
-  SpawnPlan(const std::string& workingFolder, int output) {
+  /// `report`: where a launcher reports; -1 for any other program.
+  SpawnPlan(const std::string& workingFolder, int output, int report) {
     posix_spawnattr_init(&attributes_);
     posix_spawn_file_actions_init(&actions_);
     sigset_t none;
@@ -59,7 +61,9 @@ class SpawnPlan {
     posix_spawn_file_actions_adddup2(&actions_, output, STDOUT_FILENO);
     posix_spawn_file_actions_adddup2(&actions_, STDOUT_FILENO, STDERR_FILENO);
     posix_spawn_file_actions_addopen(&actions_, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    posix_spawn_file_actions_addclosefrom_np(&actions_, STDERR_FILENO + 1);
+    if (report >= 0) posix_spawn_file_actions_adddup2(&actions_, report, reportDescriptor);
+    posix_spawn_file_actions_addclosefrom_np(&actions_,
+                                             report >= 0 ? reportDescriptor + 1 : STDERR_FILENO + 1);
     if (!workingFolder.empty()) posix_spawn_file_actions_addchdir_np(&actions_, workingFolder.c_str());
   }
   ~SpawnPlan() {
@@ -86,6 +90,30 @@ std::vector<char*> pointersTo(const std::vector<std::string>& texts) {
   return pointers;
 }
 
+/// Both ends of a pipe, away from the numbers that a child's descriptors get; none, and errno says why.
+struct ReportPipe {
+  Descriptor ours;
+  Descriptor childs;
+};
+std::optional<ReportPipe> openReport() {
+  int ends[2];
+  if (pipe2(ends, O_CLOEXEC) != 0) return std::nullopt;
+  ReportPipe report{Descriptor(ends[0]), Descriptor(ends[1])};
+  report.childs = Descriptor(fcntl(report.childs.get(), F_DUPFD_CLOEXEC, reportDescriptor + 1));
+  return report.childs ? std::optional(std::move(report)) : std::nullopt;
+}
+
+/// 0 once the tool runs, else the errno of what failed.
+int reported(ReportPipe& report) {
+  report.childs.closeNow();
+  int systemError = 0;
+  ssize_t got = 0;
+  do {
+    got = read(report.ours.get(), &systemError, sizeof systemError);
+  } while (got < 0 && errno == EINTR);
+  return got == sizeof systemError ? systemError : 0;
+}
+
 void wait(int first, int second, int milliseconds) {
   pollfd waited[] = {{first, POLLIN, 0}, {second, POLLIN, 0}};
   poll(waited, 2, milliseconds);  // a signal only makes the wait shorter
@@ -105,11 +133,21 @@ std::optional<ChildProcess> ChildProcess::start(const ChildSettings& settings, F
   const Descriptor input(ends[1]);
   fcntl(output.get(), F_SETPIPE_SZ, pipeSize);  // a smaller one is only slower
   fcntl(output.get(), F_SETFL, O_NONBLOCK);
-  const SpawnPlan plan(settings.workingFolder, input.get());
+  auto report = settings.reports ? openReport() : std::nullopt;
+  if (settings.reports && !report) {
+    failure = Failure::Pipe;
+    systemError = errno;
+    return std::nullopt;
+  }
+  const SpawnPlan plan(settings.workingFolder, input.get(), report ? report->childs.get() : -1);
   const SignalsHeld held;
   pid_t pid = 0;
   systemError = posix_spawn(&pid, settings.program.c_str(), plan.actions(), plan.attributes(),
                             pointersTo(settings.arguments).data(), pointersTo(settings.environment).data());
+  if (systemError == 0 && report) {
+    systemError = reported(*report);
+    if (systemError != 0) waitpid(pid, nullptr, 0);
+  }
   failure = systemError == 0 ? Failure::None : Failure::Start;
   if (systemError != 0) return std::nullopt;
   return ChildProcess(pid, std::move(output));

@@ -17,6 +17,7 @@ struct ChildSettings {
   std::vector<std::string> arguments;  ///< argv[0] first
   std::vector<std::string> environment;
   std::string workingFolder;  ///< empty: this process's own
+  bool reports = false;       ///< it is a launcher, which says at reportDescriptor whether its tool runs
 };
 
 /// A running host program in a process group of its own, which gets the end signals (platform/Signals.h) as
@@ -25,6 +26,7 @@ struct ChildSettings {
 class ChildProcess {
  public:
   enum class Failure { None, Pipe, Start };
+  /// Of a launcher: the start of its tool, which is waited for.
   static std::optional<ChildProcess> start(const ChildSettings& settings, Failure& failure, int& systemError);
   ChildProcess(ChildProcess&& other) noexcept;
   ChildProcess& operator=(ChildProcess&&) = delete;

@@ -10,12 +10,13 @@ namespace platform {
 namespace {
 
 constexpr std::string_view pathName = "PATH";
+constexpr std::string_view tarOptionsName = "TAR_OPTIONS";
 
 /// What the tools' output depends on is ours to say.
 constexpr std::array<std::pair<std::string_view, std::string_view>, 3> ours = {{
     {"LC_ALL", "C.UTF-8"},
     {"QUOTING_STYLE", "escape"},
-    {"TAR_OPTIONS", "--sort=name --no-unquote"},
+    {tarOptionsName, "--sort=name --no-unquote"},
 }};
 /// The zone that a tool takes anyway. Said by name, it is read once, and not looked at for every line of a
 /// listing, which takes a quarter of tar's time.
@@ -125,12 +126,16 @@ void Environment::set(std::string_view name, std::string_view value) {
     found->second = value;
 }
 
-std::vector<std::string> Environment::forChild() const {
+std::vector<std::string> Environment::forChild(std::string_view furtherTarOptions) const {
   std::vector<std::string> texts;
   for (const auto& [name, value] : values_) {
     if (passedOn(name)) texts.push_back(name + '=' + (name == pathName ? toHostPath(drives_, value) : value));
   }
-  for (const auto& [name, value] : ours) texts.push_back(std::string(name).append("=").append(value));
+  for (const auto& [name, value] : ours) {
+    texts.push_back(std::string(name).append("=").append(value));
+    if (name == tarOptionsName && !furtherTarOptions.empty())
+      texts.back().append(" ").append(furtherTarOptions);
+  }
   if (findName(values_, "TZ") == values_.end()) texts.emplace_back(systemZone);
   return texts;
 }

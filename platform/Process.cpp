@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <chrono>
 #include <cstdint>
+#include <iterator>
 
 #include "platform/ChildProcess.h"
 #include "platform/HeldName.h"
@@ -137,6 +138,19 @@ std::optional<std::string> HostCommandRunner::findProgram(std::string_view word,
   return findProgramIn(drives_, folders, {name, name + std::string(exe)});
 }
 
+/// Puts the launcher in front, where there is one. False: what may be changed is not there.
+bool HostCommandRunner::launched(ChildSettings& settings, const MayChange& mayChange) const {
+  if (confinement_ == nullptr) return true;
+  auto words = confinement_->wordsBefore(settings.program, mayChange, drives_, true);
+  if (!words) return false;
+  if (words->empty()) return true;
+  settings.program = words->front();
+  settings.reports = true;
+  settings.arguments.insert(settings.arguments.begin(), std::make_move_iterator(words->begin()),
+                            std::make_move_iterator(words->end()));
+  return true;
+}
+
 /// nullopt: not started, and `result` says why.
 std::optional<ChildProcess> HostCommandRunner::start(const StartRequest& request, RunResult& result) const {
   std::vector<std::string> arguments = splitCommandLine(request.commandLine);
@@ -152,10 +166,14 @@ std::optional<ChildProcess> HostCommandRunner::start(const StartRequest& request
     result.systemError = EINVAL;
     return std::nullopt;
   }
+  ChildSettings settings{*program, std::move(arguments), environment_.forChild(request.manner.tarOptions),
+                         folder.value_or("")};
+  if (request.manner.mayChange && !launched(settings, *request.manner.mayChange)) {
+    result.systemError = ENOENT;
+    return std::nullopt;
+  }
   ChildProcess::Failure failure{};
-  auto child =
-      ChildProcess::start({*program, std::move(arguments), environment_.forChild(), folder.value_or("")},
-                          failure, result.systemError);
+  auto child = ChildProcess::start(settings, failure, result.systemError);
   result.pipeFailed = failure == ChildProcess::Failure::Pipe;
   return child;
 }

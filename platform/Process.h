@@ -6,12 +6,14 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/Confinement.h"
 #include "platform/DriveTable.h"
 #include "platform/Environment.h"
 
 namespace platform {
 
 class ChildProcess;
+struct ChildSettings;
 
 constexpr int notStarted = -1;
 
@@ -29,10 +31,17 @@ struct RunResult {
 /// globbed and no shell is involved.
 std::vector<std::string> splitCommandLine(std::string_view commandLine);
 
+/// What holds for a run besides its command.
+struct RunManner {
+  std::optional<MayChange> mayChange = {};  ///< confined to it, as far as the system can; none: not confined
+  std::string tarOptions = {};              ///< further ones for the environment
+};
+
 struct StartRequest {
   std::string commandLine;    ///< one text, tool name first
   std::string workingFolder;  ///< Windows form; the child's
   std::string toolFolder;     ///< Windows form, may be empty; where the tools are, a step of the look-up
+  RunManner manner = {};
 };
 
 /// Receives output as it arrives (visible runs), also what a tool still wrote while it was ended.
@@ -60,6 +69,8 @@ class CommandRunner {
 class HostCommandRunner : public CommandRunner {
  public:
   HostCommandRunner(const DriveTable& drives, const Environment& environment, std::string programFolder);
+  /// From now on tools are confined as their runs say; lent for as long as this object lives.
+  void confine(const Confinement& confinement) { confinement_ = &confinement; }
 
   RunResult capture(const StartRequest& request, const WaitStep& step = {}) override;
   RunResult runVisible(const StartRequest& request, const OutputSink& sink, const WaitStep& step) override;
@@ -68,9 +79,11 @@ class HostCommandRunner : public CommandRunner {
 
  private:
   std::optional<ChildProcess> start(const StartRequest& request, RunResult& result) const;
+  bool launched(ChildSettings& settings, const MayChange& mayChange) const;
   const DriveTable& drives_;
   const Environment& environment_;
   std::string programFolder_;
+  const Confinement* confinement_ = nullptr;
 };
 
 }  // namespace platform

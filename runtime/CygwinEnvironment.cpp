@@ -56,7 +56,7 @@ void CygwinEnvironment::FindCygwinRoot() {
 
 bool CygwinEnvironment::toolStarts(const std::string& bin, const std::string& tool) {
   return system_.files.fullName(withTrailingBackslash(bin) + tool) == tool &&
-         api_.RunCapture(bin, tool).text != startFailure;
+         api_.RunCapture(bin, tool, {}, mayChange({})).text != startFailure;
 }
 
 bool CygwinEnvironment::rootWorks(const std::string& root) {

@@ -31,7 +31,8 @@ void reportChmod(Log& log, const std::string& said) {
 bool testOn(const Services& services, const std::string& path) {
   const std::string& bin = services.cygwin.cygwinBin();
   const std::string cygwinPath = ToCygwinPath(path);
-  const ToolResult chmod = services.api.RunCapture(bin, "chmod.exe 777 " + cygwinPath);
+  const ToolResult chmod =
+      services.api.RunCapture(bin, "chmod.exe 777 " + cygwinPath, {}, mayChange({getFilePath(path)}));
   if (chmod.stopped) return true;
   if (const std::string wrong = wrongWith(chmod); !wrong.empty()) {
     reportChmod(services.log, wrong);

@@ -53,6 +53,14 @@ std::string withoutTrailingBackslash(std::string_view path) {
   return std::string(path);
 }
 
+platform::RunManner mayChange(std::vector<std::string> folders) {
+  return {{{std::move(folders), false}}, {}};
+}
+
+platform::RunManner mayChangeForAll(std::vector<std::string> folders) {
+  return {{{std::move(folders), true}}, {}};
+}
+
 modAPI::modAPI(platform::System system, UserInterface& user) : system_(system), user_(user) {}
 
 /// A tool that got the signal itself may be gone before anybody ended it.
@@ -64,7 +72,7 @@ ToolResult modAPI::finished(platform::RunResult raw) const {
 }
 
 ToolResult modAPI::RunCapture(const std::string& toolFolder, const std::string& commandLine,
-                              const std::string& workingFolder) {
+                              const std::string& workingFolder, const platform::RunManner& manner) {
   const platform::Busy::Scope busy(system_.busy);
   SetCurDir(toolFolder);
   user_.letEventsRun();
@@ -72,7 +80,7 @@ ToolResult modAPI::RunCapture(const std::string& toolFolder, const std::string& 
   if (stop.requested()) return finished({"", platform::notStarted, 0, false, true});
   if (!startsToolsDirectly(osVersion_)) return finished({});
   platform::RunResult raw = system_.runner.capture(
-      {commandLine, workingFolder.empty() ? toolFolder : workingFolder, toolFolder}, [this, &stop] {
+      {commandLine, workingFolder.empty() ? toolFolder : workingFolder, toolFolder, manner}, [this, &stop] {
         user_.letEventsRun();
         return !stop.requested();
       });
@@ -83,7 +91,8 @@ ToolResult modAPI::RunCapture(const std::string& toolFolder, const std::string& 
   return finished(std::move(raw));
 }
 
-ToolResult modAPI::RunAndWait(const std::string& commandLine, const std::string& workingFolder) {
+ToolResult modAPI::RunAndWait(const std::string& commandLine, const std::string& workingFolder,
+                              const platform::RunManner& manner) {
   const platform::Busy::Scope busy(system_.busy);
   const platform::Stop stop = system_.busy.stop();
   if (stop.requested()) return finished({"", platform::notStarted, 0, false, true});
@@ -91,7 +100,7 @@ ToolResult modAPI::RunAndWait(const std::string& commandLine, const std::string&
   user_.consoleOpened(firstWord(commandLine));
   // The tools come first in PATH; the current folder may be the user's, where no program is looked for.
   platform::RunResult raw = system_.runner.runVisible(
-      {commandLine, workingFolder.empty() ? currentFolder_ : workingFolder, ""},
+      {commandLine, workingFolder.empty() ? currentFolder_ : workingFolder, "", manner},
       [this, &text](std::string_view bytes) {
         text += bytes;
         user_.consoleOutput(bytes);

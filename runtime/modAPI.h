@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "platform/System.h"
 #include "runtime/ToolResult.h"
@@ -23,6 +24,11 @@ std::string getFilePath(std::string_view path);  ///< up to and including the la
 std::string withTrailingBackslash(std::string_view path);
 std::string withoutTrailingBackslash(std::string_view path);  ///< a root keeps its own
 
+/// A run that may change what lies below some folders (Windows paths; none: it changes nothing).
+platform::RunManner mayChange(std::vector<std::string> folders);
+/// The same for one that sees or sets owners and groups besides the user's own.
+platform::RunManner mayChangeForAll(std::vector<std::string> folders);
+
 /// The program's wrappers around the operating system: starting tools and the current folder.
 class modAPI {
  public:
@@ -33,10 +39,11 @@ class modAPI {
   /// A run whose output is wanted. When no pipe could be made its text is empty (a box said so). `toolFolder`
   /// becomes and stays the current folder. An empty working folder means the tool folder.
   ToolResult RunCapture(const std::string& toolFolder, const std::string& commandLine,
-                        const std::string& workingFolder = {});
+                        const std::string& workingFolder = {}, const platform::RunManner& manner = {});
 
   /// A run in a visible console that is waited for.
-  ToolResult RunAndWait(const std::string& commandLine, const std::string& workingFolder = {});
+  ToolResult RunAndWait(const std::string& commandLine, const std::string& workingFolder = {},
+                        const platform::RunManner& manner = {});
 
   /// True when the tool's file (and its folder) is there; nothing is started.
   bool ProbeTool(const std::string& toolPath) const;

@@ -40,6 +40,11 @@ Host::Host()
   if (!caller.empty()) callerFolder = drives.toWindows(caller);
 }
 
+void Host::confineTools() {
+  confinement.emplace(hostProgramFolder() + "/bin/confine");
+  runner.confine(*confinement);
+}
+
 Program::Program(platform::System host, std::string exePath, runtime::UserInterface& whoever)
     : system(host),
       user(whoever),

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -29,6 +30,9 @@ struct Host {
   platform::UserSettings userSettings;
   platform::HostCommandRunner runner;
   platform::Busy busy;
+  std::optional<platform::Confinement> confinement;
+
+  void confineTools();  ///< before the first tool runs; finds out what the system offers for it
 
   platform::System system() { return {drives, files, environment, registry, userSettings, runner, busy}; }
 };
@@ -47,8 +51,9 @@ struct Program {
   runtime::CygwinEnvironment cygwin;
   bool isAdmin = true;
   runtime::Selection selection;
-  PackOptions packOptions;  ///< of a quick pack
-  int exitStatus = 0;       ///< of a run that ends by itself: 1 when it was refused or has failed
+  std::string confinementNote;  ///< what tools are not kept from, for the log; empty: nothing is missing
+  PackOptions packOptions;      ///< of a quick pack
+  int exitStatus = 0;           ///< of a run that ends by itself: 1 when it was refused or has failed
 
   runtime::Services services() { return {system, api, cygwin, user, log, settings}; }
 };

@@ -69,6 +69,7 @@ bool isQuiet(Form form) { return form == Form::QuickPack || form == Form::Extrac
 int runBatch(shell::Host& host, const CommandLine& commandLine, const shell::HostArguments& arguments) {
   const bool yes = arguments.yes;
   shell::BatchUser user(yes);
+  host.confineTools();
   shell::Program program(host.system(), host.programFolder, user);
   program.packOptions = arguments.pack;
   program.log.setOnEntry([](const std::string& entry) { std::cerr << platform::shownName(entry) << '\n'; });
@@ -86,9 +87,11 @@ int runWindows(shell::Host& host, const CommandLine& commandLine, const shell::H
   QApplication::setApplicationName(QString::fromLatin1(runtime::programTitle));
   QApplication::setQuitOnLastWindowClosed(false);
   shell::DesktopUser user(host.busy, arguments.yes && isQuiet(commandLine.form));
+  host.confineTools();
   shell::Program program(host.system(), host.programFolder, user);
   program.packOptions = arguments.pack;
   platform::desktop::DesktopFilePickers pickers(host.drives);
+  program.confinementNote = host.confinement->missing();
   platform::desktop::Gate gate(host.busy);
   shell::frmMain window(program, pickers);
   QObject::connect(&gate, &platform::desktop::Gate::endWanted, &window, &shell::frmMain::endProgram);

@@ -152,6 +152,19 @@ wait
 [ "$(wc -l <"$world/made")" = 1 ] || fail "an archive was lost: $(cat "$world/made")"
 rm pkg/usr8/set.tgz
 
+# A tool that has been taken over writes where its run may, and nowhere else, as far as the system can see to it.
+taken=$world/taken
+mkdir -p "$taken" && cp "$1/pakrune" "$taken/" && cp -r "$1/bin" "$taken/bin"
+printf '#!/bin/sh\n(echo x >"%s") 2>/dev/null\n(echo y >>"%s/outside") 2>/dev/null\nexec /usr/bin/tar "$@"\n' "$HOME/outside" "$HOME/free" >"$world/tar"
+mkdir -p free
+install -m 755 "$world/tar" "$taken/bin/tar.exe.new" && mv "$taken/bin/tar.exe.new" "$taken/bin/tar.exe"
+if "$1/bin/confine" --parent=$$ --landlock --write="$HOME/free" -- "$1/bin/confine" confine --probe 2>/dev/null; then
+  pakrune=$taken/pakrune run 0 --yes -extract pkg pkg.tgz free/new
+  cmp pkg/a.txt free/new/a.txt || fail "not what was packed"
+  pakrune=$taken/pakrune run 0 --yes --output "$HOME/free/new.tgz" -qpack pkg a.txt
+  [ ! -e outside ] && [ ! -e free/outside ] || fail "a tool wrote outside of its run's folders"
+fi
+
 chmod 000 pkg/a.txt
 mkdir -p full && cp pkg/-x full/y
 if [ "$(id -u)" != 0 ]; then run 1 --yes -qpack pkg a.txt "b c"; fi

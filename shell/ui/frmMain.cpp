@@ -56,6 +56,7 @@ frmMain::~frmMain() { program_.log.setOnEntry({}); }
 
 bool frmMain::Load(const CommandLine& commandLine) {
   program_.log.start();
+  if (!program_.confinementNote.empty()) program_.log.append(' ' + program_.confinementNote);
   connectLog();
   return StartUp(*this).run(commandLine);
 }

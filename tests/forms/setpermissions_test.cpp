@@ -167,6 +167,7 @@ TEST_F(PermissionsFormTest, CancelStopsARunAndTheFilling) {
   person_.onEvents = {};
   EXPECT_TRUE(waited);
   EXPECT_FALSE(form_->isVisible() || find<QFrame>("frameWait")->isVisible());
+  tool("ls.exe", "exec /usr/bin/ls \"$@\"");
   open({"a"});
   find<QPushButton>("cmdCancel")->click();
   EXPECT_FALSE(form_->isVisible());
