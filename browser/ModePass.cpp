@@ -46,9 +46,11 @@ std::string complaintOf(const std::vector<std::string_view>& complaints, const s
 
 }  // namespace
 
+std::string listedName(const std::string& name) { return '"' + passed(name) + "\" "; }
+
 std::string modeCommand(std::span<const std::string> names) {
   std::string command = "ls.exe -lnd --sort=none --group-directories-first ";
-  for (const std::string& name : names) command += '"' + passed(name) + "\" ";
+  for (const std::string& name : names) command += listedName(name);
   return command;
 }
 
@@ -76,6 +78,14 @@ BatchModes modesOf(std::string_view output, std::span<const std::string> names) 
   }
   batch.complaints = complaints.size();
   return batch;
+}
+
+std::string_view lineOf(std::string_view output, const std::string& name) {
+  const std::string wanted = platform::releaseName(passed(name));
+  std::string_view last;
+  for (const std::string_view line : runtime::completeLines(output))
+    if (!line.starts_with(speaker) && nameOf(line) == wanted) last = line;
+  return last;
 }
 
 }  // namespace browser

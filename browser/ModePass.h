@@ -10,8 +10,11 @@ namespace browser {
 
 constexpr std::size_t modeBatch = 200;  ///< names of one run
 
-/// The command that asks for the modes of some names of one folder, which is its working folder. A name that
-/// begins with "-" is passed as "./-name", so that it is no option.
+/// A name of the working folder as an argument of `ls`, and the blank behind it. One that begins with "-" is
+/// passed as "./-name", so that it is no option.
+std::string listedName(const std::string& name);
+
+/// The command that asks for the modes of some names of one folder, which is its working folder.
 std::string modeCommand(std::span<const std::string> names);
 
 /// What a run told of its names.
@@ -24,5 +27,8 @@ struct BatchModes {
 /// A name's mode is that of the line which ends in the name as `ls` prints it; lines come in the order of the
 /// names. A name without a line gets the first 10 characters of the complaint that names it.
 BatchModes modesOf(std::string_view output, std::span<const std::string> names);
+
+/// The last line that ends in a name as `ls` prints it; empty when there is none.
+std::string_view lineOf(std::string_view output, const std::string& name);
 
 }  // namespace browser

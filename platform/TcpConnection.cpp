@@ -10,12 +10,11 @@
 #include <array>
 #include <atomic>
 #include <cerrno>
-#include <csignal>
 #include <cstring>
 #include <optional>
 #include <system_error>
-#include <thread>
 
+#include "platform/BackgroundThread.h"
 #include "platform/InternetAddress.h"
 
 namespace platform {
@@ -41,22 +40,6 @@ std::optional<std::uint32_t> firstAddress(const std::string& name) {
   return number;
 }
 
-/// A thread of its own without a say in the end signals, which belong to the main one.
-template <typename Work>
-void startDetached(Work work) {
-  sigset_t all;
-  sigset_t before;
-  sigfillset(&all);
-  pthread_sigmask(SIG_SETMASK, &all, &before);
-  try {
-    std::thread(std::move(work)).detach();
-  } catch (...) {
-    pthread_sigmask(SIG_SETMASK, &before, nullptr);
-    throw;
-  }
-  pthread_sigmask(SIG_SETMASK, &before, nullptr);
-}
-
 }  // namespace
 
 struct TcpConnection::Lookup {
@@ -79,7 +62,7 @@ void TcpConnection::connectTo(const std::string& host, const std::string& port) 
   if (isDigitsAndDots(host)) return fail(EINVAL);
   lookup_ = std::make_shared<Lookup>();
   try {
-    startDetached([lookup = lookup_, host] {
+    startInBackground([lookup = lookup_, host] {
       lookup->address = firstAddress(host);
       lookup->done = true;
     });

@@ -35,7 +35,11 @@ double pixelsPerTwip(const QWidget& widget) {
 }
 
 void applyLayout(QWidget& root, const Layout& layout, double scale) {
-  for (const auto& [name, rect] : layout.rects()) {
+  applyRects(root, layout.rects(), scale);
+}
+
+void applyRects(QWidget& root, const std::map<std::string, Rect, std::less<>>& rects, double scale) {
+  for (const auto& [name, rect] : rects) {
     const auto widgets = root.findChildren<QWidget*>(widgetName(name));
     for (QWidget* widget : widgets)
       if (widget->window() == root.window()) widget->setGeometry(pixelRect(rect, scale));

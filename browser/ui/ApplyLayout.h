@@ -15,6 +15,9 @@ double pixelsPerTwip(const QWidget& widget);
 /// left out. `root` is the area below the menu bar. The file pane's rectangle places both of its views.
 void applyLayout(QWidget& root, const Layout& layout, double pixelsPerTwip);
 
+/// The same for other rectangles by name.
+void applyRects(QWidget& root, const std::map<std::string, Rect, std::less<>>& rects, double pixelsPerTwip);
+
 /// The layout for a main window of that many pixels (menu bar included).
 void resizeLayout(Layout& layout, QSize window, bool logShown, double pixelsPerTwip);
 
