@@ -1,59 +1,49 @@
 #include "platform/ShellOpen.h"
 
-#include <fcntl.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
-#include <cerrno>
-#include <csignal>
 #include <string>
 
+#include "platform/Ascii.h"
+#include "platform/DetachedStart.h"
 #include "platform/ProgramLookup.h"
 
 namespace platform {
 namespace {
 
 constexpr const char* opener = "xdg-open";
+constexpr const char* helpViewer = "hh.exe";
+constexpr std::string_view helpExtension = ".chm";
 
-/// In a forked child: only what may stand between fork and exec.
-[[noreturn]] void becomeOpener(const char* program, const char* path, const char* folder) {
-  sigset_t none;
-  sigemptyset(&none);
-  pthread_sigmask(SIG_SETMASK, &none, nullptr);
-  for (const int number : {SIGINT, SIGTERM, SIGHUP, SIGPIPE, SIGCHLD}) signal(number, SIG_DFL);
-  const int nowhere = open("/dev/null", O_RDWR);
-  for (const int standard : {STDIN_FILENO, STDOUT_FILENO, STDERR_FILENO}) dup2(nowhere, standard);
-  closefrom(STDERR_FILENO + 1);
-  if (*folder == '\0' || chdir(folder) == 0) execl(program, opener, path, nullptr);
-  _exit(1);
-}
+/// A path and, of a help file, the page that is wanted.
+struct Target {
+  std::string_view path;
+  std::string_view page;  // with the "::" in front; or empty
+  bool isHelp = false;
+};
 
-/// The middle child ends at once, so that the opener is nobody's to wait for.
-bool startDetached(const char* program, const char* path, const char* folder) {
-  const pid_t middle = fork();
-  if (middle == 0) {
-    setsid();
-    const pid_t last = fork();
-    if (last == 0) becomeOpener(program, path, folder);
-    _exit(last > 0 ? 0 : 1);
-  }
-  if (middle < 0) return false;
-  int status = 0;
-  while (waitpid(middle, &status, 0) < 0 && errno == EINTR) {
-  }
-  return status == 0;
+Target targetOf(std::string_view text) {
+  const std::string lower = lowerAscii(text);
+  if (lower.ends_with(helpExtension)) return {text, {}, true};
+  const std::size_t at = lower.rfind(std::string(helpExtension) + "::/");
+  if (at == lower.npos) return {text, {}, false};
+  const std::size_t end = at + helpExtension.size();
+  return {text.substr(0, end), text.substr(end), true};
 }
 
 }  // namespace
 
 bool shellOpen(const DriveTable& drives, const Environment& environment, std::string_view windowsPath,
-               std::string_view workingFolder) {
-  const auto path = drives.toHost(windowsPath);
+               std::string_view workingFolder, std::string_view viewers) {
+  const Target target = viewers.empty() ? Target{windowsPath, {}} : targetOf(windowsPath);
+  const auto path = drives.toHost(target.path);
   const auto folder = drives.toHost(workingFolder);
-  const auto program = findProgramIn(drives, environment.pathEntries(), {opener});
-  if (!path || !program || access(path->c_str(), F_OK) != 0 || access(program->c_str(), X_OK) != 0)
-    return false;
-  return startDetached(program->c_str(), path->c_str(), folder ? folder->c_str() : "");
+  const auto program = target.isHelp ? findProgramIn(drives, {std::string(viewers)}, {helpViewer})
+                                     : findProgramIn(drives, environment.pathEntries(), {opener});
+  if (!path || !program || access(path->c_str(), F_OK) != 0) return false;
+  const std::string argument = *path + std::string(target.page);
+  return startDetached(
+             {*program, {*program, argument}, usersEnvironment(), folder.value_or(std::string())}) == 0;
 }
 
 }  // namespace platform

@@ -8,9 +8,11 @@
 namespace platform {
 
 /// Opens a file or folder with the desktop's default handler (xdg-open, found in PATH), which is not waited
-/// for and outlives the program. It gets the user's own environment, not the tools'. False when the path
-/// names nothing or no handler can be started. `workingFolder` (Windows form) may be empty.
+/// for and outlives the program. It gets the user's own environment, not the tools'. A help file (".chm" in
+/// any case, and behind it maybe a page: "C:\Pakrune.chm::/packing.html") is opened by hh.exe of `viewers`
+/// instead. False when the path names nothing or what opens it cannot be started. `workingFolder` and
+/// `viewers` (Windows form) may be empty; without the latter a help file is a file like any other.
 bool shellOpen(const DriveTable& drives, const Environment& environment, std::string_view windowsPath,
-               std::string_view workingFolder);
+               std::string_view workingFolder, std::string_view viewers = {});
 
 }  // namespace platform

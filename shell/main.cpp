@@ -13,6 +13,7 @@
 #include "shell/BatchUser.h"
 #include "shell/CommandLine.h"
 #include "shell/ui/DesktopUser.h"
+#include "shell/ui/HelpKey.h"
 #include "shell/ui/frmMain.h"
 
 namespace {
@@ -91,6 +92,8 @@ int runWindows(shell::Host& host, const CommandLine& commandLine, const shell::H
   shell::Program program(host.system(), host.programFolder, user);
   program.packOptions = arguments.pack;
   platform::desktop::DesktopFilePickers pickers(host.drives);
+  platform::desktop::DesktopFilePickers pickers(host.drives);
+  const shell::HelpKey helpKey(program);
   program.confinementNote = host.confinement->missing();
   platform::desktop::Gate gate(host.busy);
   shell::frmMain window(program, pickers);

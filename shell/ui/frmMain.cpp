@@ -9,18 +9,16 @@
 #include "convert/ConvertJob.h"
 #include "download/ui/frmNetloader.h"
 #include "perms/ui/frmOwner.h"
-#include "platform/ShellOpen.h"
 #include "platform/SystemInfo.h"
 #include "platform/desktop/Text.h"
 #include "shell/ui/StartUp.h"
 #include "shell/ui/frmAbout.h"
+#include "shell/ui/HelpKey.h"
 #include "shell/ui/frmOptions.h"
 #include "ui_frmMain.h"
 
 namespace shell {
 namespace {
-
-constexpr const char* helpFile = "Pakrune.chm";
 
 std::string adminReport() {
   if (runtime::GetOSVersion(platform::systemVersion()) != "NT")
@@ -134,11 +132,7 @@ void frmMain::mnuAdmin_Click() {
   program_.user.message(adminReport(), runtime::Buttons::Ok, runtime::Icon::None);
 }
 
-void frmMain::mnuContent_Click() {
-  const std::string& folder = program_.cygwin.GetEXEPath();
-  if (!platform::shellOpen(program_.system.drives, program_.system.environment, folder + helpFile, folder))
-    program_.log.append(" Unable to open: " + folder + helpFile);
-}
+void frmMain::mnuContent_Click() { openHelp(program_, this); }
 
 void frmMain::mnuAbout_Click() {
   auto* about = new frmAbout(this);

@@ -265,6 +265,30 @@ TEST_F(ProcessTest, ShellOpenStartsTheHandlerAndLeavesNothingBehind) {
   EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
 }
 
+TEST_F(ProcessTest, AHelpFileIsOpenedByItsViewer) {
+  const std::string viewers = drives_.toWindows(host("path"));
+  const auto opens = [this](const std::string& what, const std::string& viewersAt) {
+    return platform::shellOpen(drives_, environment_, what, "C:\\", viewersAt);
+  };
+  std::ofstream(host("disk/x.CHM")) << "";
+  EXPECT_FALSE(opens("C:\\x.CHM", viewers)) << "it is not there";
+  for (const char* program : {"hh.exe", "xdg-open"})
+    script(std::string("path/") + program, "printf '%s %s' \"${0##*/}\" \"$1\" >'" + host("new") + "'; mv '" +
+                                               host("new") + "' '" + host("opened") + "'");
+  EXPECT_FALSE(opens("C:\\y.chm::/a.html", viewers));
+  const struct {
+    std::string page, viewers, program;
+  } cases[] = {{"", viewers, "hh.exe"}, {"::/a.html#b", viewers, "hh.exe"}, {"", "", "xdg-open"}};
+  for (const auto& one : cases) {
+    EXPECT_TRUE(opens("C:\\x.CHM" + one.page, one.viewers));
+    ASSERT_TRUE(appears("opened"));
+    std::string text;
+    std::getline(std::ifstream(host("opened")), text);
+    EXPECT_EQ(text, one.program + " " + host("disk/x.CHM") + one.page);
+    fs::remove(host("opened"));
+  }
+}
+
 TEST(SystemInfoTest, VariablesSpeakForTheSystem) {
   const auto version = [](const char* text) {
     setenv("PAKRUNE_WINVER", text, 1);
