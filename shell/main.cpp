@@ -69,8 +69,8 @@ bool isQuiet(Form form) { return form == Form::QuickPack || form == Form::Extrac
 
 int runBatch(shell::Host& host, const CommandLine& commandLine, const shell::HostArguments& arguments) {
   const bool yes = arguments.yes;
-  shell::BatchUser user(yes);
   host.confineTools();
+  shell::BatchUser user(yes);
   shell::Program program(host.system(), host.programFolder, user);
   program.packOptions = arguments.pack;
   program.log.setOnEntry([](const std::string& entry) { std::cerr << platform::shownName(entry) << '\n'; });
@@ -87,14 +87,13 @@ int runWindows(shell::Host& host, const CommandLine& commandLine, const shell::H
   QApplication application(one, names);
   QApplication::setApplicationName(QString::fromLatin1(runtime::programTitle));
   QApplication::setQuitOnLastWindowClosed(false);
-  shell::DesktopUser user(host.busy, arguments.yes && isQuiet(commandLine.form));
   host.confineTools();
+  shell::DesktopUser user(host.busy, arguments.yes && isQuiet(commandLine.form));
   shell::Program program(host.system(), host.programFolder, user);
   program.packOptions = arguments.pack;
-  platform::desktop::DesktopFilePickers pickers(host.drives);
+  program.confinementNote = host.confinement->missing();
   platform::desktop::DesktopFilePickers pickers(host.drives);
   const shell::HelpKey helpKey(program);
-  program.confinementNote = host.confinement->missing();
   platform::desktop::Gate gate(host.busy);
   shell::frmMain window(program, pickers);
   QObject::connect(&gate, &platform::desktop::Gate::endWanted, &window, &shell::frmMain::endProgram);

@@ -1,5 +1,8 @@
 #include "shell/ui/PaneMenu.h"
 
+#include "browser/ui/frmProperties.h"
+#include "platform/StartProgram.h"
+#include "platform/desktop/WaitCursor.h"
 #include "shell/ui/frmMain.h"
 
 namespace shell {
@@ -29,6 +32,8 @@ std::vector<platform::desktop::Action> PaneMenu::rows() {
       {"mnuRightClick_1", [this] { download(&frmMain::mnuSerial_Click); }, oneFile},
       {"mnuRightClick_2", [this] { download(&frmMain::mnuNetwork_Click); }, oneFile},
       {"mnuRightClick_4", [this] { window_.refreshKeepList(); }},
+      {"mnuRightClick_6", [this] { openContainingFolder(); }},
+      {"mnuRightClick_0", [this] { showProperties(); }},
   };
 }
 
@@ -44,6 +49,30 @@ void PaneMenu::download(void (frmMain::*how)()) {
       count > 1 ? "Error: Too many files selected.\rPlease select only one file to download."
                 : "Error: No files selected.\rPlease select a file to download first.",
       runtime::Buttons::Ok, runtime::Icon::Critical, cannotDownload);
+}
+
+/// What is said and what is counted are of one moment.
+void PaneMenu::showProperties() {
+  const runtime::Services services = window_.program().services();
+  const runtime::Selection selection = window_.program().selection;
+  const std::string folder = window_.GetDir1Path();
+  const std::vector<std::string> rows = window_.paneItems();
+  std::optional<browser::PropertiesRecord> record;
+  {
+    const platform::desktop::WaitCursor hourglass;
+    record = browser::propertiesOf(services, selection, folder, rows);
+  }
+  if (record)
+    browser::frmProperties(services, *record, browser::itemsOf(selection, folder, rows), &window_).exec();
+}
+
+void PaneMenu::openContainingFolder() {
+  const runtime::Services services = window_.program().services();
+  const std::string folder = window_.browsing().dir1Path();
+  const std::string problem =
+      platform::startProgram(services.system.drives, services.system.environment,
+                             {"explorer " + folder, folder, services.cygwin.GetEXEPath()});
+  if (!problem.empty()) services.log.append(" Unable to open: " + folder + " (" + problem + ")");
 }
 
 }  // namespace shell

@@ -8,12 +8,14 @@
 #include "browser/ui/ApplyLayout.h"
 #include "convert/ConvertJob.h"
 #include "download/ui/frmNetloader.h"
+#include "download/ui/frmPortErr.h"
+#include "download/ui/frmWDXOptions.h"
 #include "perms/ui/frmOwner.h"
 #include "platform/SystemInfo.h"
 #include "platform/desktop/Text.h"
+#include "shell/ui/HelpKey.h"
 #include "shell/ui/StartUp.h"
 #include "shell/ui/frmAbout.h"
-#include "shell/ui/HelpKey.h"
 #include "shell/ui/frmOptions.h"
 #include "ui_frmMain.h"
 
@@ -82,6 +84,7 @@ void frmMain::wireActions() {
            [this] { return undo_ && !undo_->entries.empty(); }},
           {"mnuShowLog", [this] { mnuShowLog_Click(); }, {}, WhileBusy::Acts},
           {"mnuOptions", [this] { frmOptions(program_.services(), this).exec(); }},
+          {"mnuwdxoptions", [this] { showfrmWDXOptions(sendFilePath_); }},
           {"mnuDownload", {}, mayDownload},
           {"mnuSerial", [this] { mnuSerial_Click(); }, mayDownload},
           {"mnuNetwork", [this] { mnuNetwork_Click(); }, mayDownload},
@@ -153,12 +156,33 @@ void frmMain::mnuNetwork_Click() {
 void frmMain::netSetFile(const std::string& path) { showNetloader(path); }
 
 void frmMain::showNetloader(const std::string& path) {
+  sendFilePath_ = path;
   download::frmNetloader(program_.services(), path, this).exec();
 }
 
 void frmMain::showfrmWDXOptions(const std::string& path) {
-  program_.user.message("The serial download is not available in this version:\r" + path,
-                        runtime::Buttons::Ok, runtime::Icon::Information, "Can't Download");
+  sendFilePath_ = path;
+  download::frmWDXOptions form(program_.services(), pickers_, path, this);
+  if (!form.endsProgram()) form.exec();
+  if (form.endsProgram()) {
+    close();
+  } else if (form.wantsNetwork()) {
+    showNetloader(path);
+  } else if (form.started() == download::LoaderStart::PortBusy) {
+    showPortErr(path);
+  }
+}
+
+/// The dialog that sent is gone: the port and the rest come back from the settings file.
+void frmMain::showPortErr(const std::string& path) {
+  program_.user.letEventsRun();
+  for (bool again = true; again && !ended_;) {
+    download::frmWDXOptions settings(program_.services(), pickers_, path, this);
+    again = !settings.endsProgram() &&
+            download::frmPortErr(settings.comPort(), this).exec() == QDialog::Accepted &&
+            settings.DownloadFile(path) == download::LoaderStart::PortBusy;
+    if (settings.endsProgram()) close();
+  }
 }
 
 void frmMain::cmdTar_Click() {

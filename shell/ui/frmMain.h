@@ -82,6 +82,7 @@ class frmMain : public QMainWindow, public runtime::FilePane, public runtime::Do
   void mnuAdmin_Click();
   void mnuContent_Click();
   void mnuAbout_Click();
+  void showPortErr(const std::string& path);
   void checkAllKey();
   void end();
   void showUntar();
@@ -100,6 +101,7 @@ class frmMain : public QMainWindow, public runtime::FilePane, public runtime::Do
   platform::desktop::ActionTable* actions_ = nullptr;  // a child
   PaneMenu paneMenu_{*this};
   std::optional<perms::PermissionUndo> undo_;  // of the latest run
+  std::string sendFilePath_;                   // was given to a download last
   bool mayDownload_ = false;
   bool logShown_ = false;
   bool ended_ = false;

@@ -54,12 +54,15 @@ inline void checkTexts(const QWidget& form) {
     }
 }
 
-/// Answers every question alike, and keeps the last one.
+/// Answers questions in turn, then all alike, and keeps the last one.
 class Pickers : public platform::desktop::FilePickers {
  public:
   std::string openFile(const platform::desktop::FileRequest& request) override {
     asked = request;
-    return answer;
+    if (answers.empty()) return answer;
+    const std::string next = answers.front();
+    answers.erase(answers.begin());
+    return next;
   }
   std::string saveFile(const platform::desktop::FileRequest& request) override { return openFile(request); }
   std::string folder(const std::string& title, const std::string& startFolder) override {
@@ -68,7 +71,8 @@ class Pickers : public platform::desktop::FilePickers {
   bool canAskForFolder() const override { return works; }
 
   platform::desktop::FileRequest asked;
-  std::string answer;
+  std::vector<std::string> answers;  // in turn
+  std::string answer;                // then
   bool works = true;
 };
 

@@ -3,6 +3,7 @@
 
 namespace {
 
+namespace fs = std::filesystem;
 using browser::DrawnMenu;
 using tests::the;
 
@@ -223,6 +224,41 @@ TEST_F(Menus, RefreshListsAndDownloadsAskForOneFile) {
   });
   clickAt(middleOf(menu("frmRightClick"), 2));
   EXPECT_EQ(opened, "frmNetloader C:\\pkg\\a.txt");
+}
+
+TEST_F(Menus, PropertiesAreOfWhatIsSelected) {
+  const auto shown = [this](const std::function<void()>& select) {
+    select();
+    std::string texts;
+    tests::onNextModal<QDialog>([&texts](QDialog& form) {
+      texts = form.windowTitle().toStdString();
+      for (const char* name : {"lblInfo", "lblLocation", "lblPermissions"})
+        texts.append(1, '|').append(the<QLabel>(form, name).text().toStdString());
+      form.reject();
+    });
+    emit window_.browsing().menuWanted({});
+    clickAt(middleOf(menu("frmRightClick"), 0));
+    return texts;
+  };
+  EXPECT_EQ(shown([this] { pane().clearSelection(); }), "pkg Properties|2 files, 1 folders|C:\\|");
+  EXPECT_EQ(shown([this] { window_.browsing().selectRow("b c.txt"); }),
+            "b c.txt Properties||C:\\pkg\\|-rw-r--r--");
+  EXPECT_EQ(shown([this] { window_.selectAllRows(); }), "Properties|2 files, 1 folders|C:\\pkg\\|");
+}
+
+TEST_F(Menus, TheFoldersFileManagerGetsItsPathWhole) {
+  tool("xdg-open", "printf '%s' \"$*\" >" + root_ + "/made && mv " + root_ + "/made " + root_ + "/opened");
+  environment_.set("PATH", drives_.toWindows(root_ + "/prog/bin"));
+  write("pkg/my sub/x");
+  window_.browsing().openFolder("C:\\pkg\\my sub");
+  emit window_.browsing().menuWanted({});
+  clickAt(middleOf(menu("frmRightClick"), 6));
+  EXPECT_TRUE(QTest::qWaitFor([this] { return fs::exists(root_ + "/opened"); }));
+  EXPECT_EQ(output("cat " + root_ + "/opened"), host("pkg/my sub"));
+  fs::remove(root_ + "/prog/bin/xdg-open");
+  emit window_.browsing().menuWanted({});
+  clickAt(middleOf(menu("frmRightClick"), 6));
+  EXPECT_TRUE(testworld::has(logText(), " Unable to open: C:\\pkg\\my sub ("));
 }
 
 TEST_F(Menus, TheMenuKeyOpensItAtTheCurrentRow) {
