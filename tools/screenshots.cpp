@@ -1,0 +1,296 @@
+// Takes a picture of every window of the program, over the disk that PAKRUNE_DRIVES names (screenshots.sh
+// makes one): screenshots FOLDER [dark]
+
+#include <QApplication>
+#include <QDialog>
+#include <QDir>
+#include <QLabel>
+#include <QPainter>
+#include <QStyleFactory>
+#include <QTabWidget>
+#include <QTimer>
+#include <QTreeView>
+#include <algorithm>
+#include <functional>
+#include <iostream>
+
+#include "archive/ui/frmGetOutFolder.h"
+#include "archive/ui/frmOverwriteFile.h"
+#include "archive/ui/frmQuickExtract.h"
+#include "browser/ui/DrawnMenu.h"
+#include "browser/ui/frmPattern.h"
+#include "download/ui/frmPortErr.h"
+#include "download/ui/frmWDXOptions.h"
+#include "platform/HeldName.h"
+#include "platform/desktop/CommandConsole.h"
+#include "platform/desktop/FilePickers.h"
+#include "platform/desktop/Gate.h"
+#include "platform/desktop/HelpWindow.h"
+#include "shell/HelpPages.h"
+#include "shell/ui/DesktopUser.h"
+#include "shell/ui/Dialog.h"
+#include "shell/ui/frmAbout.h"
+#include "shell/ui/frmMain.h"
+#include "shell/ui/frmOptions.h"
+#include "shell/ui/frmPermsError.h"
+
+namespace {
+
+constexpr const char* folder = "C:\\kt500-app";
+
+QPalette darkPalette() {
+  QPalette palette(QColor(0x2b, 0x2b, 0x2e), QColor(0x2b, 0x2b, 0x2e));
+  const QColor back(0x2b, 0x2b, 0x2e), base(0x1f, 0x1f, 0x22), ink(0xe8, 0xe8, 0xe8), faint(0x8a, 0x8a, 0x8e);
+  for (const QPalette::ColorRole role : {QPalette::Window, QPalette::Button, QPalette::AlternateBase})
+    palette.setColor(role, back);
+  for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::ButtonText, QPalette::Text})
+    palette.setColor(role, ink);
+  for (const QPalette::ColorRole role : {QPalette::WindowText, QPalette::ButtonText, QPalette::Text})
+    palette.setColor(QPalette::Disabled, role, faint);
+  palette.setColor(QPalette::Base, base);
+  palette.setColor(QPalette::ToolTipBase, back);
+  palette.setColor(QPalette::ToolTipText, ink);
+  palette.setColor(QPalette::PlaceholderText, faint);
+  palette.setColor(QPalette::Highlight, QColor(0x3d, 0x7e, 0xc0));
+  palette.setColor(QPalette::HighlightedText, Qt::white);
+  palette.setColor(QPalette::Link, QColor(0x6c, 0xb2, 0xf0));
+  return palette;
+}
+
+/// Windows have few colours, and a file of few colours is a third of the size.
+QList<QRgb> mainColours(const QImage& picture) {
+  QHash<QRgb, int> count;
+  for (int y = 0; y < picture.height(); ++y)
+    for (int x = 0; x < picture.width(); ++x) ++count[picture.pixel(x, y)];
+  QList<QRgb> colours = count.keys();
+  std::sort(colours.begin(), colours.end(), [&count](QRgb a, QRgb b) { return count[a] > count[b]; });
+  colours.resize(qMin<qsizetype>(colours.size(), 256));
+  return colours;
+}
+
+/// One session with the program, window after window.
+class Session {
+ public:
+  explicit Session(QString to) : to_(std::move(to)) {
+    host_.confineTools();
+    const auto asIs = [](std::string_view text) { return platform::TypedPath{std::string(text), {}}; };
+    const shell::HostArguments arguments = shell::readArguments({"-d", folder}, asIs, platform::holdName);
+    window_.Load(shell::parseCommandLine(arguments.text));
+  }
+
+  void run() {
+    takeMain();
+    takeMenu();
+    takeProperties();
+    takeDialogsOfTheMainWindow();
+    takeArchive();
+    takeOptions();
+    takeSmallOnes();
+    takeConsole();
+    takeHelp();
+  }
+  bool ok() const { return ok_; }
+
+ private:
+  void save(const QPixmap& picture, const char* name) {
+    const QImage whole = picture.toImage().convertToFormat(QImage::Format_RGB32);
+    const QImage small =
+        whole.convertToFormat(QImage::Format_Indexed8, mainColours(whole), Qt::ThresholdDither);
+    if (small.save(to_ + QLatin1Char('/') + QLatin1String(name) + QStringLiteral(".png"))) return;
+    std::cerr << "cannot write " << name << ".png\n";
+    ok_ = false;
+  }
+  void take(QWidget& window, const char* name) {
+    window.ensurePolished();
+    settle();
+    save(window.grab(), name);
+  }
+  static void settle() {
+    for (int i = 0; i < 5; ++i) QApplication::processEvents(QEventLoop::AllEvents, 20);
+  }
+  template <typename Control = QWidget>
+  Control& the(const char* name) {
+    return *window_.findChild<Control*>(QLatin1String(name));
+  }
+  template <typename Dialog>
+  void takeShown(Dialog&& dialog, const char* name) {
+    dialog.show();
+    take(dialog, name);
+    dialog.close();
+  }
+
+  /// Takes what `open` opens, once it is filled; `then` may go on from there before it is closed.
+  void takeModal(const std::function<void()>& open, const char* name,
+                 std::function<void(QWidget&)> then = {}) {
+    QTimer poll;
+    poll.setInterval(20);
+    QObject::connect(&poll, &QTimer::timeout, &window_, [&] {
+      auto* const modal = QApplication::activeModalWidget();
+      if (modal == nullptr || modal->objectName() != QLatin1String(name) || host_.busy.held()) return;
+      const auto* const size = modal->findChild<QLabel*>(QStringLiteral("lblSize"));
+      if (size != nullptr && size->text() == QLatin1String("calculating...")) return;
+      poll.stop();
+      take(*modal, name);
+      if (then) then(*modal);
+      modal->close();
+    });
+    poll.start();
+    open();
+  }
+
+  void selectRows(const std::vector<std::string>& names) {
+    the<QTreeView>("DirPane").clearSelection();
+    for (const std::string& name : names) window_.browsing().selectRow(name);
+    window_.browsing().goToSelected();
+    window_.getDirPaneSelected();
+  }
+
+  void takeMain() {
+    selectRows({"run.sh", "usr8"});
+    take(window_, "frmMain");
+    window_.browsing().setViewMode(2);
+    window_.refreshKeepList();
+    take(window_, "view-list");
+    window_.browsing().setViewMode(0);
+    window_.refreshKeepList();
+    take(window_, "view-icons");
+    window_.browsing().setViewMode(3);
+    window_.refreshKeepList();
+    const QSize size = window_.size();
+    window_.resize(640, 480);
+    the<QAction>("mnuShowLog").trigger();
+    take(window_, "small-with-log");
+    the<QAction>("mnuShowLog").trigger();
+    window_.resize(size);
+  }
+
+  void takeMenu() {
+    selectRows({"kt500hello"});
+    auto& pane = the<QTreeView>("DirPane");
+    const QPoint at = pane.visualRect(pane.currentIndex()).bottomLeft() + QPoint(40, 0);
+    emit window_.browsing().menuWanted(pane.viewport()->mapToGlobal(at));
+    auto* const menu = window_.findChild<browser::DrawnMenu*>(QStringLiteral("frmRightClick"));
+    for (int i = 0; i < 5; ++i)
+      QApplication::sendEvent(
+          menu, std::make_unique<QKeyEvent>(QEvent::KeyPress, Qt::Key_Down, Qt::NoModifier).get());
+    QApplication::sendEvent(
+        menu, std::make_unique<QKeyEvent>(QEvent::KeyPress, Qt::Key_Right, Qt::NoModifier).get());
+    QPixmap picture = window_.grab();
+    QPainter painter(&picture);
+    for (QWidget* part :
+         {static_cast<QWidget*>(menu), window_.findChild<QWidget*>(QStringLiteral("frmView"))})
+      painter.drawPixmap(window_.mapFromGlobal(part->pos()), part->grab());
+    painter.end();
+    save(picture, "menu");
+    menu->closeAll();
+    settle();
+  }
+
+  void takeProperties() {
+    selectRows({"run.sh"});
+    emit window_.browsing().menuWanted({});
+    auto* const entry = window_.findChild<QWidget*>(QStringLiteral("frmRightClick"))
+                            ->findChild<QAbstractButton*>(QStringLiteral("mnuRightClick_0"));
+    takeModal([entry] { entry->click(); }, "frmProperties");
+  }
+
+  void takeDialogsOfTheMainWindow() {
+    selectRows({"run.sh", "readme.txt", "usr8"});
+    const auto press = [this](const char* name) {
+      return [this, name] { the<QAbstractButton>(name).click(); };
+    };
+    takeModal(press("cmdSetPerms"), "frmPermissions", [this](QWidget& form) {
+      takeModal([&form] { form.findChild<QAbstractButton*>(QStringLiteral("cmdPreview"))->click(); },
+                "frmPreview");
+    });
+    takeModal(press("cmdSetOwner"), "frmOwner");
+    takeModal(press("cmdTar"), "frmTar");
+    selectRows({"kt500hello"});
+    takeModal([this] { the<QAction>("mnuNetwork").trigger(); }, "frmNetloader");
+  }
+
+  void takeArchive() {
+    emit window_.browsing().archiveOpened("C:\\kt500-app.tgz");
+    settle();
+    take(window_, "frameUntar");
+    the("frameUntar").findChild<QAbstractButton*>(QStringLiteral("cmdCancel"))->click();
+    settle();
+  }
+
+  void takeOptions() {
+    shell::frmOptions form(program_.services(), &window_);
+    form.show();
+    const char* const names[] = {"frmOptions-shell", "frmOptions-permissions", "frmOptions-usr8"};
+    for (int tab = 0; tab < 3; ++tab) {
+      form.findChild<QTabWidget*>(QStringLiteral("SSTab1"))->setCurrentIndex(tab);
+      take(form, names[tab]);
+    }
+  }
+
+  void takeSmallOnes() {
+    takeShown(shell::frmAbout(&window_), "frmAbout");
+    takeShown(shell::frmPermsError(program_.settings, &window_), "frmPermsError");
+    takeShown(shell::Dialog(program_.settings, &window_), "Dialog");
+    takeShown(browser::frmPattern("*.sh", &window_), "frmPattern");
+    takeShown(archive::frmOverwriteFile(overwriteQuestion(), &window_), "frmOverwriteFile");
+    takeShown(archive::frmGetOutFolder(program_.services(), folder, &window_), "frmGetOutFolder");
+    takeShown(archive::frmQuickExtract(program_.services(), &window_), "frmQuickExtract");
+    takeShown(download::frmWDXOptions(program_.services(), pickers_, std::string(folder) + ".tgz", &window_),
+              "frmWDXOptions");
+    takeShown(download::frmPortErr(1, &window_), "frmPortErr");
+  }
+
+  /// After a run: progress, the loader's end, the pause.
+  void takeConsole() {
+    platform::desktop::CommandConsole console(
+        host_.drives, R"(/c ""C:\tools\wdx.exe" -p 1 -b 115200 -i "kt500-app.tgz"" & pause)");
+    console.show();
+    while (console.isRunning()) settle();
+    take(console, "console");
+  }
+
+  void takeHelp() {
+    const platform::desktop::HelpFile file(
+        QString::fromStdString(host_.drives.toHost(host_.programFolder + shell::helpFile).value()));
+    platform::desktop::HelpWindow help(file);
+    help.showPage(QStringLiteral("packing.html"));
+    help.resize(980, 720);
+    help.show();
+    take(help, "frmHelp");
+  }
+
+  static archive::OverwriteQuestion overwriteQuestion() {
+    archive::OverwriteQuestion question;
+    question.path = std::string(folder) + "\\run.sh";
+    question.size = 226;
+    question.modified = 1780000000;
+    question.member = "231 bytes, 2026-05-28 20:26";
+    return question;
+  }
+
+  QString to_;
+  bool ok_ = true;
+  shell::Host host_;
+  shell::DesktopUser user_{host_.busy};
+  shell::Program program_{host_.system(), host_.programFolder, user_};
+  platform::desktop::DesktopFilePickers pickers_{host_.drives};
+  platform::desktop::Gate gate_{host_.busy};
+  shell::frmMain window_{program_, pickers_};
+};
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  QApplication application(argc, argv);
+  QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
+  const QStringList arguments = QApplication::arguments();
+  if (arguments.size() < 2) {
+    std::cerr << "usage: screenshots FOLDER [dark]\n";
+    return 2;
+  }
+  if (arguments.value(2) == QLatin1String("dark")) QApplication::setPalette(darkPalette());
+  QDir().mkpath(arguments.at(1));
+  Session session(arguments.at(1));
+  session.run();
+  return session.ok() ? 0 : 1;
+}
