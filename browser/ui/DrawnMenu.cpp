@@ -9,6 +9,7 @@
 #include <QScreen>
 #include <QWindow>
 #include <algorithm>
+#include <functional>
 
 namespace browser {
 namespace {
@@ -25,6 +26,7 @@ class MenuLabel : public QPushButton {
     lit_ = lit;
     update();
   }
+  void onReached(std::function<void()> deed) { reached_ = std::move(deed); }
   QColor inkColour() const {
     const bool plain = !lit_ || !isEnabled();
     return palette().color(plain ? QPalette::ButtonText : QPalette::HighlightedText);
@@ -40,8 +42,15 @@ class MenuLabel : public QPushButton {
     painter.drawText(rect(), Qt::AlignLeft | Qt::AlignVCenter | Qt::TextSingleLine, text());
   }
 
+  /// An assistive tool goes to an entry by giving it the focus.
+  void focusInEvent(QFocusEvent* event) override {
+    QPushButton::focusInEvent(event);
+    if (event->reason() == Qt::OtherFocusReason) reached_();
+  }
+
  private:
   bool lit_ = false;
+  std::function<void()> reached_;
 };
 
 /// A small line drawing in the colour of its entry's text.
@@ -105,6 +114,10 @@ void DrawnMenu::addEntry(const Entry& entry, int width) {
   label->setObjectName(QStringLiteral("mnuRightClick_%1").arg(entry.index));
   label->setAccessibleName(QString::fromLatin1(entry.caption).trimmed());
   label->setAttribute(Qt::WA_TransparentForMouseEvents);
+  label->onReached([this, index = entry.index] {
+    light(index);
+    entered(index);
+  });
   const int height = qRound(entryHeight * scale_);
   label->setGeometry(border, border + qRound(entry.top * scale_), qRound(width * scale_), height);
   const QByteArray name = QByteArrayLiteral("imageCheck_") + QByteArray::number(entry.index);

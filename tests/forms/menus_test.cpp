@@ -226,6 +226,18 @@ TEST_F(Menus, RefreshListsAndDownloadsAskForOneFile) {
   EXPECT_EQ(opened, "frmNetloader C:\\pkg\\a.txt");
 }
 
+TEST_F(Menus, AssistiveToolsReachAndPressTheEntries) {
+  const auto does = [](DrawnMenu& menu, const char* name, const QString& what) {
+    QAccessible::queryAccessibleInterface(&the(menu, name))->actionInterface()->doAction(what);
+  };
+  DrawnMenu& menu = openMenu("sub");
+  does(menu, "mnuRightClick_7", QAccessibleActionInterface::setFocusAction());
+  EXPECT_EQ(menu.menuIndex(), 7);
+  does(this->menu("frmView"), "mnuRightClick_1", QAccessibleActionInterface::pressAction());
+  EXPECT_TRUE(QTest::qWaitFor([this] { return find("DirPaneIcons")->isVisible(); }));
+  EXPECT_FALSE(open("frmRightClick"));
+}
+
 TEST_F(Menus, PropertiesAreOfWhatIsSelected) {
   const auto shown = [this](const std::function<void()>& select) {
     select();
