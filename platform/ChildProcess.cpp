@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "platform/ConfinementWords.h"
+#include "platform/Pointers.h"
 #include "platform/Signals.h"
 
 namespace platform {
@@ -80,15 +81,6 @@ class SpawnPlan {
   posix_spawnattr_t attributes_{};
   posix_spawn_file_actions_t actions_{};
 };
-
-/// The form that the system takes; the texts stay the caller's.
-std::vector<char*> pointersTo(const std::vector<std::string>& texts) {
-  std::vector<char*> pointers;
-  pointers.reserve(texts.size() + 1);
-  for (const std::string& text : texts) pointers.push_back(const_cast<char*>(text.c_str()));
-  pointers.push_back(nullptr);
-  return pointers;
-}
 
 /// Both ends of a pipe, away from the numbers that a child's descriptors get; none, and errno says why.
 struct ReportPipe {

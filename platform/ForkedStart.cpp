@@ -6,19 +6,13 @@
 #include <cerrno>
 #include <csignal>
 
+#include "platform/Pointers.h"
+
 namespace platform {
 namespace {
 
 constexpr int reportNumber = STDERR_FILENO + 1;
 constexpr int failedStatus = 127;
-
-std::vector<char*> pointersTo(const std::vector<std::string>& texts) {
-  std::vector<char*> pointers;
-  pointers.reserve(texts.size() + 1);
-  for (const std::string& text : texts) pointers.push_back(const_cast<char*>(text.c_str()));
-  pointers.push_back(nullptr);
-  return pointers;
-}
 
 void resetSignals() {
   for (int number = 1; number < NSIG; ++number) signal(number, SIG_DFL);
