@@ -27,9 +27,11 @@ ArchiveTreeBuilder::ArchiveTreeBuilder(runtime::ArchiveKind kind, std::string li
       shortcutImage_(runtime::ImageIndexForKey("shortcut")) {
   tree_.verbose_ = kind != runtime::ArchiveKind::Ipk;
   tree_.listing_ = std::move(listing);
-  tree_.nodes_.reserve(lineCount_ + 1);
+  // Folders without a line of their own need room, too: a list that grows doubles what a large archive takes.
+  const std::size_t nodes = lineCount_ + lineCount_ / 8 + 1;
+  tree_.nodes_.reserve(nodes);
   byText_.reserve(lineCount_);
-  order_.reserve(lineCount_ + 1);
+  order_.reserve(nodes);
 }
 
 bool ArchiveTreeBuilder::addNextLine() {
@@ -87,9 +89,8 @@ void ArchiveTreeBuilder::place(std::string_view path, bool isLink) {
     }
     std::string text = prefix.empty() ? heldName(component) : prefix + heldName(component);
     prefix.clear();
-    const auto found = byText_.find(Key{parent, text});
-    if (found != byText_.end()) {
-      parent = *found;
+    if (const NodeId found = byText_.find(parent, text); found != 0) {
+      parent = found;
       continue;
     }
     const bool isFolder = !last || endsInFolder;
@@ -122,10 +123,8 @@ int ArchiveTreeBuilder::imageOf(std::string_view text) {
 
 /// A look-up finds the first of siblings that have the same text.
 void ArchiveTreeBuilder::remember(NodeId node) {
-  const auto [first, isNew] = byText_.insert(node);
-  if (isNew || order_.standsBefore(*first, node)) return;
-  byText_.erase(first);
-  byText_.insert(node);
+  const NodeId first = byText_.find(tree_.parent(node), tree_.text(node));
+  if (first == 0 || order_.standsBefore(node, first)) byText_.put(node);
 }
 
 ArchiveTree ArchiveTreeBuilder::finish() {

@@ -4,10 +4,10 @@
 #include <map>
 #include <string>
 #include <string_view>
-#include <unordered_set>
 
 #include "archive/ArchiveTree.h"
 #include "archive/SiblingOrder.h"
+#include "archive/SiblingTexts.h"
 #include "runtime/ArchiveKind.h"
 
 namespace archive {
@@ -28,29 +28,6 @@ class ArchiveTreeBuilder {
   ArchiveTree finish();
 
  private:
-  struct Key {
-    NodeId parent;
-    std::string_view text;
-  };
-  struct Hash {
-    using is_transparent = void;
-    const ArchiveTree* tree;
-    std::size_t operator()(const Key& key) const {
-      return std::hash<std::string_view>()(key.text) ^ (key.parent * std::size_t{0x9E3779B97F4A7C15});
-    }
-    std::size_t operator()(NodeId node) const { return (*this)({tree->parent(node), tree->text(node)}); }
-  };
-  struct Equal {
-    using is_transparent = void;
-    const ArchiveTree* tree;
-    static const Key& keyOf(const Key& key) { return key; }
-    Key keyOf(NodeId node) const { return {tree->parent(node), tree->text(node)}; }
-    template <typename A, typename B>
-    bool operator()(const A& a, const B& b) const {
-      return keyOf(a).parent == keyOf(b).parent && keyOf(a).text == keyOf(b).text;
-    }
-  };
-
   void addTarLine(std::string_view line);
   void addMember(std::string_view line);
   void place(std::string_view path, bool isLink);
@@ -61,7 +38,7 @@ class ArchiveTreeBuilder {
   ArchiveTree tree_;
   std::function<std::string()> packageSize_;
   SiblingOrder order_{tree_.nodes_};
-  std::unordered_set<NodeId, Hash, Equal> byText_{0, Hash{&tree_}, Equal{&tree_}};  // the first of equal ones
+  SiblingTexts byText_{tree_.nodes_};  // the first of equal ones
   std::size_t lineCount_ = 0;
   std::size_t position_ = 0;                        // where the next line begins
   std::size_t line_ = 0;                            // where the line that is being added begins

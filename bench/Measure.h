@@ -72,8 +72,8 @@ inline void forgetPeak() { std::ofstream("/proc/self/clear_refs") << "5"; }
 /// A temporary folder with what stands in it.
 class Folder {
  public:
-  Folder() {
-    std::string name = std::filesystem::temp_directory_path() / "pakrune-bench-XXXXXX";
+  explicit Folder(const std::filesystem::path& parent = std::filesystem::temp_directory_path()) {
+    std::string name = parent / "pakrune-bench-XXXXXX";
     path_ = mkdtemp(name.data());
   }
   ~Folder() {

@@ -1,7 +1,8 @@
 // gzip and bzip2 as tar looks them up in the tools folder: compressing goes to pigz or lbzip2, which use
-// every core and whose output does not depend on how many there are; everything else (and all of it, where
-// those are not installed) goes to the plain tool, whose words about damaged archives are the ones that are
-// parsed. The links NAME.fast and NAME.plain beside this program lead to the two.
+// every core and whose output does not depend on how many there are; what gzip decompresses for tar is done
+// here; everything else (and all of it, where those are not installed) goes to the plain tool, whose words
+// about damaged archives are the ones that are parsed. The links NAME.fast and NAME.plain beside this program
+// lead to the two.
 
 #include <unistd.h>
 
@@ -12,6 +13,15 @@
 #include <string>
 #include <string_view>
 #include <vector>
+
+#ifdef PAKRUNE_ISAL
+#include "tools/fast_gunzip.h"
+#else
+#include <optional>
+namespace {
+std::optional<int> fastGunzip(const std::string&) { return std::nullopt; }
+}  // namespace
+#endif
 
 namespace {
 
@@ -36,6 +46,11 @@ bool compresses(const std::vector<char*>& words) {
   return true;
 }
 
+/// Only what tar asks for when it reads.
+bool decompresses(const std::vector<char*>& words) {
+  return words.size() == 3 && std::string_view(words[1]) == "-d";
+}
+
 }  // namespace
 
 int main(int count, char** words) {
@@ -54,6 +69,8 @@ int main(int count, char** words) {
     arguments[0] = fastName.data();
     execv((tool + ".fast").c_str(), arguments.data());
   }
+  if (decompresses(arguments) && !bzip2)
+    if (const auto status = fastGunzip(tool + ".plain")) return *status;
   arguments[0] = name.data();
   execv((tool + ".plain").c_str(), arguments.data());
   std::fprintf(stderr, "%s: %s: %s\n", name.c_str(), (tool + ".plain").c_str(), std::strerror(errno));
