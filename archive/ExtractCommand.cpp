@@ -42,6 +42,18 @@ std::string arExtractCommand(std::string_view archivePath, const std::vector<std
   return "ar.exe -x " + ToCygwinPath(archivePath) + ' ' + (likeOption ? "-- " : "") + memberList(members);
 }
 
+std::string tarMemberCommand(ArchiveKind kind, std::string_view archivePath, std::string_view outFolder,
+                             std::string_view listText) {
+  return "tar.exe -i -C " + ToCygwinPath(outFolder) + " -" + kindLetter(kind) +
+         "x --no-same-owner --no-same-permissions --no-recursion -f " + ToCygwinPath(archivePath) + ' ' +
+         std::string(listText);
+}
+
+std::string contentCommand(ArchiveKind kind, std::string_view archivePath, std::string_view member) {
+  return "tar.exe -i -" + kindLetter(kind) + "xO --occurrence=1 --no-recursion -f " +
+         ToCygwinPath(archivePath) + " \"" + std::string(member) + '"';
+}
+
 std::string memberList(const std::vector<std::string>& members) {
   std::string text;
   for (const std::string& member : members) text += '"' + member + "\" ";

@@ -28,6 +28,12 @@ std::string tarExtractCommand(runtime::ArchiveKind kind, std::string_view archiv
 /// "ar.exe -x ARCHIVE LIST", to be run in the output folder.
 std::string arExtractCommand(std::string_view archivePath, const std::vector<std::string>& members);
 
+/// One member into a folder, with no more of its owner and mode than any new file has; `listText` names it.
+std::string tarMemberCommand(runtime::ArchiveKind kind, std::string_view archivePath,
+                             std::string_view outFolder, std::string_view listText);
+/// The bytes of the first member of that name, printed.
+std::string contentCommand(runtime::ArchiveKind kind, std::string_view archivePath, std::string_view member);
+
 /// Each member in double quotes and followed by one blank.
 std::string memberList(const std::vector<std::string>& members);
 

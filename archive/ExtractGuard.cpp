@@ -2,6 +2,8 @@
 
 #include <sys/stat.h>
 
+#include <algorithm>
+#include <climits>
 #include <filesystem>
 #include <iterator>
 
@@ -16,7 +18,11 @@ namespace fs = std::filesystem;
 
 using runtime::withoutSlash;
 
-constexpr int mostLookedAt = 20'000;  ///< entries; looking takes some 50 ms then
+constexpr int mostLookedAt = 20'000;   ///< entries; looking takes some 50 ms then
+constexpr int mostLinks = 40;          ///< on one way, as the system has it
+constexpr std::size_t mostPlaces = 8;  ///< of one folder
+/// The system refuses longer ones; a byte of theirs is held by three.
+constexpr std::size_t longestPath = 3 * PATH_MAX;
 
 /// Where a ".." among the components ends; npos without one.
 std::size_t endOfDotDot(std::string_view name) {
@@ -28,7 +34,7 @@ std::size_t endOfDotDot(std::string_view name) {
   return std::string_view::npos;
 }
 
-/// "./a//./b/" names what "a/b" names.
+/// "/./a//./b/" names what "a/b" names below the output folder.
 std::string plainForm(std::string_view name) {
   std::string plain;
   while (!name.empty()) {
@@ -41,9 +47,16 @@ std::string plainForm(std::string_view name) {
   return plain;
 }
 
-bool leadsUp(std::string_view name) {
-  return name.starts_with('/') || endOfDotDot(name) != std::string_view::npos;
+std::string joined(const std::string& folder, std::string_view name) {
+  return folder.empty() || name.empty() ? folder + std::string(name) : folder + '/' + std::string(name);
 }
+
+std::string parentOf(const std::string& plain) {
+  const std::size_t slash = plain.rfind('/');
+  return slash == plain.npos ? "" : plain.substr(0, slash);
+}
+
+std::string lastOf(const std::string& plain) { return plain.substr(plain.rfind('/') + 1); }
 
 /// How much of `name` reaches through its first `count` plain components.
 std::string_view firstComponents(std::string_view name, std::size_t count) {
@@ -70,11 +83,6 @@ ExtractGuard::ExtractGuard(const platform::DriveTable& drives, std::string_view 
   real_ = fs::canonical(host_, failed).string();
 }
 
-void ExtractGuard::noteLink(const GuardedMember& member) {
-  if (member.isLink) links_.insert(plainForm(member.name));
-  for (const GuardedMember& reading : member.otherReadings) noteLink(reading);
-}
-
 std::vector<RefusedMember> ExtractGuard::judge(const GuardedMember& member) {
   std::vector<RefusedMember> refused;
   std::vector<const GuardedMember*> passed;
@@ -86,6 +94,8 @@ std::vector<RefusedMember> ExtractGuard::judge(const GuardedMember& member) {
   };
   judgeOne(member);
   for (const GuardedMember& reading : member.otherReadings) judgeOne(reading);
+  if (refused.empty())
+    for (const GuardedMember* const reading : passed) note(*reading);
   if (refused.empty()) return refused;
   const LeftOut reason = refused.front().reason;
   for (const GuardedMember* const reading : passed)
@@ -99,56 +109,153 @@ std::optional<RefusedMember> ExtractGuard::judgeReading(const GuardedMember& mem
     return RefusedMember{member.name, reason, std::string(exclude)};
   };
   if (name == "../usr8" || name.starts_with("../usr8/")) return refused(LeftOut::OtherHome, "../usr8");
-  if (name.starts_with('/')) return refused(LeftOut::Outside, firstComponents(name, 1));
   const std::size_t dots = endOfDotDot(name);
   if (dots != name.npos) return refused(LeftOut::Outside, name.substr(0, dots));
   if (const auto closed = closedAt(name)) return refused(LeftOut::BelowLink, *closed);
-  // A folder would take the place of a link whose members are all left out.
-  if (member.name.ends_with('/') && way(plainForm(name)) == Way::Outside)
-    return refused(LeftOut::BelowLink, name);
-  if (member.hardTarget.empty()) return std::nullopt;
-  const bool out = leadsUp(member.hardTarget) || closedAt(member.hardTarget);
-  return out ? std::optional(refused(LeftOut::HardLinkOut, name)) : std::nullopt;
+  if (takesPlaceOfLink(member)) return refused(LeftOut::BelowLink, name);
+  if (hardLinkLeadsOut(member)) return refused(LeftOut::HardLinkOut, name);
+  return std::nullopt;
 }
 
 /// The part of a name that goes one component below a folder that is closed; nullopt when none on its way is.
 std::optional<std::string> ExtractGuard::closedAt(std::string_view name) {
   const std::string plain = plainForm(name);
-  std::size_t depth = 1;
-  for (std::size_t slash = plain.find('/'); slash != plain.npos; slash = plain.find('/', slash + 1)) {
-    const std::string folder = plain.substr(0, slash);
+  if (walk(parentOf(plain))) return std::nullopt;
+  std::size_t depth = 2;
+  for (std::size_t slash = plain.find('/'); slash != plain.npos && walk(plain.substr(0, slash));
+       slash = plain.find('/', slash + 1))
     ++depth;
-    if (links_.find(folder) != links_.end() || way(folder) == Way::Outside)
-      return std::string(firstComponents(name, depth));
+  return std::string(firstComponents(name, depth));
+}
+
+/// tar takes a leading "/" off, and whatever ends in "../".
+bool ExtractGuard::hardLinkLeadsOut(const GuardedMember& member) {
+  if (member.type != 'h') return false;
+  return endOfDotDot(member.target) != member.target.npos || !walk(parentOf(plainForm(member.target)));
+}
+
+/// A folder would take the place of a link whose members are all left out.
+bool ExtractGuard::takesPlaceOfLink(const GuardedMember& member) {
+  const std::string plain = plainForm(member.name);
+  if (!member.isFolder() || plain.empty()) return false;
+  const Places parents = walk(parentOf(plain));
+  for (const std::string& parent : parents.value())
+    if (!way(joined(parent, lastOf(plain)))) return true;
+  return false;
+}
+
+bool ExtractGuard::isOutFolder(const GuardedMember& member) {
+  const std::string plain = plainForm(member.name);
+  if (plain.empty()) return true;
+  if (!withoutTrailingSlashes(member.name).ends_with("/.")) return false;
+  const Places places = walk(plain);
+  return places && std::find(places->begin(), places->end(), "") != places->end();
+}
+
+void ExtractGuard::note(const GuardedMember& member) {
+  const std::string plain = plainForm(member.name);
+  const bool counts = member.type == 'l' || member.type == 'h' || member.isFolder();
+  const bool followsLink = withoutTrailingSlashes(member.name).ends_with("/.");
+  if (!counts || followsLink || plain.empty() || plain.size() > longestPath) return;
+  const Places parents = walk(parentOf(plain));
+  for (const std::string& parent : parents.value()) noteAt(joined(parent, lastOf(plain)), parent, member);
+}
+
+/// A folder takes the place of a link of the archive. It need not be extracted (the user may refuse to), so a
+/// link that would then be followed to something closed stays closed.
+void ExtractGuard::noteAt(const std::string& path, const std::string& parent, const GuardedMember& member) {
+  if (member.isFolder()) {
+    const auto known = made_.find(path);
+    if (known == made_.end() || known->second.kind == Made::Closed) return;
+    for (const std::string& target : known->second.targets)
+      if (!walk(target)) return;
+    made_.erase(known);
+  } else {
+    noteLink(made_[path], parent, member);
   }
-  return std::nullopt;
+  if (ways_.count(path) > 0) walked_.clear();
 }
 
-ExtractGuard::Way ExtractGuard::way(const std::string& folder) {
-  const auto known = ways_.find(folder);
-  if (known != ways_.end()) return known->second;
-  const std::size_t slash = folder.rfind('/');
-  const Way above = slash == std::string::npos ? (real_.empty() ? Way::Missing : Way::Inside)
-                                               : way(folder.substr(0, slash));
-  const Way found = above == Way::Inside ? lookUp(folder) : above;
-  ways_.emplace(folder, found);
-  return found;
+/// A hard link to a symbolic one is such a link too.
+void ExtractGuard::noteLink(Made& made, const std::string& parent, const GuardedMember& member) {
+  const std::string& target = member.target;
+  if (member.type == 'h' || made.targets.size() == mostPlaces)
+    made.kind = Made::Closed;
+  else if (target.empty() || target.starts_with('/') || endOfDotDot(target) != target.npos)
+    made.kind = std::max(made.kind, Made::Last);
+  else if (const std::string end = joined(parent, plainForm(target));
+           std::find(made.targets.begin(), made.targets.end(), end) == made.targets.end())
+    made.targets.push_back(end);
 }
 
-ExtractGuard::Way ExtractGuard::lookUp(const std::string& folder) const {
-  const std::string path = host_ + '/' + platform::releaseName(folder);
-  struct stat status {};
-  if (lstat(path.c_str(), &status) != 0) return Way::Missing;
-  if (!S_ISLNK(status.st_mode)) return Way::Inside;
-  return leadsOut(path) ? Way::Outside : Way::Inside;
+/// Each part of the way is walked once; a way that comes back to itself is closed.
+ExtractGuard::Places ExtractGuard::walk(const std::string& folder, int links) {
+  Places at = std::vector<std::string>{""};
+  if (folder.size() > longestPath || links > mostLinks) return links > mostLinks ? std::nullopt : at;
+  std::size_t done = folder.size();
+  while (done > 0) {
+    const auto known = walked_.find(std::string_view(folder).substr(0, done));
+    if (known != walked_.end()) {
+      at = known->second;
+      break;
+    }
+    const std::size_t slash = folder.rfind('/', done - 1);
+    done = slash == folder.npos ? 0 : slash;
+  }
+  while (at && done < folder.size()) {
+    const std::size_t begin = done == 0 ? 0 : done + 1;
+    done = std::min(folder.find('/', begin), folder.size());
+    const std::string part = folder.substr(0, done);
+    walked_[part] = std::nullopt;
+    at = step(*at, std::string_view(folder).substr(begin, done - begin), links);
+    walked_[part] = at;
+  }
+  return at;
+}
+
+ExtractGuard::Places ExtractGuard::step(const std::vector<std::string>& from, std::string_view component,
+                                        int links) {
+  std::vector<std::string> places;
+  for (const std::string& folder : from) {
+    const std::string path = joined(folder, component);
+    const Way& stands = way(path);
+    if (!stands) return std::nullopt;
+    places.push_back(*stands);
+    const auto made = made_.find(path);
+    if (made == made_.end()) continue;
+    if (made->second.kind != Made::Open) return std::nullopt;
+    for (const std::string& target : made->second.targets) {
+      const Places there = walk(target, links + 1);
+      if (!there) return std::nullopt;
+      places.insert(places.end(), there->begin(), there->end());
+    }
+  }
+  std::sort(places.begin(), places.end());
+  places.erase(std::unique(places.begin(), places.end()), places.end());
+  if (places.size() > mostPlaces) return std::nullopt;
+  return places;
+}
+
+const ExtractGuard::Way& ExtractGuard::way(const std::string& path) {
+  const auto known = ways_.find(path);
+  return known != ways_.end() ? known->second : ways_.emplace(path, lookUp(path)).first->second;
 }
 
 /// A link whose end is not there cannot be judged and counts as leading out.
-bool ExtractGuard::leadsOut(const std::string& hostPath) const {
+ExtractGuard::Way ExtractGuard::lookUp(const std::string& path) const {
+  const std::string host = host_ + '/' + platform::releaseName(path);
+  struct stat status {};
+  if (real_.empty() || lstat(host.c_str(), &status) != 0 || !S_ISLNK(status.st_mode)) return path;
   std::error_code failed;
-  const std::string end = fs::canonical(hostPath, failed).string();
-  if (failed) return true;
-  return end != real_ && !end.starts_with(real_ == "/" ? real_ : real_ + '/');
+  const std::string end = fs::canonical(host, failed).string();
+  if (failed) return std::nullopt;
+  if (end == real_) return "";
+  const std::string inside = real_ == "/" ? real_ : real_ + '/';
+  if (!end.starts_with(inside)) return std::nullopt;
+  std::string place;
+  for (const fs::path& component : fs::path(end.substr(inside.size())))
+    place = joined(place, platform::holdName(component.string()));
+  return place;
 }
 
 std::vector<GuardedMember> membersOf(std::string_view verboseListing) {
@@ -156,11 +263,10 @@ std::vector<GuardedMember> membersOf(std::string_view verboseListing) {
   for (const std::string_view line : completeLines(verboseListing)) {
     const auto entry = parseListingLine(line);
     if (!entry) continue;
-    const bool isHard = entry->mode.front() == 'h';
     std::vector<GuardedMember> readings;
     for (const EntryPath& path : linkReadings(*entry))
       readings.push_back(
-          {heldName(path.name), entry->isLink(), isHard && path.target ? heldName(*path.target) : ""});
+          {heldName(path.name), entry->mode.front(), path.target ? heldName(*path.target) : ""});
     GuardedMember member = std::move(readings.front());
     member.otherReadings.assign(std::make_move_iterator(readings.begin() + 1),
                                 std::make_move_iterator(readings.end()));

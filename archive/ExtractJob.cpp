@@ -5,10 +5,13 @@
 
 #include "archive/ArMembers.h"
 #include "archive/ExtractCommand.h"
+#include "archive/ExtractPackage.h"
+#include "archive/ExtractVerdict.h"
 #include "archive/LeftOut.h"
 #include "archive/ListingLine.h"
 #include "archive/ListingOutput.h"
 #include "archive/NamesFile.h"
+#include "archive/TarEnd.h"
 #include "platform/HeldName.h"
 #include "runtime/DirExists.h"
 #include "runtime/Pace.h"
@@ -23,21 +26,24 @@ using runtime::Icon;
 using runtime::JobEnd;
 using runtime::withoutSlash;
 
-/// The first folder on a name's way, or the name itself, that is among `names`; nullptr: none is.
-const std::string* coverOf(const std::set<std::string>& names, std::string_view name) {
-  if (names.empty()) return nullptr;
-  name = withoutSlash(name);
-  for (std::size_t slash = name.find('/', 1);; slash = name.find('/', slash + 1)) {
-    const auto found = names.find(std::string(name.substr(0, slash)));
-    if (found != names.end()) return &*found;
-    if (slash == name.npos) return nullptr;
-  }
-}
-
 /// What the archive has of a member, for the question.
 std::string inTarText(const std::optional<ArchiveEntry>& entry) {
   if (!entry) return "?";
   return std::string(entry->size) + " bytes, " + std::string(entry->dateTime);
+}
+
+std::vector<GuardedMember> unadorned(const std::vector<std::string>& names) {
+  std::vector<GuardedMember> members;
+  for (const std::string& name : names) members.push_back({name});
+  return members;
+}
+
+/// Of an ipk's listing.
+std::vector<GuardedMember> packageMembers(std::string_view listing) {
+  std::vector<std::string> names;
+  for (const std::string_view line : completeLines(listing))
+    if (!line.empty() && !isArRemark(line)) names.push_back(platform::holdName(line));
+  return unadorned(names);
 }
 
 std::string_view withoutLeadingDots(std::string_view name) {
@@ -49,7 +55,9 @@ std::string_view withoutLeadingDots(std::string_view name) {
 
 ExtractJob::ExtractJob(const runtime::Services& services, OverwriteAsker& asker, ListingProgress& progress,
                        ExtractRequest request)
-    : services_(services), asker_(asker), progress_(progress), request_(std::move(request)) {}
+    : services_(services), asker_(asker), progress_(progress), request_(std::move(request)) {
+  if (request_.shownAs.empty()) request_.shownAs = request_.archivePath;
+}
 
 Extraction ExtractJob::run() {
   Extraction end = request_.what == Extract::Quickly ? QuickExtract() : ExtractArchive();
@@ -57,7 +65,7 @@ Extraction ExtractJob::run() {
   if (atWork && stopped()) end = {JobEnd::Stopped, Focus::None, end.toolRan};
   if (end.end != JobEnd::Stopped) return end;
   removeEmptyFolder();
-  services_.log.append(" Stopped: extracting " + request_.archivePath);
+  services_.log.append(" Stopped: extracting " + request_.shownAs);
   return end;
 }
 
@@ -80,6 +88,7 @@ bool ExtractJob::begin() {
   services_.cygwin.SetCygwinEnvironment();
   plan_.kind = *checked.kind;
   plan_.archivePath = request_.archivePath;
+  plan_.shownAs = request_.shownAs;
   return true;
 }
 
@@ -117,7 +126,7 @@ bool ExtractJob::settleFolder() {
 /// What was left out of it is told by the log.
 Extraction ExtractJob::nothingToExtract() const {
   if (stopped()) return refuse();
-  services_.user.message("Error extracting package:\r\n" + plan_.archivePath + "\r\n\r\nNo files to extract",
+  services_.user.message("Error extracting package:\r\n" + plan_.shownAs + "\r\n\r\nNo files to extract",
                          Buttons::Ok, Icon::Information, "Unable To Extract");
   return {JobEnd::Refused, focus_, false, !excludes_.empty()};
 }
@@ -131,6 +140,8 @@ Extraction ExtractJob::ExtractArchive() {
   if (answer_ == OverwriteAnswer::Cancel) return refuse(Focus::OutputFolder);
   if (members.empty()) return answer_ == OverwriteAnswer::NothingAsked ? nothingToExtract() : refuse();
   plan_.members = members;
+  if (isTar())
+    for (const std::string& member : members) plan_.count += below_[member];
   if (all) passFewNames();
   return unpack();
 }
@@ -146,9 +157,11 @@ JobEnd ExtractJob::settleTree() {
 }
 
 /// Everything is what tar extracts without any names, and it looks for each member through all that it is
-/// given.
+/// given. What ar is not to bring is left out afterwards.
 void ExtractJob::passFewNames() {
-  if (answeredNo_ || memberList(plan_.members).size() <= longestNameList) return;
+  if (memberList(plan_.members).size() <= longestNameList) return;
+  if (!isTar() && !plan_.wholly) plan_.wholly.emplace();
+  if (answeredNo_ || !isTar()) return;
   plan_.members.clear();
   plan_.withWhatIsBelow = true;
 }
@@ -158,15 +171,18 @@ std::vector<std::string> ExtractJob::chooseMembers(const ArchiveTree& tree, bool
   std::vector<Contribution> chosen = contributions(tree, all);
   std::set<std::string> asked;
   for (const Contribution& one : chosen) asked.insert(one.members.begin(), one.members.end());
-  if (isTar()) asked = guardAgainst(membersOf(tree.listing()), asked);
+  asked = guardAgainst(isTar() ? membersOf(tree.listing()) : packageMembers(tree.listing()), asked);
   std::vector<std::string> members;
   runtime::Pace pace;
   for (Contribution& one : chosen) {
     // A name that is given twice is found once, and tar would miss the other.
     std::erase_if(one.members, [&asked](const std::string& name) { return asked.erase(name) == 0; });
     if (one.members.empty()) continue;
-    if (mayExtract(tree.memberPath(one.node), inTarText(tree.entry(one.node))))
-      members.insert(members.end(), one.members.begin(), one.members.end());
+    if (tree.text(one.node).empty())  // absolute names have no folder in common
+      std::erase_if(one.members, [this](const std::string& name) { return !mayExtract(name, "?"); });
+    else if (!mayExtract(tree.memberPath(one.node), inTarText(tree.entry(one.node))))
+      one.members.clear();
+    members.insert(members.end(), one.members.begin(), one.members.end());
     if (answer_ == OverwriteAnswer::Cancel) return {};
     if (pace.due()) services_.user.letEventsRun();
   }
@@ -180,7 +196,7 @@ bool ExtractJob::mayExtract(const std::string& member, const std::string& inTar)
   if (answer_ == OverwriteAnswer::YesToAll) return true;
   const platform::Files& files = services_.system.files;
   OverwriteQuestion question;
-  question.path = plan_.outFolder + member;
+  question.path = plan_.outFolder + member.substr(std::min(member.find_first_not_of('/'), member.size()));
   std::replace(question.path.begin(), question.path.end(), '/', '\\');
   while (question.path.ends_with('\\')) question.path.pop_back();
   question.isFolder = files.folderExists(question.path);
@@ -197,25 +213,26 @@ bool ExtractJob::mayExtract(const std::string& member, const std::string& inTar)
 /// Only what was asked for counts, with what lies below it. What is left of it: a folder of which every
 /// member is left out is none that tar would find.
 std::set<std::string> ExtractJob::guardAgainst(const std::vector<GuardedMember>& members,
-                                               const std::set<std::string>& asked) {
+                                               const std::set<std::string>& asked,
+                                               std::vector<RefusedMember> refused) {
   ExtractGuard guard(services_.system.drives, plan_.outFolder);
-  for (const GuardedMember& member : members) guard.noteLink(member);
-  std::vector<RefusedMember> refused;
-  std::set<std::string> left;
-  for (const GuardedMember& member : members) {
-    const std::string* cover = coverOf(asked, member.name);
-    for (const GuardedMember& reading : member.otherReadings)
-      if (cover == nullptr) cover = coverOf(asked, reading.name);
-    if (cover == nullptr) continue;
-    if (auto verdict = guard.judge(member); !verdict.empty()) {
-      std::move(verdict.begin(), verdict.end(), std::back_inserter(refused));
-      continue;
-    }
-    left.insert(*cover);
-    if (folderStood_) plan_.replaceable.push_back(member.name);
-  }
+  Verdict verdict = judgeAsked(guard, members, asked);
+  refused.insert(refused.end(), verdict.refused.begin(), verdict.refused.end());
+  if (!isTar())
+    for (const std::string& name : verdict.absolute)
+      refused.push_back({name, LeftOut::Outside, std::string(withoutSlash(name))});
   logLeftOut(services_.log, refused);
+  if (isTar()) logAbsolute(services_.log, verdict.absolute);
   for (const RefusedMember& one : refused) excludes_.insert(one.exclude);
+  if (folderStood_) {
+    plan_.replaceable = std::move(verdict.kept);
+    plan_.spared = std::move(verdict.outFolders);
+  }
+  plan_.likeRemarks = std::move(verdict.likeRemarks);
+  if (!isTar()) plan_.wholly = unpackedWholly(members);
+  below_ = std::move(verdict.below);
+  std::set<std::string> left;
+  for (const auto& [name, count] : below_) left.insert(name);
   return left;
 }
 
@@ -227,6 +244,7 @@ const std::vector<GuardedMember>* ExtractJob::listedMembers() {
       services_.cygwin.cygwinBin(), listCommand(plan_.kind, plan_.archivePath), {}, listingManner());
   if (stopped() || isBad(run)) return nullptr;
   members_ = membersOf(run.text);
+  labels_ = volumeLabels(run.text);
   return &*members_;
 }
 
@@ -273,14 +291,17 @@ JobEnd ExtractJob::listNames() {
 bool ExtractJob::guardNames() {
   std::set<std::string> asked;
   for (const std::string& name : names_) asked.emplace(withoutSlash(name));
-  if (isTar() && folderStood_ && mayHoldLinks(services_.system.drives, plan_.outFolder)) {
-    const auto* const members = listedMembers();
-    if (members != nullptr) guardAgainst(*members, asked);
-    return members != nullptr;
+  const bool mayMeetLinks = folderStood_ && mayHoldLinks(services_.system.drives, plan_.outFolder);
+  if (!isTar() || (!members_ && !mayMeetLinks)) {
+    guardAgainst(unadorned(names_), asked);
+    return true;
   }
-  std::vector<GuardedMember> plain;
-  for (const std::string& name : names_) plain.push_back({name, false, {}});
-  guardAgainst(plain, asked);
+  if (listedMembers() == nullptr) return false;
+  std::vector<RefusedMember> refused;
+  for (const std::string& name : settleReadings(*members_, names_))
+    if (labels_.count(name) == 0)
+      refused.push_back({name, LeftOut::Unlisted, std::string(withoutSlash(name))});
+  guardAgainst(*members_, asked, std::move(refused));
   return true;
 }
 
@@ -292,13 +313,22 @@ Extraction ExtractJob::QuickExtract() {
   if (!guardNames()) return {JobEnd::Failed, Focus::None, false};
   plan_.withWhatIsBelow = !folderStood_;
   if (!folderStood_ && isTar()) {
+    plan_.count = countAll();
     progress_.showPercent(100);  // there is nothing to ask about
     return unpack();
   }
   plan_.members = keptNames();
   if (plan_.members.empty()) return refuse();
+  if (isTar()) plan_.count = plan_.members.size();
   passFewNames();
   return unpack();
+}
+
+/// What is left of everything.
+std::size_t ExtractJob::countAll() const {
+  return static_cast<std::size_t>(std::count_if(names_.begin(), names_.end(), [this](const auto& name) {
+    return coverOf(excludes_, name) == nullptr;
+  }));
 }
 
 std::vector<std::string> ExtractJob::keptNames() {
@@ -309,7 +339,8 @@ std::vector<std::string> ExtractJob::keptNames() {
     // tar looks for a file and for a folder of that name alike, and finds each once.
     if (coverOf(excludes_, names_[i]) == nullptr && seen.insert(withoutSlash(names_[i])).second) {
       const std::string_view plain = withoutLeadingDots(names_[i]);
-      if (plain.empty() || mayExtract(names_[i], "?")) kept.push_back(names_[i]);
+      const bool outFolder = plain.find_first_not_of('/') == plain.npos;
+      if (outFolder || mayExtract(names_[i], "?")) kept.push_back(names_[i]);
       if (answer_ == OverwriteAnswer::Cancel) return {};
     }
     if (pace.due() || i + 1 == names_.size()) progress_.showPercent(listingPercent(i, names_.size()));
@@ -320,17 +351,16 @@ std::vector<std::string> ExtractJob::keptNames() {
 Extraction ExtractJob::unpack() {
   if (stopped()) return refuse();
   plan_.excludes.assign(excludes_.begin(), excludes_.end());
-  if (!excludeOptions(plan_.excludes)) {
-    services_.log.append(" Not extracted, too many members lead out of the output folder: " +
-                         plan_.archivePath);
-    return nothingToExtract();
-  }
   services_.api.SetCurDir(services_.cygwin.cygwinBin());
   if (!toolFound(services_, plan_.kind)) return refuse();
+  plan_.counted = progress_.unpacking(plan_.count);
   const runtime::ToolResult run = ExtractRun(services_, plan_).run();
   if (run.stopped) return {JobEnd::Stopped, Focus::None, true};
   if (!run.good()) return {JobEnd::Failed, Focus::None, true, true};
-  return {excludes_.empty() ? JobEnd::Done : JobEnd::Remarks, Focus::None, true, !excludes_.empty()};
+  const bool cut = plan_.kind == ArchiveKind::Tar && lacksEnd(services_.system.files, plan_.archivePath);
+  if (cut) services_.log.append(" Its end is missing, and perhaps more: " + plan_.shownAs);
+  const bool whole = excludes_.empty() && !cut;
+  return {whole ? JobEnd::Done : JobEnd::Remarks, Focus::None, true, !whole};
 }
 
 }  // namespace archive

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -24,6 +25,7 @@ struct ExtractRequest {
   std::string archivePath;
   std::string outFolder;
   std::optional<ArchiveTree> tree = {};  ///< with its check marks; none: the archive is listed first
+  std::string shownAs = {};              ///< what the log calls the archive; empty: its path
 };
 
 /// How an extraction ended; the user has been told, except of what the log alone says.
@@ -54,10 +56,12 @@ class ExtractJob {
   const std::vector<GuardedMember>* listedMembers();
   bool isBad(const runtime::ToolResult& run) const;
   std::set<std::string> guardAgainst(const std::vector<GuardedMember>& members,
-                                     const std::set<std::string>& asked);
+                                     const std::set<std::string>& asked,
+                                     std::vector<RefusedMember> refused = {});
   bool guardNames();
   std::vector<std::string> chooseMembers(const ArchiveTree& tree, bool all);
   std::vector<std::string> keptNames();
+  std::size_t countAll() const;
   bool mayExtract(const std::string& member, const std::string& inTar);
   void passFewNames();
   Extraction unpack();
@@ -73,7 +77,9 @@ class ExtractJob {
   ExtractPlan plan_{};
   std::vector<std::string> names_;  // of a quick extraction
   std::set<std::string> excludes_;
+  std::map<std::string, std::size_t> below_;  // members that a name which was asked for brings along
   std::optional<std::vector<GuardedMember>> members_;
+  std::set<std::string> labels_;
   OverwriteAnswer answer_ = OverwriteAnswer::NothingAsked;
   bool answeredNo_ = false;
   bool folderStood_ = false;  // before this run

@@ -4,6 +4,8 @@
 #include <optional>
 
 #include "archive/ExtractCommand.h"
+#include "archive/ExtractExcludes.h"
+#include "archive/ExtractPackage.h"
 #include "archive/ExtractRemains.h"
 #include "archive/ListingLine.h"
 #include "archive/NamesFile.h"
@@ -21,13 +23,6 @@ bool lacksMember(std::string_view output) {
 
 }  // namespace
 
-std::optional<std::string> excludeOptions(const std::vector<std::string>& excludes) {
-  if (excludes.empty()) return "";
-  std::string text = "--anchored --no-wildcards ";
-  for (const std::string& exclude : excludes) text += "\"--exclude=" + exclude + "\" ";
-  return text.size() <= longestNameList ? std::optional(text) : std::nullopt;
-}
-
 ExtractRun::ExtractRun(const runtime::Services& services, ExtractPlan plan)
     : services_(services), plan_(std::move(plan)) {}
 
@@ -38,26 +33,45 @@ runtime::ToolResult ExtractRun::run() {
 }
 
 runtime::ToolResult ExtractRun::runTar() {
-  std::optional<ScratchFolder> place;
-  std::string list = excludeOptions(plan_.excludes).value_or("");
+  std::string list;
+  if (!exclusions(list)) return {};
+  list += spareOptions(plan_.spared, plan_.withWhatIsBelow);
   if (!plan_.withWhatIsBelow) list += "--no-recursion ";
-  std::string names = memberList(plan_.members);
-  if (names.size() > longestNameList ||
-      std::any_of(plan_.members.begin(), plan_.members.end(), beginsWithDash)) {
-    place.emplace(services_.system.files, services_.log, services_.api.GetTempDir());
-    const std::string file = place->path() + "\\names";
-    if (!*place || !services_.system.files.writeText(file, namesFileText(plan_.members))) {
-      services_.log.append(" Unable to write file: " + services_.api.GetTempDir() + "names");
-      return {};
-    }
-    names = namesFileOptions(file);
-  }
-  return unpack(tarExtractCommand(plan_.kind, plan_.archivePath, plan_.outFolder, list + names));
+  const auto names = members();
+  if (!names) return {};
+  return unpack(tarExtractCommand(plan_.kind, plan_.archivePath, plan_.outFolder, list + *names));
+}
+
+/// nullopt: they could not be written, which the log tells.
+std::optional<std::string> ExtractRun::members() {
+  const std::string names = memberList(plan_.members);
+  if (names.size() <= longestNameList &&
+      std::none_of(plan_.members.begin(), plan_.members.end(), beginsWithDash))
+    return names;
+  if (!writeFile("names", namesFileText(plan_.members))) return std::nullopt;
+  return namesFileOptions(place_->path() + "\\names");
+}
+
+bool ExtractRun::exclusions(std::string& options) {
+  options = excludeOptions(plan_.excludes);
+  if (options.size() <= longestNameList) return true;
+  const ExcludeFiles files = excludeFiles(plan_.excludes);
+  if (!writeFile("excludes", files.names) || !writeFile("patterns", files.patterns)) return false;
+  options = excludeFileOptions(place_->path() + "\\excludes", place_->path() + "\\patterns");
+  return true;
+}
+
+bool ExtractRun::writeFile(const std::string& name, const std::string& bytes) {
+  if (!place_) place_.emplace(services_.system.files, services_.log, services_.api.GetTempDir());
+  if (*place_ && services_.system.files.writeText(place_->path() + '\\' + name, bytes)) return true;
+  services_.log.append(" Unable to write file: " + services_.api.GetTempDir() + name);
+  return false;
 }
 
 runtime::ToolResult ExtractRun::unpack(const std::string& command) {
   ExtractRemains remains(services_, plan_.outFolder, plan_.replaceable);
-  runtime::ToolResult run = services_.api.RunAndWait(command, {}, runtime::mayChange({plan_.outFolder}));
+  runtime::ToolResult run =
+      services_.api.RunAndWait(view(), command, {}, runtime::mayChange({plan_.outFolder}));
   if (run.status != platform::notStarted && !run.ended()) remains.clear(run.text);
   return run;
 }
@@ -72,43 +86,42 @@ runtime::ToolResult ExtractRun::runAr() {
   platform::Environment& environment = services_.system.environment;
   const std::string tools = ";" + services_.cygwin.cygwinBin();
   if (!environment.get("Path").ends_with(tools)) environment.set("Path", environment.get("Path") + tools);
-  runtime::ToolResult run = services_.api.RunAndWait(arExtractCommand(plan_.archivePath, plan_.members),
+  for (const std::string& folder : plan_.wholly.value_or(std::vector<std::string>()))
+    services_.system.files.createFolder(place.path() + '\\' + folder);
+  const std::vector<std::string> named = plan_.wholly ? std::vector<std::string>() : plan_.members;
+  runtime::ToolResult run = services_.api.RunAndWait(view(), arExtractCommand(plan_.archivePath, named),
                                                      place.path(), runtime::mayChange({place.path()}));
   if (run.status == 0 && lacksMember(run.text)) run.status = 1;
-  if (!run.ended() || moveIn(place.path())) return run;
+  if (!run.ended()) return run;
+  const PackageMove move(services_, place.path(), plan_.outFolder);
+  if (plan_.wholly ? move.some(plan_.members) : move.all()) return run;
   run.stopped = services_.system.busy.stopRequested();
   if (run.status == 0) run.status = 1;
   return run;
 }
 
-/// A rename puts a file in the place of a link, never behind it.
-bool ExtractRun::moveIn(const std::string& from) {
-  const platform::Files& files = services_.system.files;
-  const auto entries = files.entries(from);
-  bool all = entries.has_value();
-  for (const auto& entry : entries.value_or(std::vector<platform::Files::Entry>())) {
-    if (services_.system.busy.stopRequested()) return false;
-    if (entry.name == ScratchFolder::lockName) continue;
-    const std::string target = plan_.outFolder + entry.name;
-    if (files.rename(from + '\\' + entry.name, target)) continue;
-    services_.log.append(" Unable to write file: " + target);
-    all = false;
-  }
-  return all;
+runtime::VisibleRun ExtractRun::view() const {
+  return {"Extracting " + runtime::GetFileName(plan_.archivePath), plan_.count, {}, plan_.counted};
+}
+
+/// A member may look like a remark.
+bool ExtractRun::isToBeLogged(std::string_view line) const {
+  if (plan_.kind == runtime::ArchiveKind::Ipk) return isArRemark(line);
+  return isRemark(line) && plan_.likeRemarks.count(heldName(line)) == 0;
 }
 
 void ExtractRun::logEnd(const runtime::ToolResult& run) {
   if (!services_.user.keepsConsole())
     for (const std::string_view line : completeLines(run.text))
-      if (isRemark(line) || isArRemark(line)) services_.log.append(std::string(line));
+      if (isToBeLogged(line)) services_.log.append(std::string(line));
   if (run.stopped) return;
   if (!run.ended()) {
     services_.log.append(' ' + howItEnded(run, plan_.kind == runtime::ArchiveKind::Ipk ? "ar" : "tar") +
-                         ", not extracted whole: " + plan_.archivePath);
+                         ", not extracted whole: " + plan_.shownAs);
     return;
   }
   const std::string code = run.status == 0 ? "" : " (exit code " + std::to_string(run.status) + ")";
-  services_.log.append(" Extracted file: " + plan_.archivePath + code);
+  services_.log.append(" Extracted file: " + plan_.shownAs + code);
 }
 
 }  // namespace archive

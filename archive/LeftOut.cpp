@@ -1,5 +1,7 @@
 #include "archive/LeftOut.h"
 
+#include <algorithm>
+
 namespace archive {
 namespace {
 
@@ -15,6 +17,8 @@ const char* reasonText(LeftOut reason) {
       return " Not extracted, it lies below a link: ";
     case LeftOut::HardLinkOut:
       return " Not extracted, it is a hard link to something outside the output folder: ";
+    case LeftOut::Unlisted:
+      return " Not extracted, the archive was listed without it: ";
   }
   return "";
 }
@@ -33,6 +37,12 @@ void logLeftOut(runtime::Log& log, const std::vector<RefusedMember>& refused) {
   }
   if (reported > mostReported)
     log.append(" Not extracted either: more members that lead out of the output folder");
+}
+
+void logAbsolute(runtime::Log& log, const std::vector<std::string>& members) {
+  for (std::size_t i = 0; i < std::min(members.size(), mostReported); ++i)
+    log.append(" Extracted below the output folder, its name is absolute: " + members[i]);
+  if (members.size() > mostReported) log.append(" Extracted there as well: more members of absolute names");
 }
 
 }  // namespace archive

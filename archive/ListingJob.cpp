@@ -3,6 +3,7 @@
 #include "archive/ArchiveTreeBuilder.h"
 #include "archive/ExtractCommand.h"
 #include "archive/ListingOutput.h"
+#include "archive/PackageNotice.h"
 #include "runtime/MissingTool.h"
 #include "runtime/Pace.h"
 
@@ -90,6 +91,10 @@ Listing ListingJob::run() {
   if (!checked.kind) return {JobEnd::Refused, checked.focus};
   progress_.reading();
   Listing listing = listArchive(services_, *checked.kind, path_, progress_);
+  if (listing.end == JobEnd::Done && runtime::archiveKind(path_) == ArchiveKind::Ipk) {
+    logPackage(services_, *checked.kind, path_, listing.tree);
+    if (services_.system.busy.stopRequested()) listing.end = JobEnd::Stopped;
+  }
   if (listing.end == JobEnd::Stopped) services_.log.append(" Stopped: listing " + path_);
   return listing;
 }

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 
 #include "platform/HeldName.h"
 #include "runtime/EscapeQuoting.h"
@@ -102,6 +103,13 @@ std::optional<ArchiveEntry> parseListingLine(std::string_view line) {
   return byCountingWords(mode, rest);
 }
 
+std::optional<std::uint64_t> byteCount(const ArchiveEntry& entry) {
+  const char* const end = entry.size.data() + entry.size.size();
+  std::uint64_t bytes = 0;
+  const auto read = std::from_chars(entry.size.data(), end, bytes);
+  return read.ec == std::errc() && read.ptr == end ? std::optional(bytes) : std::nullopt;
+}
+
 std::vector<EntryPath> linkReadings(const ArchiveEntry& entry) {
   std::vector<EntryPath> readings;
   const std::string_view arrow = entry.mode.front() == 'l' ? " -> " : " link to ";
@@ -120,7 +128,8 @@ std::string heldName(std::string_view printed) {
 }
 
 bool isRemark(std::string_view line) {
-  constexpr std::array<std::string_view, 5> speakers = {"tar: ", "gzip: ", "bzip2: ", "pigz: ", "lbzip2: "};
+  constexpr std::array<std::string_view, 8> speakers = {
+      "tar: ", "tar (child): ", "gzip: ", "bzip2: ", "pigz: ", "lbzip2: ", "xz: ", "zstd: "};
   // What bzip2 1.0.8 prints behind its own name; no printed name begins with a tab.
   constexpr std::array<std::string_view, 5> advice = {
       "\t", "It is possible that the compressed file(s) have become corrupted.",

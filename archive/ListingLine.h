@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -24,6 +25,9 @@ struct ArchiveEntry {
 /// The fields of a line, found from its date and time; where it has none, by counting words. nullopt for what
 /// names no member: remarks of tools, blank lines, volume labels.
 std::optional<ArchiveEntry> parseListingLine(std::string_view line);
+
+/// Of an entry's size; nullopt of a device.
+std::optional<std::uint64_t> byteCount(const ArchiveEntry& entry);
 
 /// An entry's name apart from what a link's line says behind it, both as printed.
 struct EntryPath {

@@ -1,12 +1,13 @@
 #pragma once
 
 #include <cstddef>
+#include <functional>
 
 namespace archive {
 
 struct Listing;
 
-/// Whoever watches a listing being read.
+/// Whoever watches an archive being read.
 class ListingProgress {
  public:
   virtual ~ListingProgress() = default;
@@ -14,6 +15,9 @@ class ListingProgress {
   virtual void filling() {}                     ///< they came, and go into the tree now
   virtual void showPercent(float percent) = 0;  ///< 0 to 100; pending events run
   virtual void listed(const Listing&) {}        ///< a step of another job: how it ended, and the tree
+  /// So many members are unpacked next (0: not known). What takes how many are done; none: the run shows its
+  /// console.
+  virtual std::function<void(std::size_t done)> unpacking(std::size_t /*members*/) { return {}; }
 };
 
 /// How much of a listing has been read after its line `index` (from 0) of `count`.

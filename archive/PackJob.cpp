@@ -1,5 +1,7 @@
 #include "archive/PackJob.h"
 
+#include <algorithm>
+
 #include "archive/PackList.h"
 #include "archive/PackRun.h"
 
@@ -72,8 +74,13 @@ JobEnd PackJob::create() {
   services_.cygwin.SetCygwinEnvironment();
   services_.api.SetCurDir(services_.cygwin.cygwinBin());
   const char mode = settings_.append ? 'r' : 'c';
-  return PackRun(services_, {settings_, *kind_, mode, std::move(list), insideUsr8(selection_), replaces_})
-      .run();
+  const JobEnd end =
+      PackRun(services_, {settings_, *kind_, mode, std::move(list), insideUsr8(selection_), replaces_}).run();
+  const auto& chosen = selection_.selectedPaths;
+  if (end != JobEnd::Done || std::find(chosen.begin(), chosen.end(), result_.path) == chosen.end())
+    return end;
+  services_.log.append(" Not packed, it is the archive itself: " + result_.path);
+  return JobEnd::Remarks;
 }
 
 }  // namespace archive

@@ -11,10 +11,14 @@ namespace archive {
 
 struct PackResult {
   runtime::JobEnd end = runtime::JobEnd::Refused;
-  std::string path;               ///< of the output, whole; made when the end is Done
+  std::string path;               ///< of the output, whole; isMade() says whether it stands
   bool unknownExtension = false;  ///< refused because of the output's name
   bool madeNew = false;           ///< an append became a new file, as the user agreed
 };
+
+inline bool isMade(const PackResult& result) {
+  return result.end == runtime::JobEnd::Done || result.end == runtime::JobEnd::Remarks;
+}
 
 /// Creates an archive: every check, question and message of the archive dialog's "Create Tar", the staging of
 /// usr8, the tar run and its exit code. Whoever starts it holds the gate and has taken the selection once.

@@ -1,8 +1,10 @@
 #include "archive/PackRun.h"
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <iterator>
+#include <set>
 #include <string_view>
 
 #include "archive/ListingLine.h"
@@ -26,6 +28,21 @@ constexpr int fatalError = 2;
 /// GNU tar 1.34 repeats a time that it was given.
 constexpr std::string_view echoedTime = "tar: Option --mtime: Treating date ";
 
+/// What GNU tar 1.34 says of things that no archive can hold.
+constexpr std::string_view tarSays = "tar: ";
+constexpr std::array<std::string_view, 3> ignored = {": socket ignored", ": door ignored",
+                                                     ": Unknown file type; file ignored"};
+
+/// tar puts a backslash in front of a name's colons there.
+std::string nameInRemark(std::string_view remark) {
+  std::string printed;
+  for (const char c : remark.substr(tarSays.size())) {
+    if (c == ':' && printed.ends_with('\\')) printed.pop_back();
+    printed += c;
+  }
+  return heldName(printed);
+}
+
 constexpr const char* missingFiles =
     "Error: Unable to locate necessary program files.\rTry reinstalling the application";
 constexpr const char* unknownError = "Error: An unknown error occurred.\rTry reinstalling Pakrune or Cygwin";
@@ -39,10 +56,11 @@ constexpr const char* failedPrompt =
 PackRun::PackRun(const runtime::Services& services, PackPlan plan)
     : services_(services),
       plan_(std::move(plan)),
-      roots_(packedRoots(services_.system.drives, plan_.list, staged(), plan_.insideUsr8)) {}
+      roots_(packedRoots(services_.system.drives, plan_.list, staged(), plan_.insideUsr8)),
+      end_(platform::linkEnd(services_.system.drives, target())) {}
 
 JobEnd PackRun::run() {
-  const std::string folder = runtime::getFilePath(target());
+  const std::string folder = runtime::getFilePath(end_);
   if (plan_.list.names.empty() && !staged()) return refuse(nothingToPack(plan_.list.workingFolder));
   if (const int problem = services_.system.files.writeProblem(folder); problem != 0)
     return refuse(cannotWrite(folder, problem));
@@ -60,7 +78,7 @@ JobEnd PackRun::run() {
   const std::string command = tarCommand(plan_.settings, plan_.kind, plan_.mode, plan_.list, listText_,
                                          staging ? staging->tmpFolder() : "", file_);
   const runtime::ToolResult run =
-      services_.api.RunAndWait(command, {}, runtime::mayChangeForAll({place_->path()}));
+      services_.api.RunAndWait(view(), command, {}, runtime::mayChangeForAll({place_->path()}));
   staging.reset();
   return finish(run, command);
 }
@@ -81,7 +99,7 @@ bool PackRun::settleTime() {
   const platform::DriveTable& drives = services_.system.drives;
   std::vector<std::string> paths;
   for (const PackedRoot& root : roots_) paths.push_back(drives.toHost(root.path).value_or(""));
-  const std::string output = drives.toHost(platform::resolvedPath(drives, target())).value_or("");
+  const std::string output = drives.toHost(platform::resolvedPath(drives, end_)).value_or("");
   plan_.settings.time =
       platform::newestTime(paths, services_.system.busy.stop(),
                            [&](const std::string& path) { return path == output || isScratchOnHost(path); });
@@ -92,7 +110,7 @@ bool PackRun::settleTime() {
 /// packs its own copies, so every place is free.
 bool PackRun::openPlace() {
   const platform::Files& files = services_.system.files;
-  const std::string folder = runtime::getFilePath(target());
+  const std::string folder = runtime::getFilePath(end_);
   if (staged() || memberName(roots_, platform::resolvedPath(services_.system.drives, folder + "_PK")).empty())
     place_.emplace(files, services_.log, folder);
   if (!place_ || !*place_) place_.emplace(files, services_.log, services_.api.GetTempDir());
@@ -116,6 +134,7 @@ bool PackRun::copyEarlier() {
 /// The output, and the scratch folders of this run and of others, stay out of the folders that hold them.
 std::vector<std::string> PackRun::ownThings() const {
   std::vector<std::string> paths = {target()};
+  if (end_ != target()) paths.push_back(end_);
   if (staged()) return paths;  // what tar reads then is a copy without the rest
   for (const PackedRoot& root : roots_)
     std::ranges::copy(scratchFoldersBelow(services_.system.files, root.path, services_.system.busy.stop()),
@@ -153,6 +172,11 @@ std::string PackRun::statedCommand() const {
                     target());
 }
 
+runtime::VisibleRun PackRun::view() const {
+  return {(plan_.mode == 'r' ? "Appending to " : "Creating ") + runtime::GetFileName(target()), 0,
+          [this] { return services_.system.files.fileSize(file_).value_or(0); }};
+}
+
 JobEnd PackRun::finish(const runtime::ToolResult& run, const std::string& command) {
   if (run.stopped || stopWanted()) return JobEnd::Stopped;
   logRemarks(run);
@@ -164,7 +188,9 @@ JobEnd PackRun::finish(const runtime::ToolResult& run, const std::string& comman
   if (const int error = moveToTarget(); error != 0) return notMoved(error);
   if (run.status == 0) {
     services_.log.append(" Created file: " + target());
-    return JobEnd::Done;
+    const std::vector<std::string> lacking = leftOut(run);
+    for (const std::string& name : lacking) services_.log.append(" Not packed: " + name);
+    return lacking.empty() ? JobEnd::Done : JobEnd::Remarks;
   }
   services_.log.append(" Archive kept, though files changed while they were read: " + target());
   services_.user.message(unknownError, Buttons::Ok, Icon::None);
@@ -174,17 +200,16 @@ JobEnd PackRun::finish(const runtime::ToolResult& run, const std::string& comman
 /// The archive keeps mode and owner of the one that it replaces. 0, or the system's error.
 int PackRun::moveToTarget() {
   const platform::Files& files = services_.system.files;
-  if (plan_.replaces && files.fileExists(target()))
-    platform::copyModeAndOwner(services_.system.drives, target(), file_);
+  if (plan_.replaces && files.fileExists(end_))
+    platform::copyModeAndOwner(services_.system.drives, end_, file_);
   const auto existing = plan_.replaces ? platform::Existing::Replaced : platform::Existing::Spared;
-  return files.moveFile(file_, target(), existing, services_.system.busy.stop());
+  return files.moveFile(file_, end_, existing, services_.system.busy.stop());
 }
 
 JobEnd PackRun::notMoved(int systemError) {
   if (systemError == ECANCELED) return JobEnd::Stopped;
   const bool lostRace = systemError == EEXIST && !plan_.replaces;
-  return fail(lostRace ? appearedMeanwhile(target())
-                       : cannotWrite(runtime::getFilePath(target()), systemError));
+  return fail(lostRace ? appearedMeanwhile(target()) : cannotWrite(runtime::getFilePath(end_), systemError));
 }
 
 void PackRun::reportFailure(const runtime::ToolResult& run, const std::string& command) {
@@ -212,7 +237,33 @@ void PackRun::showFailedCommand() {
 void PackRun::logRemarks(const runtime::ToolResult& run) {
   if (services_.user.keepsConsole()) return;  // they can still be read there
   for (const std::string_view line : completeLines(run.text))
-    if (isRemark(line) && !line.starts_with(echoedTime)) services_.log.append(std::string(line));
+    if (isRemark(line) && !isName(line) && !line.starts_with(echoedTime))
+      services_.log.append(std::string(line));
+}
+
+/// A line of tar names what it packs, and a name may look like a remark.
+bool PackRun::isName(std::string_view line) const {
+  const std::string name = heldName(line);
+  return std::any_of(roots_.begin(), roots_.end(), [&](const PackedRoot& root) {
+    const bool below = name.starts_with(root.member + '/');
+    if (!below && name != root.member) return false;
+    std::string rest = name.substr(root.member.size());
+    std::replace(rest.begin(), rest.end(), '/', '\\');
+    return services_.system.files.entryExists(root.path + rest);
+  });
+}
+
+/// What was chosen and tar passed over, which ends well.
+std::vector<std::string> PackRun::leftOut(const runtime::ToolResult& run) const {
+  std::set<std::string> passedOver;
+  for (const std::string_view line : completeLines(run.text))
+    for (const std::string_view reason : ignored)
+      if (line.starts_with(tarSays) && line.ends_with(reason) && !isName(line))
+        passedOver.insert(nameInRemark(line.substr(0, line.size() - reason.size())));
+  std::vector<std::string> names;
+  for (const PackedRoot& root : roots_)
+    if (passedOver.count(root.member) > 0) names.push_back(root.member);
+  return names;
 }
 
 }  // namespace archive

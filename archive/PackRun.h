@@ -34,6 +34,8 @@ class PackRun {
   bool staged() const { return plan_.settings.stageUsr8 && plan_.list.usr8Found; }
   bool stopWanted() const { return services_.system.busy.stopRequested(); }
   const std::string& target() const { return plan_.settings.outputPath; }
+  std::vector<std::string> leftOut(const runtime::ToolResult& run) const;
+  bool isName(std::string_view line) const;
   runtime::JobEnd refuse(const std::string& problem);
   runtime::JobEnd fail(const std::string& problem);
   bool settleTime();
@@ -43,6 +45,7 @@ class PackRun {
   std::vector<std::string> ownThings() const;
   std::string exclusions() const;
   std::string statedCommand() const;
+  runtime::VisibleRun view() const;
   runtime::JobEnd finish(const runtime::ToolResult& run, const std::string& command);
   int moveToTarget();
   runtime::JobEnd notMoved(int systemError);
@@ -53,6 +56,7 @@ class PackRun {
   runtime::Services services_;
   PackPlan plan_;
   std::vector<PackedRoot> roots_;
+  std::string end_;  ///< what is written: the output, or where it leads as a link
   std::optional<ScratchFolder> place_;
   std::string file_;      ///< what tar writes
   std::string listText_;  ///< what stands behind the archive in the command

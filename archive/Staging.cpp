@@ -111,7 +111,7 @@ bool Staging::copyAround(const std::string& name, const std::string& from, const
 }
 
 bool Staging::runCopy(const std::string& listText, const std::string& from, const std::string& to) {
-  const std::string command = "cp -rpt " + runtime::ToCygwinPath(to) + ' ' + listText;
+  const std::string command = "cp -rpt " + runtime::ToCygwinPath(to) + " --preserve=links " + listText;
   const runtime::ToolResult run = services_.api.RunCapture(services_.cygwin.cygwinBin(), command, from,
                                                            runtime::mayChangeForAll({scratch_.path()}));
   if (run.stopped || services_.system.busy.stopRequested()) return false;

@@ -35,7 +35,7 @@ class Nobody : public runtime::UserInterface {
   void showCommand(const std::string&, const std::string&, const std::string&) override {}
   void letEventsRun() override { QApplication::processEvents(); }
   void consoleOutput(std::string_view) override {}
-  void consoleOpened(const std::string&) override {}
+  void consoleOpened(const runtime::VisibleRun&) override {}
   void consoleClosed() override {}
 };
 

@@ -32,7 +32,7 @@ class Watch : public runtime::UserInterface {
     last_ = Clock::now();
   }
   void consoleOutput(std::string_view) override {}
-  void consoleOpened(const std::string&) override {}
+  void consoleOpened(const runtime::VisibleRun&) override {}
   void consoleClosed() override {}
 
   void begin() {

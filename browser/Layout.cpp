@@ -13,6 +13,7 @@ const std::map<std::string, Rect, std::less<>>& design() {
       {"frameUntar", {60, 0, 11920, 8200}},
       {"txtLog", {165, 6990, 11655, 1200}},
       {"lblHalvoren", {165, 8240, 2400, 300}},
+      {"lblLast", {2640, 8240, 9180, 300}},
       // frameMain
       {"Label5", {105, 75, 600, 330}},
       {"Drive1", {720, 60, 1380, 375}},
@@ -50,6 +51,7 @@ const std::map<std::string, Rect, std::less<>>& design() {
       {"tarTree", {240, 1665, 11440, 5515}},
       {"TreeView1", {240, 1665, 11440, 5515}},
       {"frameTarSelector", {240, 7180, 2700, 405}},
+      {"cmdBack", {3030, 7210, 1275, 345}},
       {"frameUntarButtons", {3460, 7600, 5000, 480}},
       {"frameTarRefreshLabel", {3860, 4000, 4200, 390}},
       {"pbTarRefresh", {3860, 4400, 4200, 330}},
@@ -87,7 +89,10 @@ void Layout::placeWindow(int width, int height, bool logShown) {
     setExtent(at(name).width, width - 80);
     setExtent(at(name).height, height - (logShown ? 2055 : 800));
   }
-  at("lblHalvoren").top = height - 760;  // the band that the frames leave at the bottom
+  // the band that the frames leave at the bottom
+  for (const char* name : {"lblHalvoren", "lblLast"}) at(name).top = height - 760;
+  Rect& last = at("lblLast");
+  setExtent(last.width, log.left + log.width - last.left);
 }
 
 void Layout::placeBrowser() {
@@ -126,6 +131,7 @@ void Layout::placeArchive() {
     setExtent(tree.height, frame.height - 2685);
   }
   at("frameTarSelector").top = at("tarTree").top + at("tarTree").height;
+  at("cmdBack").top = at("frameTarSelector").top + 30;
   for (const char* name : {"txtFileIn", "txtOutLocation"}) setExtent(at(name).width, frame.width - 2640);
   at("cmdGetFile").left = at("txtFileIn").left + at("txtFileIn").width;
   at("cmdSelectOut").left = at("txtOutLocation").left + at("txtOutLocation").width;

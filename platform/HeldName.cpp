@@ -71,10 +71,12 @@ bool isHeld(const Decoded& at) {
   return isHeldByte(static_cast<unsigned char>(at.code - heldFirst));
 }
 
+/// Held characters begin with this byte; most names have none.
+constexpr char heldLead = '\xEF';
+
 /// Copies a text and hands each held byte to `release`, which appends what stands for it.
 template <typename Release>
 std::string replaceHeld(std::string_view inner, Release release) {
-  constexpr char heldLead = '\xEF';  // most names hold nothing
   if (inner.find(heldLead) == inner.npos) return std::string(inner);
   std::string out;
   out.reserve(inner.size());
@@ -86,6 +88,35 @@ std::string replaceHeld(std::string_view inner, Release release) {
     else
       out += inner.substr(0, length);
     inner.remove_prefix(length);
+  }
+  return out;
+}
+
+void appendCode(std::string& out, unsigned char byte) {
+  constexpr std::string_view digits = "0123456789ABCDEF";
+  out += "\\x";
+  out += digits[byte >> 4];
+  out += digits[byte & 0xF];
+}
+
+/// The marks, embeddings, overrides and isolates of bidirectional text.
+bool changesDirection(char32_t code) {
+  return code == 0x061C || code == 0x200E || code == 0x200F || (code >= 0x202A && code <= 0x202E) ||
+         (code >= 0x2066 && code <= 0x2069);
+}
+
+std::string withShownDirections(std::string_view text) {
+  constexpr std::string_view leads = "\xD8\xE2";  // of those characters
+  if (text.find_first_of(leads) == text.npos) return std::string(text);
+  std::string out;
+  while (!text.empty()) {
+    const Decoded at = decode(text);
+    const std::string_view bytes = text.substr(0, at.length == 0 ? 1 : at.length);
+    if (changesDirection(at.code))
+      for (const char byte : bytes) appendCode(out, static_cast<unsigned char>(byte));
+    else
+      out += bytes;
+    text.remove_prefix(bytes.size());
   }
   return out;
 }
@@ -119,16 +150,13 @@ std::string releaseName(std::string_view inner) {
 }
 
 std::string shownName(std::string_view inner) {
-  return replaceHeld(inner, [](std::string& out, unsigned char byte) {
-    constexpr std::string_view digits = "0123456789ABCDEF";
-    if (byte < 0x80 && !isControl(byte)) {
+  const std::string shown = replaceHeld(inner, [](std::string& out, unsigned char byte) {
+    if (byte < 0x80 && !isControl(byte))
       out += static_cast<char>(byte);
-      return;
-    }
-    out += "\\x";
-    out += digits[byte >> 4];
-    out += digits[byte & 0xF];
+    else
+      appendCode(out, byte);
   });
+  return withShownDirections(shown);
 }
 
 }  // namespace platform

@@ -16,7 +16,8 @@ std::string holdName(std::string_view hostBytes);
 std::string releaseName(std::string_view inner);
 
 /// The text for lists and labels: the character that is held, and `\xHH` for a held control
-/// character or a byte that is not valid UTF-8.
+/// character, a byte that is not valid UTF-8, and each byte of a character that changes the direction
+/// of the text around it.
 std::string shownName(std::string_view inner);
 
 }  // namespace platform

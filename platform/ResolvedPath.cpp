@@ -1,6 +1,7 @@
 #include "platform/ResolvedPath.h"
 
 #include <cstdlib>
+#include <filesystem>
 #include <memory>
 
 namespace platform {
@@ -22,6 +23,19 @@ std::string resolvedPath(const DriveTable& drives, std::string_view path) {
   if (name.empty() || name == "..") return drives.toWindows(realFolder(*host));
   const std::string folder = realFolder(slash == 0 ? "/" : host->substr(0, slash));
   return drives.toWindows(folder == "/" ? '/' + name : folder + '/' + name);
+}
+
+std::string linkEnd(const DriveTable& drives, const std::string& path) {
+  constexpr int mostLinks = 40;
+  std::string at = path;
+  for (int links = 0; links < mostLinks; ++links) {
+    const std::filesystem::path host = drives.toHost(at).value_or("");
+    std::error_code noLink;
+    const std::filesystem::path target = std::filesystem::read_symlink(host, noLink);
+    if (noLink) return at;
+    at = resolvedPath(drives, drives.toWindows((host.parent_path() / target).string()));
+  }
+  return path;
 }
 
 std::string resolvedFolder(const DriveTable& drives, std::string_view folder) {

@@ -11,7 +11,11 @@ namespace platform {
 /// The path as the table writes it where the way does not exist; empty where it names nothing here.
 std::string resolvedPath(const DriveTable& drives, std::string_view path);
 
-/// The same with a link as the last name followed too: what a folder really is.
+/// Where a file gets that is written to a path: a link as the last name leads on, also to where nothing is. A
+/// path that is no link is given back as it is, and so is one whose links have no end.
+std::string linkEnd(const DriveTable& drives, const std::string& path);
+
+/// The same as resolvedPath with a link as the last name followed too: what a folder really is.
 std::string resolvedFolder(const DriveTable& drives, std::string_view folder);
 
 /// A path with a ".." in it in the form of resolvedPath, so that every component is a name; any other as it

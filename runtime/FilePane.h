@@ -17,7 +17,8 @@ class FilePane {
   virtual std::string GetDir1Path() const = 0;             ///< current folder, trailing backslash
   virtual void selectAllRows() = 0;                        ///< the action of "Select All"
   virtual void refreshKeepList() = 0;                      ///< lists again, keeping the selection
-  virtual bool setOwnerShown() const = 0;                  ///< whether root may be offered as an owner
+  virtual void showEntry(const std::string& path) = 0;  ///< its row, if any, is the current one and in view
+  virtual bool setOwnerShown() const = 0;               ///< whether root may be offered as an owner
 };
 
 }  // namespace runtime

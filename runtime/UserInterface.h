@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -18,6 +21,15 @@ inline Answer refusalOf(Buttons buttons) {
 
 constexpr const char* programTitle = "Pakrune";
 
+/// A visible run of a tool, for whoever watches it.
+struct VisibleRun {
+  std::string title;                            ///< what it does: "Creating pkg.tgz"
+  std::size_t members = 0;                      ///< that it works on; 0: nobody knows how many
+  std::function<std::uint64_t()> written = {};  ///< bytes so far; none: nothing that grows is known
+  /// Is told how many members are done, for a window of the job's own: then no other one shows the run.
+  std::function<void(std::size_t)> counted = {};
+};
+
 /// What a piece of work needs from whoever sits in front of the program. With windows: real message boxes;
 /// without a display: lines on standard error.
 class UserInterface {
@@ -33,7 +45,7 @@ class UserInterface {
   /// Pending events run once, without waiting; while the gate is held, only those that it lets through.
   virtual void letEventsRun() = 0;
   /// A visible run of a tool: its console opens, shows the output as it comes, and closes at its end.
-  virtual void consoleOpened(const std::string& title) = 0;
+  virtual void consoleOpened(const VisibleRun& run) = 0;
   virtual void consoleOutput(std::string_view bytes) = 0;
   virtual void consoleClosed() = 0;
   /// Every question that could be asked is agreed to beforehand.

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "runtime/NameCount.h"
+
 namespace runtime {
 namespace {
 
@@ -12,8 +14,6 @@ constexpr const char* heldQuote = "\xEF\x80\xA2";  // names the same file as '"'
 bool startsToolsDirectly(const std::string& osVersion) {
   return osVersion.empty() || osVersion == "2000" || osVersion == "NT";
 }
-
-std::string firstWord(const std::string& commandLine) { return commandLine.substr(0, commandLine.find(' ')); }
 
 }  // namespace
 
@@ -91,21 +91,24 @@ ToolResult modAPI::RunCapture(const std::string& toolFolder, const std::string& 
   return finished(std::move(raw));
 }
 
-ToolResult modAPI::RunAndWait(const std::string& commandLine, const std::string& workingFolder,
-                              const platform::RunManner& manner) {
+ToolResult modAPI::RunAndWait(const VisibleRun& run, const std::string& commandLine,
+                              const std::string& workingFolder, const platform::RunManner& manner) {
   const platform::Busy::Scope busy(system_.busy);
   const platform::Stop stop = system_.busy.stop();
   if (stop.requested()) return finished({"", platform::notStarted, 0, false, true});
   std::string text;
-  user_.consoleOpened(firstWord(commandLine));
+  NameCount names;
+  user_.consoleOpened(run);
   // The tools come first in PATH; the current folder may be the user's, where no program is looked for.
   platform::RunResult raw = system_.runner.runVisible(
       {commandLine, workingFolder.empty() ? currentFolder_ : workingFolder, "", manner},
-      [this, &text](std::string_view bytes) {
+      [&](std::string_view bytes) {
         text += bytes;
+        names.add(bytes);
         user_.consoleOutput(bytes);
       },
-      [this, &stop] {
+      [&] {
+        if (run.counted) run.counted(names.done());
         user_.letEventsRun();
         return !stop.requested();
       });

@@ -42,8 +42,8 @@ class modAPI {
                         const std::string& workingFolder = {}, const platform::RunManner& manner = {});
 
   /// A run in a visible console that is waited for.
-  ToolResult RunAndWait(const std::string& commandLine, const std::string& workingFolder = {},
-                        const platform::RunManner& manner = {});
+  ToolResult RunAndWait(const VisibleRun& run, const std::string& commandLine,
+                        const std::string& workingFolder = {}, const platform::RunManner& manner = {});
 
   /// True when the tool's file (and its folder) is there; nothing is started.
   bool ProbeTool(const std::string& toolPath) const;

@@ -16,7 +16,7 @@ class BatchUser : public runtime::UserInterface {
   void showCommand(const std::string& title, const std::string& prompt, const std::string& text) override;
   void letEventsRun() override {}
   void consoleOutput(std::string_view bytes) override;
-  void consoleOpened(const std::string&) override {}
+  void consoleOpened(const runtime::VisibleRun&) override {}
   void consoleClosed() override {}
   bool agrees() const override { return yes_; }
   bool keepsConsole() const override { return true; }

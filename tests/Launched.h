@@ -73,6 +73,7 @@ class LauncherTest : public testworld::World {
     all.insert(all.end(), words.begin(), words.end());
     all.insert(all.end(), {"--", tool.front()});
     all.insert(all.end(), tool.begin(), tool.end());
+    const platform::Descriptor written(output[1]), reported(report[1]);
     const pid_t process = fork();
     if (process == 0) {
       setpgid(0, 0);
@@ -81,7 +82,6 @@ class LauncherTest : public testworld::World {
       execute(all, output[1], report[1]);
     }
     setpgid(process, process);
-    for (const int end : {output[1], report[1]}) close(end);
     return {process, platform::Descriptor(output[0]), platform::Descriptor(report[0])};
   }
   bool offers(Who who, const Words& words) const {

@@ -35,24 +35,36 @@ inline bool belongsTo(const std::string& path, uid_t user, gid_t group) {
   return geteuid() != 0 || (status.st_uid == user && status.st_gid == group);
 }
 
+inline std::ptrdiff_t openDescriptors() {
+  return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+}
+
+/// While it lives, this process gets no more of something.
+class Limit {
+ public:
+  Limit(__rlimit_resource what, rlim_t most) : what_(what) {
+    getrlimit(what_, &old_);
+    const rlimit few = {most, old_.rlim_max};
+    EXPECT_EQ(setrlimit(what_, &few), 0);
+  }
+  ~Limit() { setrlimit(what_, &old_); }
+  Limit(const Limit&) = delete;
+  Limit& operator=(const Limit&) = delete;
+
+ private:
+  __rlimit_resource what_;
+  rlimit old_{};
+};
+
 /// As on a full disk: while it lives, no file grows beyond its size.
 class FullDisk {
  public:
-  explicit FullDisk(rlim_t size) : handler_(signal(SIGXFSZ, SIG_IGN)) {
-    getrlimit(RLIMIT_FSIZE, &old_);
-    const rlimit small = {size, old_.rlim_max};
-    EXPECT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
-  }
-  ~FullDisk() {
-    setrlimit(RLIMIT_FSIZE, &old_);
-    signal(SIGXFSZ, handler_);
-  }
-  FullDisk(const FullDisk&) = delete;
-  FullDisk& operator=(const FullDisk&) = delete;
+  explicit FullDisk(rlim_t size) : limit_(RLIMIT_FSIZE, size) {}
+  ~FullDisk() { signal(SIGXFSZ, handler_); }
 
  private:
-  sighandler_t handler_;
-  rlimit old_{};
+  sighandler_t handler_ = signal(SIGXFSZ, SIG_IGN);
+  Limit limit_;
 };
 
 }  // namespace tests

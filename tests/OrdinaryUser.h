@@ -5,14 +5,20 @@
 
 namespace tests {
 
+/// What a process of its own gives as its exit status; -1 when it was killed.
+template <typename Act>
+int inChild(Act act) {
+  const pid_t child = fork();
+  if (child == 0) _exit(act());
+  int status = -1;
+  waitpid(child, &status, 0);
+  return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
 /// Runs as an ordinary user, whom modes can stop; the child's answer.
 template <typename Check>
 bool asOrdinaryUser(Check check) {
-  const pid_t child = fork();
-  if (child == 0) _exit((geteuid() != 0 || setuid(65534) == 0) && check() ? 0 : 1);
-  int status = 1;
-  waitpid(child, &status, 0);
-  return status == 0;
+  return inChild([&] { return (geteuid() != 0 || setuid(65534) == 0) && check() ? 0 : 1; }) == 0;
 }
 
 /// False where "/" itself is closed to everybody but root, as in a folder of root's own that serves as a

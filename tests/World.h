@@ -34,8 +34,8 @@ class Person : public runtime::UserInterface {
     if (onEvents) onEvents();
   }
   void consoleOutput(std::string_view) override {}
-  void consoleOpened(const std::string& title) override {
-    consoles.push_back(title);
+  void consoleOpened(const runtime::VisibleRun& run) override {
+    consoles.push_back(run.title);
     if (onOpened) onOpened();
   }
   void consoleClosed() override {
@@ -117,6 +117,15 @@ class World : public testing::Test {
     FILE* const pipe = popen(command.c_str(), "r");
     for (int c = 0; (c = fgetc(pipe)) != EOF;) text += static_cast<char>(c);
     return pclose(pipe) == 0 ? text : "failed: " + text;
+  }
+  /// Words of a script that keep what printf makes of `words`, as a whole.
+  std::string keep(const std::string& words) const {
+    return "printf " + words + " >'" + root_ + "/new' && mv '" + root_ + "/new' '" + root_ + "/kept'";
+  }
+  /// What a program that goes on by itself has kept, once it has.
+  std::string kept() const {
+    for (int i = 0; i < 2000 && !fs::exists(root_ + "/kept"); ++i) usleep(10'000);
+    return output("cat '" + root_ + "/kept' && rm '" + root_ + "/kept'");
   }
   runtime::Services services() { return {system_, api_, cygwin_, person_, log_, stored_}; }
 

@@ -87,6 +87,7 @@ class Session {
     takeOptions();
     takeSmallOnes();
     takeConsole();
+    takeProgress();
     takeHelp();
   }
   bool ok() const { return ok_; }
@@ -247,6 +248,19 @@ class Session {
     console.show();
     while (console.isRunning()) settle();
     take(console, "console");
+  }
+
+  /// In the middle of a run.
+  void takeProgress() {
+    const auto written = [] { return std::uint64_t{734'208}; };
+    user_.consoleOpened({"Creating kt500-app.tgz", 0, written});
+    user_.consoleOutput("kt500hello\nreadme.txt\nrun.sh\nusr8/\nusr8/settings\n");
+    QWidget* panel = nullptr;
+    for (QWidget* window : QApplication::topLevelWidgets())
+      if (window->objectName() == QLatin1String("frmProgress")) panel = window;
+    while (!panel->isVisible()) settle();
+    take(*panel, "frmProgress");
+    user_.consoleClosed();
   }
 
   void takeHelp() {

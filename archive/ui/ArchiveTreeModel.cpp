@@ -3,6 +3,7 @@
 #include <QColor>
 #include <QGuiApplication>
 #include <QPalette>
+#include <utility>
 
 #include "platform/desktop/ImageList.h"
 #include "platform/desktop/ReadableColour.h"
@@ -16,6 +17,13 @@ void ArchiveTreeModel::setTree(ArchiveTree tree) {
   tree_ = std::move(tree);
   hint_.clear();
   endResetModel();
+}
+
+ArchiveTree ArchiveTreeModel::takeTree() {
+  beginResetModel();
+  ArchiveTree tree = std::exchange(tree_, {});
+  endResetModel();
+  return tree;
 }
 
 void ArchiveTreeModel::showHint(const QString& text) {

@@ -17,7 +17,9 @@ class ArchiveTreeModel : public QAbstractItemModel {
   void showHint(const QString& text);  ///< an entry of its own, without a check box
   void clear() { setTree({}); }
   const ArchiveTree& tree() const { return tree_; }
+  ArchiveTree takeTree();  ///< nothing is shown then
 
+  QModelIndex indexOf(NodeId node) const;
   static NodeId node(const QModelIndex& index);  ///< 0 for the hint and for no entry
   void setAllChecked(bool state);
   /// Gives a folder another picture; an entry without children keeps its own.
@@ -32,7 +34,6 @@ class ArchiveTreeModel : public QAbstractItemModel {
   Qt::ItemFlags flags(const QModelIndex& index) const override;
 
  private:
-  QModelIndex indexOf(NodeId node) const;
   QVariant memberData(NodeId node, int role) const;
   void childrenChanged(NodeId parent);
   void changedBelow(NodeId node);

@@ -79,13 +79,18 @@ void frameUntar::wire() {
        {"cmdCancel", does(&frameUntar::cmdCancel_Click), {}, WhileBusy::Acts},
        {"cmdSelectAllTar", does(&frameUntar::cmdSelectAllTar_Click), listed},
        {"cmdSelectNoneTar", does(&frameUntar::cmdSelectNoneTar_Click), listed},
-       {"mnuTarTreeProperties", does(&frameUntar::mnuTarTreeProperties_Click)}});
+       {"cmdBack", does(&frameUntar::cmdBack_Click), idle},
+       {"mnuTarTreeProperties", does(&frameUntar::mnuTarTreeProperties_Click)},
+       {"mnuTarTreeOpen", does(&frameUntar::mnuTarTreeOpen_Click), [this] { return canOpenInside(); }}});
 }
 
 void frameUntar::wireTree() {
   mnuTarTreeRightClick_->setObjectName(QStringLiteral("mnuTarTreeRightClick"));
-  QAction* properties = mnuTarTreeRightClick_->addAction(QStringLiteral("Properties"));
-  properties->setObjectName(QStringLiteral("mnuTarTreeProperties"));
+  const auto add = [this](const char* caption, const char* name) {
+    mnuTarTreeRightClick_->addAction(QLatin1String(caption))->setObjectName(QLatin1String(name));
+  };
+  add("Properties", "mnuTarTreeProperties");
+  add("Open", "mnuTarTreeOpen");
   connect(ui_->tarTree, &QTreeView::customContextMenuRequested, this, &frameUntar::tarTree_MouseUp);
   connect(ui_->tarTree, &QTreeView::collapsed, model_,
           [this](const QModelIndex& index) { model_->setFolderImage(index, "fldr"); });
@@ -95,6 +100,7 @@ void frameUntar::wireTree() {
 }
 
 void frameUntar::reset() {
+  closeInside();
   ui_->txtOutLocation->setText(QString::fromLatin1(noFolderChosen));
   ui_->txtFileIn->setText(QString::fromLatin1(noArchiveChosen));
   ui_->frameTarRefreshLabel->hide();
@@ -102,6 +108,7 @@ void frameUntar::reset() {
   model_->showHint(QStringLiteral("Click 'Refresh Contents' to display Tar file contents"));
   listed_.reset();
   rightClickedNode_ = 0;
+  proposal_.clear();
 }
 
 void frameUntar::open() {
@@ -153,21 +160,27 @@ void frameUntar::focusOn(Focus focus) {
 
 void frameUntar::ListArchive() {
   if (!readBox(Focus::ArchivePath)) return;
-  const std::string path = typedPaths().archive;
-  Progress progress(*this, path);
+  const std::string path = archiveToList();
   leaving_ = false;
   Focus focus = Focus::None;
   {
     const platform::Busy::Scope busy(services_.system.busy);
-    Listing listing = ListingJob(services_, path, progress).run();
-    focus = listing.focus;
-    if (listing_) endListing(std::move(listing));
+    focus = list(path);
   }
   leaving_ ? leave() : focusOn(focus);
 }
 
+/// Under the gate of its caller.
+Focus frameUntar::list(const std::string& path) {
+  Progress progress(*this, path);
+  Listing listing = ListingJob(services_, path, progress).run();
+  const Focus focus = listing.focus;
+  if (listing_) endListing(std::move(listing));
+  return focus;
+}
+
 void frameUntar::beginListing(const std::string& path) {
-  reading_ = identity(path);
+  reading_ = listedFile(services_.system.files, path);
   rightClickedNode_ = 0;
   listed_.reset();
   model_->clear();
@@ -190,20 +203,26 @@ void frameUntar::endListing(Listing listing) {
   model_->setTree(std::move(listing.tree));
   ui_->tarTree->show();
   (whole ? static_cast<QWidget*>(ui_->tarTree) : ui_->txtFileIn)->setFocus(Qt::OtherFocusReason);
-  if (whole) listed_ = reading_;
+  if (!whole) return;
+  listed_ = reading_;
+  if (inside_.empty()) proposal_ = proposedOutFolder(listed_->path);
 }
 
-frameUntar::Listed frameUntar::identity(const std::string& path) const {
-  return {path, services_.system.files.fileSize(path), services_.system.files.modifiedTime(path)};
+/// Only where the tree shows a whole archive.
+bool frameUntar::showsOlderFile() const {
+  return *listed_ != listedFile(services_.system.files, listed_->path);
 }
 
 /// Box, ticks and tree as they are now; a tree that shows another archive, or an older one, is listed again.
 void frameUntar::ExtractArchive(Extract what) {
   if (!readBox(Focus::ArchivePath) || !readBox(Focus::OutputFolder)) return;
   const Paths paths = typedPaths();
-  ExtractRequest request{what, paths.archive, paths.outFolder};
-  if (listed_ && *listed_ == identity(paths.archive)) request.tree = model_->tree();
-  Progress progress(*this, paths.archive);
+  if (!inside_.empty() && inside_.outermost().file.path != paths.archive) closeInside();
+  const std::string archive = inside_.empty() ? paths.archive : inside_.path();
+  ExtractRequest request{what, archive, paths.outFolder};
+  if (!inside_.empty()) request.shownAs = inside_.name();
+  if (listed_ && listed_->path == archive && !showsOlderFile()) request.tree = model_->tree();
+  Progress progress(*this, archive);
   OverwriteDialogs asker(window());
   leaving_ = false;
   Extraction end;
@@ -240,6 +259,7 @@ void frameUntar::cmdGetFile_Click() {
   const std::string chosen = pickers_.openFile(
       {"Select Tar File", runtime::getFilePath(typedPaths().archive), archiveFilter, 4, ""});
   if (chosen.empty()) return;
+  closeInside();
   ui_->txtFileIn->setText(toControl(chosen));
   ListArchive();
 }
@@ -267,6 +287,7 @@ void frameUntar::cmdCancel_Click() {
 
 void frameUntar::leave() {
   leaving_ = false;
+  closeInside();
   emit closed();
 }
 
@@ -286,6 +307,7 @@ bool frameUntar::eventFilter(QObject* watched, QEvent* event) {
 void frameUntar::tarTree_MouseUp(const QPoint& position) {
   if (services_.system.busy.held()) return;
   rightClickedNode_ = ArchiveTreeModel::node(ui_->tarTree->indexAt(position));
+  actions_->update();
   if (rightClickedNode_ == 0) return mnuTarTreeRightClick_->hide();
   mnuTarTreeRightClick_->popup(ui_->tarTree->viewport()->mapToGlobal(position));
 }

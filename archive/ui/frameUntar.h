@@ -1,12 +1,12 @@
 #pragma once
 
 #include <QGroupBox>
-#include <ctime>
 #include <memory>
 #include <optional>
 #include <string>
 
 #include "archive/ExtractJob.h"
+#include "archive/OpenArchives.h"
 #include "archive/ui/ArchiveTreeModel.h"
 #include "platform/desktop/Actions.h"
 #include "platform/desktop/FilePickers.h"
@@ -22,8 +22,10 @@ class frameUntar;
 
 namespace archive {
 
-/// The extract frame: an archive's contents as a tree with check boxes, and their extraction. The main window
-/// shows it in place of the browsing area, and places what stands in it.
+/// The extract frame: an archive's contents as a tree with check boxes, and their extraction. A member that
+/// is an archive itself can be shown instead; the box then still names the file around it, and the tree's
+/// label says what is shown. The main window shows the frame in place of the browsing area, and places what
+/// stands in it.
 class frameUntar : public QGroupBox {
   Q_OBJECT
 
@@ -47,13 +49,6 @@ class frameUntar : public QGroupBox {
 
  private:
   class Progress;
-  struct Listed {  // what the tree shows
-    std::string path;
-    std::optional<std::uint64_t> size;
-    std::optional<std::time_t> time;
-    bool operator==(const Listed&) const = default;
-  };
-
   struct Paths {
     std::string archive;
     std::string outFolder;
@@ -63,15 +58,25 @@ class frameUntar : public QGroupBox {
   void wireTree();
   void reset();
   void ListArchive();
+  Focus list(const std::string& path);
   void beginListing(const std::string& path);
   void endListing(Listing listing);
   void ExtractArchive(Extract what);
   void showEnd(const Extraction& end, std::size_t logged);
   void leave();
-  Listed identity(const std::string& path) const;
+  bool showsOlderFile() const;
   bool readBox(Focus which);
   Paths typedPaths() const;
   void focusOn(Focus focus);
+
+  std::string archiveToList();
+  bool canOpenInside() const;
+  void enter(UnpackedMember inner);
+  void goBack();
+  void closeInside();
+  void openAgain(const ArchiveTree& tree);
+  void propose(const std::string& folder);
+  void tellWhatIsShown();
 
   void cmdGetFile_Click();
   void cmdSelectOut_Click();
@@ -84,6 +89,8 @@ class frameUntar : public QGroupBox {
   void selectAll(bool state);
   void tarTree_MouseUp(const QPoint& position);
   void mnuTarTreeProperties_Click();
+  void mnuTarTreeOpen_Click();
+  void cmdBack_Click();
 
   runtime::Services services_;
   runtime::FilePane& pane_;
@@ -92,8 +99,10 @@ class frameUntar : public QGroupBox {
   ArchiveTreeModel* model_;
   QMenu* mnuTarTreeRightClick_;
   platform::desktop::ActionTable* actions_ = nullptr;
-  std::optional<Listed> listed_;  // of a tree that shows the whole archive
-  Listed reading_;
+  std::optional<ListedFile> listed_;  // of a tree that shows the whole archive
+  ListedFile reading_;
+  OpenArchives inside_;   // the way to what is shown, where that is a member of another
+  std::string proposal_;  // the output folder proposed for what is shown
   NodeId rightClickedNode_ = 0;
   bool listing_ = false;
   bool extractable_ = true;  // the extract buttons; off from a listing's begin until one went well

@@ -1,5 +1,8 @@
 #include "archive/ui/frmQuickExtract.h"
 
+#include <algorithm>
+#include <climits>
+
 #include "archive/ui/frmOverwriteFile.h"
 #include "platform/desktop/Handlers.h"
 #include "platform/desktop/Text.h"
@@ -22,12 +25,24 @@ void frmQuickExtract::setStatus(const std::string& text) {
 
 Extraction frmQuickExtract::QuickExtract(const std::string& archivePath, const std::string& outFolder) {
   OverwriteDialogs asker(this);
-  return ExtractJob(services_, asker, *this, {Extract::Quickly, archivePath, outFolder}).run();
+  const Extraction made =
+      ExtractJob(services_, asker, *this, {Extract::Quickly, archivePath, outFolder}).run();
+  if (made.toolRan && made.end != runtime::JobEnd::Stopped)
+    ui_->ProgressBar1->setValue(ui_->ProgressBar1->maximum());
+  return made;
 }
 
-void frmQuickExtract::showPercent(float percent) {
-  ui_->ProgressBar1->setValue(qRound(percent));
-  services_.user.letEventsRun();
+/// What is shown is how far the unpacking is, and it has not begun.
+void frmQuickExtract::showPercent(float /*percent*/) { services_.user.letEventsRun(); }
+
+std::function<void(std::size_t)> frmQuickExtract::unpacking(std::size_t members) {
+  const int count = static_cast<int>(std::min<std::size_t>(members, INT_MAX));
+  ui_->ProgressBar1->setRange(0, count);
+  ui_->ProgressBar1->setValue(0);
+  // A member that the archive holds twice is counted twice.
+  return [this, count](std::size_t done) {
+    ui_->ProgressBar1->setValue(static_cast<int>(std::min<std::size_t>(done, std::max(count - 1, 0))));
+  };
 }
 
 /// The gate rejects this window too when the end is wanted.

@@ -23,13 +23,15 @@ class frmQuickExtract : public QDialog, private ListingProgress {
   ~frmQuickExtract() override;
 
   void setStatus(const std::string& text);
-  /// Extracts the whole archive into the folder; the bar follows the listing.
+  /// Extracts the whole archive into the folder. The bar moves while nobody knows how long it takes, then
+  /// counts the members.
   Extraction QuickExtract(const std::string& archivePath, const std::string& outFolder);
 
   void reject() override { cmdCancel_Click(); }
 
  private:
   void showPercent(float percent) override;
+  std::function<void(std::size_t done)> unpacking(std::size_t members) override;
   void cmdCancel_Click();
 
   runtime::Services services_;

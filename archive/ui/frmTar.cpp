@@ -183,7 +183,7 @@ void frmTar::cmdTar_Click() {
   if (made.madeNew) ui_->optNew->setChecked(true);
   if (made.unknownExtension) ui_->txtFileOut->setFocus();
   const bool ends = services_.system.busy.endRequested();
-  if (made.end == runtime::JobEnd::Done && !ends) handOver(made.path);
+  if (isMade(made) && !ends) handOver(made.path);
 }
 
 /// One job from the click until the pane shows the archive.
@@ -194,7 +194,9 @@ PackResult frmTar::createArchive() {
   const BusyCaption caption(ui_->cmdTar);
   table_->update();
   const PackResult made = PackJob(services, selection_, settings()).run();
-  if (made.end == runtime::JobEnd::Done) pane.refreshKeepList();
+  if (!isMade(made)) return made;
+  pane.refreshKeepList();
+  pane.showEntry(made.path);
   return made;
 }
 

@@ -2,6 +2,7 @@
 
 #include <QPointer>
 #include <QShortcut>
+#include <utility>
 
 #include "platform/HeldName.h"
 #include "platform/ResolvedPath.h"
@@ -62,6 +63,7 @@ Navigation::Navigation(runtime::Services services, platform::desktop::FilePicker
   escape->setContext(Qt::WidgetShortcut);
   // A change must never pass unheard: what has to wait for the gate is remembered.
   connect(&drives_, &DriveList::driveChanged, this, &Navigation::Drive1_Change);
+  connect(&folders_, &FolderList::changed, this, &Navigation::leftFolder);
   connect(&folders_, &FolderList::changed, this, &Navigation::folderChanged);
   connect(&folders_, &FolderList::openFolderClicked, this, &Navigation::Dir1_OpenFolderClick);
   connectHandler(&folders_, &FolderList::rightClicked, this, running, &Navigation::Dir1_RightClick);
@@ -73,6 +75,32 @@ Navigation::Navigation(runtime::Services services, platform::desktop::FilePicker
 void Navigation::showInitialFolder() {
   const DriveLock lock(*this);
   if (!folders_.setPath(services_.cygwin.GetEXEPath())) folders_.setPath(fallbackFolder);
+  current_ = folders_.path();
+}
+
+void Navigation::leftFolder() {
+  if (current_ == folders_.path()) return;
+  back_.push_back(std::exchange(current_, folders_.path()));
+  ahead_.clear();
+}
+
+void Navigation::goBack() { travel(back_, ahead_); }
+
+void Navigation::goForward() { travel(ahead_, back_); }
+
+/// What is on the way is kept aside: opening a folder is told of like any other.
+void Navigation::travel(std::vector<std::string>& from, std::vector<std::string>& to) {
+  std::vector<std::string> rest = from;
+  std::vector<std::string> passed = to;
+  passed.push_back(folders_.path());
+  while (!rest.empty()) {
+    const std::string target = std::move(rest.back());
+    rest.pop_back();
+    if (!openLocked(target)) continue;
+    from = std::move(rest);
+    to = std::move(passed);
+    return;
+  }
 }
 
 void Navigation::whenFree(std::function<void()> deed) {

@@ -5,6 +5,7 @@
 #include <QTimer>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "platform/desktop/DriveList.h"
 #include "platform/desktop/FilePickers.h"
@@ -27,6 +28,8 @@ class Navigation : public QObject {
   void openFolder(const std::string& path);     ///< C:\ for a path that is no folder; lists in any case
   bool openSubfolder(const std::string& path);  ///< false, without a word, when it cannot be opened
   void openParent();                            ///< nothing at a root
+  void goBack();     ///< to the folder before, of those that are still there; nothing without one
+  void goForward();  ///< undoes goBack(), until another folder is opened
 
  signals:
   void folderChanged();  ///< another folder is the current one, or openFolder asked for the same one
@@ -49,6 +52,8 @@ class Navigation : public QObject {
   void showLocation();
   void whenFree(std::function<void()> deed);
   void showInitialFolder();
+  void leftFolder();
+  void travel(std::vector<std::string>& from, std::vector<std::string>& to);
 
   runtime::Services services_;
   platform::desktop::FilePickers& pickers_;
@@ -57,6 +62,8 @@ class Navigation : public QObject {
   QLineEdit& location_;
   QTimer Timer1_;
   int clickCount_ = 0;
+  std::string current_;                    // the folder list's path when it was last told of
+  std::vector<std::string> back_, ahead_;  // the nearest last
   bool drivesLocked_ = false;
 };
 

@@ -54,6 +54,8 @@ class HeardView : public View {
       emit pane_.keyReleased(event->key());
   }
   void mousePressEvent(QMouseEvent* event) override {
+    if (event->button() == Qt::BackButton || event->button() == Qt::ForwardButton)
+      return emit pane_.sideButtonPressed(event->button());
     pressedAt_ = event->position().toPoint();
     if (!pane_.busy()) View::mousePressEvent(event);
   }
@@ -246,12 +248,15 @@ void PaneViews::selectRows(const std::vector<int>& wanted) {
   view().selectionModel()->select(selection, QItemSelectionModel::Select);
 }
 
+void PaneViews::goTo(int row) {
+  const QModelIndex index = view().model()->index(row, 0);
+  view().selectionModel()->setCurrentIndex(index, QItemSelectionModel::NoUpdate);
+  view().scrollTo(index);
+}
+
 void PaneViews::goToSelected() {
   const std::vector<int> rows = selectedRows();
-  if (rows.empty()) return;
-  const QModelIndex first = view().model()->index(rows.front(), 0);
-  view().selectionModel()->setCurrentIndex(first, QItemSelectionModel::NoUpdate);
-  view().scrollTo(first);
+  if (!rows.empty()) goTo(rows.front());
 }
 
 void PaneViews::clearCurrentRow() { view().selectionModel()->clearCurrentIndex(); }

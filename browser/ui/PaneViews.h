@@ -33,6 +33,7 @@ class PaneViews : public QStackedWidget {
   int currentRow() const;                         ///< -1: none
   std::vector<int> selectedRows() const;          ///< in list order
   void selectRows(const std::vector<int>& rows);  ///< adds them, as one change
+  void goTo(int row);   ///< it becomes the current one, selected or not, and is scrolled into view
   void goToSelected();  ///< the first of them becomes the current row and is scrolled into view
   void clearCurrentRow();
   void clearSelected();  ///< no row is selected or the current one
@@ -48,8 +49,9 @@ class PaneViews : public QStackedWidget {
   void keyReleased(int key);  ///< one that was pressed in the pane, too
   /// At the end of a click, with its place in global pixels; row -1: empty space.
   void mouseReleased(int row, Qt::MouseButton button, QPoint at);
-  void menuKeyPressed(QPoint at);  ///< global pixels, at the current row's text
-  void columnClicked(int column);  ///< 1 to 4
+  void menuKeyPressed(QPoint at);                  ///< global pixels, at the current row's text
+  void sideButtonPressed(Qt::MouseButton button);  ///< the mouse's Back or Forward
+  void columnClicked(int column);                  ///< 1 to 4
 
  private:
   void buildDetails();

@@ -98,6 +98,13 @@ void frameMain::wireActions() {
   const auto belowRoot = [this] { return dir1Path().size() > rootLength; };
   const auto ownersKnown = [this] { return ownersKnown_; };
   constexpr auto later = WhileBusy::Remembered;
+  const auto travels = [this](const char* name, void (Navigation::*where)(), QKeySequence keys) {
+    return platform::desktop::Action{.name = name,
+                                     .handler = [this, where] { (navigation_->*where)(); },
+                                     .whileBusy = WhileBusy::Remembered,
+                                     .width = Busy::Width::OpenFolder,
+                                     .keys = keys};
+  };
   actions_ = new platform::desktop::ActionTable(
       *this, services_.system.busy,
       {
@@ -113,6 +120,9 @@ void frameMain::wireActions() {
           {"optShowHidden", relist, {}, later},
           {"optShowSystem", relist, {}, later},
           {"Filter", [this] { Filter_Click(); }, {}, later},
+          travels("keyUp", &Navigation::openParent, Qt::ALT | Qt::Key_Up),
+          travels("keyBack", &Navigation::goBack, Qt::ALT | Qt::Key_Left),
+          travels("keyForward", &Navigation::goForward, Qt::ALT | Qt::Key_Right),
       });
 }
 
@@ -138,6 +148,10 @@ void frameMain::wirePane() {
     if (!busy()) DirPane_MouseUp(row, button, at);
   });
   connect(pane, &PaneViews::menuKeyPressed, this, &frameMain::openMenu);
+  connect(pane, &PaneViews::sideButtonPressed, this, [this](Qt::MouseButton button) {
+    whenFree(Busy::Width::OpenFolder,
+             [this, button] { button == Qt::BackButton ? navigation_->goBack() : navigation_->goForward(); });
+  });
   connect(pane, &PaneViews::columnClicked, this, [this](int column) {
     if (!busy()) DirPane_ColumnClick(column);
   });
@@ -231,7 +245,8 @@ void frameMain::keepingSelection(const std::function<void()>& list) {
     const SelectionLock lock(*this);
     pane.selectRows(model_.rowsOf(selected));
     const std::vector<int> place = model_.rowsOf({current});
-    pane.returnTo(place.empty() ? -1 : place.front(), scrolled);
+    const int last = static_cast<int>(model_.rows().size()) - 1;
+    pane.returnTo(place.empty() ? std::min(row, last) : place.front(), scrolled);  // else its neighbour
   }
   getDirPaneSelected();
 }
@@ -304,6 +319,12 @@ bool frameMain::selectRow(const std::string& name) {
   return !rows.empty();
 }
 
+void frameMain::showEntry(const std::string& path) {
+  if (runtime::getFilePath(path) != GetDir1Path()) return;
+  const std::vector<int> rows = model_.rowsOf({runtime::GetFileName(path)});
+  if (!rows.empty()) ui_->DirPaneViews->goTo(rows.front());
+}
+
 void frameMain::goToSelected() {
   ui_->DirPaneViews->goToSelected();
   focusDirPane();
@@ -332,9 +353,16 @@ void frameMain::Dir1_Change() {
   const Busy::Scope busy(services_.system.busy);
   ui_->File1->setPath(dir1Path());
   loading_ ? awaitListing() : openDirPane();
+  standOnFolderLeft();
   ui_->txtLocation->setText(toControl(dir1Path()));
   if (window()->isVisible()) focusDirPane();
   emit folderChanged();
+}
+
+/// Whoever went up stands on the folder that was left.
+void frameMain::standOnFolderLeft() {
+  const std::string left = std::exchange(shownFolder_, dir1Path());
+  if (!left.empty()) showEntry(left);
 }
 
 /// Rows of another folder must not be taken for rows of this one.

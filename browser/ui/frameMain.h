@@ -58,6 +58,7 @@ class frameMain : public QFrame, private ListingListener {
   std::vector<std::string> paneItems() const;  ///< names of all rows, in list order
   std::string selectionText() const;           ///< what txtSelect shows
   void focusDirPane();
+  void showEntry(const std::string& path);  ///< its row, if any, becomes the current one and comes into view
   void goToSelected();         ///< focuses the pane with the first selected row current and in view
   bool setOwnerShown() const;  ///< whether the button "Set Owner" is shown (not hidden)
   void enableOwnerButtons(bool enabled);  ///< cmdSetOwner and cmdSetGroup
@@ -108,6 +109,7 @@ class frameMain : public QFrame, private ListingListener {
   void openCurrent();
 
   void Dir1_Change();
+  void standOnFolderLeft();
   void DirPane_DblClick(int row);
   void DirPane_KeyUp(int key);
   void DirPane_MouseUp(int row, Qt::MouseButton button, QPoint at);
@@ -126,6 +128,7 @@ class frameMain : public QFrame, private ListingListener {
   Navigation* navigation_;                   // a child
   platform::desktop::ActionTable* actions_;  // a child
   std::string customPattern_ = "*.*";
+  std::string shownFolder_;  // the one that was listed last, or is to be
   int viewMode_ = 3;
   bool loading_ = false;
   bool selectionLocked_ = false;

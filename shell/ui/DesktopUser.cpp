@@ -1,5 +1,7 @@
 #include "shell/ui/DesktopUser.h"
 
+#include <QApplication>
+
 #include "platform/desktop/ActiveWindow.h"
 #include "platform/desktop/Events.h"
 #include "platform/desktop/InputBox.h"
@@ -11,9 +13,6 @@ namespace {
 using platform::desktop::BoxAnswer;
 using platform::desktop::BoxButtons;
 using platform::desktop::BoxIcon;
-using platform::desktop::ConsoleWindow;
-
-constexpr int repaintEvery = 20;  // milliseconds, while output comes without a pause
 
 BoxIcon boxIcon(runtime::Icon icon) {
   switch (icon) {
@@ -48,9 +47,17 @@ runtime::Answer answerOf(BoxAnswer answer) {
   return runtime::Answer::Cancel;
 }
 
+/// Also while another program's window is the active one.
+QWidget* windowAtWork() {
+  if (QWidget* const window = platform::desktop::activeWindow()) return window;
+  for (QWidget* const window : QApplication::topLevelWidgets())
+    if (window->isVisible() && window->windowType() == Qt::Window) return window;
+  return nullptr;
+}
+
 }  // namespace
 
-DesktopUser::~DesktopUser() { delete console_; }
+DesktopUser::~DesktopUser() { delete progress_; }
 
 runtime::Answer DesktopUser::message(const std::string& text, runtime::Buttons buttons, runtime::Icon icon,
                                      const std::string& title, runtime::Consequence) {
@@ -71,22 +78,16 @@ void DesktopUser::letEventsRun() {
 }
 
 void DesktopUser::consoleOutput(std::string_view bytes) {
-  if (console_.isNull()) return;
-  console_->append(bytes);
-  if (sinceRepaint_.elapsed() >= repaintEvery) {
-    sinceRepaint_.restart();
-    letEventsRun();
-  }
+  if (!progress_.isNull()) progress_->append(bytes);
 }
 
-void DesktopUser::consoleOpened(const std::string& title) {
-  delete console_;
-  console_ = new ConsoleWindow(title, platform::desktop::activeWindow());
-  QObject::connect(console_, &ConsoleWindow::stopWanted, console_, [this] { busy_.requestStop(); });
-  console_->show();
-  sinceRepaint_.start();
+void DesktopUser::consoleOpened(const runtime::VisibleRun& run) {
+  delete progress_;
+  if (run.counted) return;
+  progress_ = new frmProgress(run, windowAtWork());
+  QObject::connect(progress_, &frmProgress::stopWanted, progress_, [this] { busy_.requestStop(); });
 }
 
-void DesktopUser::consoleClosed() { delete console_; }
+void DesktopUser::consoleClosed() { delete progress_; }
 
 }  // namespace shell

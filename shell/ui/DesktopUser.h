@@ -1,11 +1,10 @@
 #pragma once
 
-#include <QElapsedTimer>
 #include <QPointer>
 
 #include "platform/Busy.h"
-#include "platform/desktop/ConsoleWindow.h"
 #include "runtime/UserInterface.h"
+#include "shell/ui/frmProgress.h"
 
 namespace shell {
 
@@ -23,14 +22,13 @@ class DesktopUser : public runtime::UserInterface {
   void letEventsRun() override;
   bool agrees() const override { return agrees_; }
   void consoleOutput(std::string_view bytes) override;
-  void consoleOpened(const std::string& title) override;
+  void consoleOpened(const runtime::VisibleRun& run) override;
   void consoleClosed() override;
 
  private:
   platform::Busy& busy_;
   bool agrees_;
-  QPointer<platform::desktop::ConsoleWindow> console_;  // goes with the window that it was opened over
-  QElapsedTimer sinceRepaint_;
+  QPointer<frmProgress> progress_;  // goes with the window that it was opened over
 };
 
 }  // namespace shell

@@ -175,7 +175,7 @@ bool StartUp::quickPackSelection(const CommandLine& commandLine) {
   const archive::PackResult packed = quickPack(program_, *selection);
   if (packed.end == runtime::JobEnd::Done)
     program_.exitStatus = 0;
-  else if (packed.end == runtime::JobEnd::Failed)
+  else if (packed.end == runtime::JobEnd::Failed || packed.end == runtime::JobEnd::Remarks)
     runtime::showLogged(program_.user, program_.log, logged);
   return false;
 }

@@ -62,13 +62,17 @@ bool frmMain::Load(const CommandLine& commandLine) {
 }
 
 void frmMain::connectLog() {
-  QPlainTextEdit* const pane = ui_->txtLog;
-  pane->setPlainText(platform::desktop::toShown(program_.log.text()));
-  pane->moveCursor(QTextCursor::End);
-  program_.log.setOnEntry([pane](const std::string& entry) {
-    pane->appendPlainText(platform::desktop::toShown(entry));
-    pane->moveCursor(QTextCursor::End);
-  });
+  ui_->txtLog->clear();
+  showLogEntry(program_.log.text());
+  program_.log.setOnEntry([this](const std::string& entry) { showLogEntry(entry); });
+}
+
+/// Its last line stays in sight while the log is hidden.
+void frmMain::showLogEntry(const std::string& entry) {
+  const QString text = platform::desktop::toShown(entry);
+  ui_->txtLog->appendPlainText(text);
+  ui_->txtLog->moveCursor(QTextCursor::End);
+  ui_->lblLast->setText(text.section(QLatin1Char('\n'), -1));
 }
 
 /// Menus and keys.
@@ -90,7 +94,6 @@ void frmMain::wireActions() {
           {"mnuNetwork", [this] { mnuNetwork_Click(); }, mayDownload},
           {"mnuContent", [this] { mnuContent_Click(); }},
           {"mnuAbout", [this] { mnuAbout_Click(); }},
-          {.name = "keyHelp", .handler = [this] { mnuContent_Click(); }, .keys = Qt::Key_F1},
           {.name = "keyRefresh",
            .handler = [this] { refreshKeepList(); },
            .whileBusy = WhileBusy::Remembered,
@@ -127,6 +130,7 @@ void frmMain::endProgram() {
 void frmMain::mnuShowLog_Click() {
   logShown_ = !logShown_;
   ui_->txtLog->setVisible(logShown_);
+  ui_->lblLast->setVisible(!logShown_);
   ui_->mnuShowLog->setText(logShown_ ? QStringLiteral("Hide Log") : QStringLiteral("Show Log"));
   layOut();
 }
@@ -325,6 +329,7 @@ std::vector<std::string> frmMain::paneItems() const { return frameMain_->paneIte
 std::string frmMain::GetDir1Path() const { return frameMain_->GetDir1Path(); }
 void frmMain::selectAllRows() { frameMain_->checkAll_Click(); }
 void frmMain::refreshKeepList() { frameMain_->refreshKeepList(); }
+void frmMain::showEntry(const std::string& path) { frameMain_->showEntry(path); }
 bool frmMain::setOwnerShown() const { return frameMain_->setOwnerShown(); }
 
 void frmMain::layOut() {

@@ -43,6 +43,7 @@ class frmMain : public QMainWindow, public runtime::FilePane, public runtime::Do
   std::string GetDir1Path() const override;
   void selectAllRows() override;
   void refreshKeepList() override;
+  void showEntry(const std::string& path) override;
   bool setOwnerShown() const override;
   void netSetFile(const std::string& path) override;
   void showfrmWDXOptions(const std::string& path) override;
@@ -70,6 +71,7 @@ class frmMain : public QMainWindow, public runtime::FilePane, public runtime::Do
   void wireActions();
   void wireFrames();
   void connectLog();
+  void showLogEntry(const std::string& entry);
   bool agreed(const std::string& question, const char* title);
   void cmdSetPerms_Click();
   perms::frmPermissions* newPermissions();

@@ -32,6 +32,10 @@ TEST(HeldName, HoldsWhatAWindowsNameCannotSay) {
   EXPECT_EQ(holdName("\xEF\x80\x81"), "\xEF\x83\xAF\xEF\x82\x80\xEF\x82\x81");  // a real U+F001
   EXPECT_EQ(holdName("\xED\xA0\x80"), "\xEF\x83\xAD\xEF\x82\xA0\xEF\x82\x80");  // a surrogate
   EXPECT_EQ(shownName(holdName("a\\b\n\xE9?caf\xC3\xA9")), "a\\b\\x0A\\xE9?caf\xC3\xA9");
+  const std::string towards = "\xD8\x9C\xE2\x80\xAE\xE2\x81\xA9";  // U+061C, U+202E, U+2069
+  EXPECT_EQ(holdName(towards), towards);
+  EXPECT_EQ(shownName(towards + "\xE2\x80\xB0\xD8\xA7"),
+            "\\xD8\\x9C\\xE2\\x80\\xAE\\xE2\\x81\\xA9\xE2\x80\xB0\xD8\xA7");
 }
 
 TEST(HeldName, ATypedCodeNeverBecomesASeparatorOrADot) {

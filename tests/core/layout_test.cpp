@@ -22,8 +22,8 @@ TEST(Layout, EveryControlFollowsTheWindow) {
       {{0, 0, 3000, 1000}, {"frameMain", "frameUntar", "DirPane", "tarTree", "TreeView1"}},
       {{0, 0, 3000, 0}, {"txtSelect", "txtFileIn", "txtOutLocation"}},
       {{0, 0, 0, 1000}, {"Dir1", "divider"}},
-      {{0, 1000, 3000, 0}, {"txtLog", "frameSelected", "frameAction"}},
-      {{0, 1000, 0, 0}, {"lblHalvoren", "frameTarSelector"}},
+      {{0, 1000, 3000, 0}, {"txtLog", "frameSelected", "frameAction", "lblLast"}},
+      {{0, 1000, 0, 0}, {"lblHalvoren", "frameTarSelector", "cmdBack"}},
       {{3000, 0, 0, 0}, {"Frame1", "frameTarButtons", "cmdGetFile", "cmdSelectOut", "cmdRefresh"}},
       {{3000, 1000, 0, 0}, {"frameDirPaneButtons"}},
       {{1500, 1000, 0, 0}, {"frameUntarButtons"}},
@@ -85,7 +85,11 @@ TEST(Layout, DesignFitsTogether) {
       {"Label1", "txtFileIn", "lblOutLocation", "txtOutLocation", "Label7", "tarTree", "frameTarSelector"},
       true);
   inOrder({"txtFileIn", "cmdGetFile", "cmdRefresh"}, false);
+  inOrder({"frameTarSelector", "cmdBack"}, false);
+  inOrder({"tarTree", "cmdBack", "frameUntarButtons"}, true);
   inOrder({"frameMain", "lblHalvoren"}, true);
+  inOrder({"lblHalvoren", "lblLast"}, false);
+  edges({"lblLast", "txtLog"}, right);
   EXPECT_LE(bottom(layout["txtLog"]), layout["lblHalvoren"].top);
 }
 

@@ -145,9 +145,10 @@ TEST(ListingOutput, RecordedRemarksAreNoNames) {
       EXPECT_TRUE(line.empty() || isRemark(line)) << line;
   std::string members;
   for (const GuardedMember& member : membersOf(std::string(recordedListing) + cutGzip))
-    members += platform::releaseName(member.name) + (member.isLink ? ">" : "|") + member.hardTarget + ' ';
-  EXPECT_EQ(members,
-            "usr/| usr/a b\nc\\d\377| usr/bin/| usr/bin/app| usr/hard>usr/bin/app usr/ln> usr/null| ");
+    members += platform::releaseName(member.name) + member.type + member.target + ' ';
+  EXPECT_EQ(
+      members,
+      "usr/d usr/a b\nc\\d\377- usr/bin/d usr/bin/app- usr/hardhusr/bin/app usr/lnl../lib/x.so usr/nullc ");
 }
 
 TEST(ArchiveTree, ARecordedListingBecomesATree) {
@@ -170,6 +171,9 @@ TEST(ArchiveTree, ComponentsBecomeNodes) {
         {line("b.txt") + line("Beta/x") + line("alpha/x") + line("A"), "alpha\n x\nBeta\n x\nA\nb.txt\n"},
         {"no line end", ""}})
     EXPECT_EQ(outline(treeOf(listing)), tree);
+  std::string deep;  // many nodes from one line
+  for (int i = 0; i < 40; ++i) deep += "folder/";
+  EXPECT_EQ(treeOf(line(deep) + line(deep + "file")).nodeCount(), 41U);
 }
 
 TEST(ArchiveTree, NodesKeepWhatTheLineSays) {

@@ -1,3 +1,6 @@
+#include <sys/socket.h>
+#include <sys/un.h>
+
 #include <array>
 
 #include "archive/PackJob.h"
@@ -277,6 +280,10 @@ TEST_F(PackRunTest, StoresUsr8OneLevelUp) {
   EXPECT_EQ(packed(whole), "pkg/\npkg/a\npkg/usr8/\npkg/usr8/locked/\npkg/usr8/set.ini\n");
   settings_.stageUsr8 = settings_.parentFolder = false;
   EXPECT_EQ(packed(items({"usr8", "a"})), "a\nusr8/\nusr8/locked/\nusr8/set.ini\n");
+  fs::create_hard_link(host("pkg/usr8/set.ini"), host("pkg/usr8/twin"));
+  settings_.stageUsr8 = true;
+  EXPECT_EQ(pack(items({"usr8"})), JobEnd::Done);
+  EXPECT_TRUE(has(output("tar -Ptvf " + host("out.tgz")), "../usr8/twin link to ../usr8/set.ini\n"));
   EXPECT_TRUE(nothingLeft());
 }
 
@@ -400,6 +407,41 @@ TEST_F(PackRunTest, OneScratchFolderSparesAnotherInUse) {
   if (geteuid() != 0) return;
   ASSERT_EQ(chown((host("") + first.path().substr(3)).c_str(), 65534, 65534), 0);
   EXPECT_FALSE(archive::isScratchFolder(files_, first.path()));  // another user's
+}
+
+TEST_F(PackRunTest, WhatDidNotGetInIsTold) {
+  write("pkg/a");
+  write("pkg/tar: n/tar: x: socket ignored");
+  for (const std::string name : {"so:ck", "a/box"}) {
+    sockaddr_un address{AF_UNIX, {}};
+    if (name == "a/box") fs::create_directory(host("pkg/box"));
+    const std::string path = host("pkg/" + (name == "a/box" ? std::string("box/sock") : name));
+    path.copy(address.sun_path, sizeof address.sun_path - 1);
+    const platform::Descriptor socket(::socket(AF_UNIX, SOCK_STREAM, 0));
+    ASSERT_EQ(bind(socket.get(), reinterpret_cast<sockaddr*>(&address), sizeof address), 0);
+  }
+  EXPECT_EQ(pack(items({"a", "box", "tar: n"})), JobEnd::Done);
+  EXPECT_EQ(log_.all, "tar: box/sock: socket ignored\n Created file: C:\\out.tgz\n");
+  EXPECT_EQ(pack(items({"a", "so:ck"})), JobEnd::Remarks);
+  EXPECT_TRUE(has(log_.all, " Not packed: " + platform::holdName("so:ck") + "\n"));
+  settings_.outputPath = "C:\\pkg\\own.tgz";
+  write("pkg/own.tgz");
+  EXPECT_EQ(pack(items({"a", "own.tgz"})), JobEnd::Remarks);
+}
+
+TEST_F(PackRunTest, AnOutputThatIsALinkIsWrittenThrough) {
+  write("pkg/a");
+  fs::create_directory(host("store"));
+  settings_.outputPath = "C:\\pkg\\out.tar";
+  fs::create_symlink("../store/real.tar", host("pkg/out.tar"));
+  for (const std::string name : {"a", "b"}) {  // the link leads nowhere at first
+    write("pkg/" + name);
+    settings_.append = name == "b";
+    EXPECT_EQ(pack(items({name})), JobEnd::Done) << log_.all;
+    EXPECT_TRUE(fs::is_symlink(host("pkg/out.tar")));
+    EXPECT_EQ(members("store/real.tar"), name == "b" ? "a\nb\n" : "a\n");
+  }
+  EXPECT_TRUE(nothingLeft());
 }
 
 TEST_F(PackRunTest, ContentsOnlyHoldsHiddenEntriesLinksAndPipes) {

@@ -3,6 +3,7 @@
 #include <thread>
 
 #include "runtime/DirExists.h"
+#include "runtime/NameCount.h"
 #include "runtime/PermissionTest.h"
 #include "tests/OnDisk.h"
 
@@ -40,27 +41,25 @@ class RuntimeTest : public testworld::World {
 };
 
 TEST(ModAPI, PathsPixelsAndNames) {
-  using Row = std::pair<const char*, const char*>;
-  for (const auto& [path, cygwin] : {Row{"", ""},
-                                     Row{"d:\\", "\"/cygdrive/d/\""},
-                                     {"C:\\Data\\my files", "\"/cygdrive/C/Data/my files\""},
-                                     {"\\\\server\\share\\x", "\"//server/share/x\""},
-                                     {"sub\\a:b.txt", "\"sub/ab.txt\""},
-                                     {"C:\\a\" -x \"", "\"/cygdrive/C/a\xEF\x80\xA2 -x \xEF\x80\xA2\""}})
-    EXPECT_EQ(ToCygwinPath(path), cygwin);
+  const std::pair<const char*, const char*> paths[] = {
+      {"", ""},
+      {"d:\\", "\"/cygdrive/d/\""},
+      {"C:\\Data\\my files", "\"/cygdrive/C/Data/my files\""},
+      {"\\\\server\\share\\x", "\"//server/share/x\""},
+      {"sub\\a:b.txt", "\"sub/ab.txt\""},
+      {"C:\\a\" -x \"", "\"/cygdrive/C/a\xEF\x80\xA2 -x \xEF\x80\xA2\""}};
+  for (const auto& [path, cygwin] : paths) EXPECT_EQ(ToCygwinPath(path), cygwin);
   EXPECT_EQ(runtime::PixelsToTwips(1, 96), 15);
   EXPECT_EQ(runtime::PixelsToTwips(1, 576), 2);  // 2.5, halves to even
   EXPECT_EQ(runtime::PixelsToTwips(3, 576), 8);  // 7.5
   EXPECT_EQ(runtime::PixelsToTwips(1, 0), 0);
-  for (const std::string path : {"C:\\a\\b", "b"}) {
-    EXPECT_EQ(runtime::GetFileName(path), "b");
-    EXPECT_EQ(runtime::getFilePath(path) + "b", path);
-  }
+  for (const std::string path : {"C:\\a\\b", "b"})
+    EXPECT_EQ(runtime::getFilePath(path) + "|" + runtime::GetFileName(path),
+              path.substr(0, path.size() - 1) + "|b");
 }
 
 TEST(GetOSVersion, NamesTheSystemsOfTheTable) {
-  using Version = platform::SystemVersion;
-  using Row = std::pair<Version, const char*>;
+  using Row = std::pair<platform::SystemVersion, const char*>;
   for (const auto& [version, name] :
        {Row{{1, 4, 0}, "95"}, Row{{1, 4, 10}, "98"}, Row{{1, 4, 90}, ""}, Row{{2, 3, 51}, "3.51"},
         Row{{2, 4, 0}, "4.0"}, Row{{2, 5, 0}, "2000"}, Row{{2, 5, 1}, "NT"}, Row{{2, 5, 2}, ""},
@@ -75,12 +74,11 @@ TEST_F(RuntimeTest, RunsTakePlaceInTheirFoldersAndKeepTextAndStatus) {
   EXPECT_EQ(api.RunCapture(bin(), "ls.exe -l", "C:\\").text, "said");
   EXPECT_EQ(api.currentFolder(), bin());
   EXPECT_EQ(person_.yields, 2);
-  api.SetCurDir("C:\\");
-  api.SetCurDir("C:\\nowhere");
+  for (const char* folder : {"C:\\", "C:\\nowhere"}) api.SetCurDir(folder);
   runner_.answer.status = 2;
-  const runtime::ToolResult run = api.RunAndWait("tar.exe -cf x");
+  const runtime::ToolResult run = api.RunAndWait({"Creating x"}, "tar.exe -cf x");
   EXPECT_EQ(run.text + std::to_string(run.status), "said2");
-  EXPECT_EQ(person_.consoles, std::vector<std::string>{"tar.exe"});
+  EXPECT_EQ(person_.consoles, std::vector<std::string>{"Creating x"});
   EXPECT_FALSE(busy_.held());
   std::string folders;
   for (const auto& request : runner_.requests)
@@ -108,11 +106,23 @@ TEST_F(RuntimeTest, AStopEndsARunAndLetsNoneBegin) {
   const runtime::ToolResult ended = api_.RunCapture(bin(), "sleep 30");
   EXPECT_TRUE(ended.stopped);
   EXPECT_EQ(ended.status, 128 + SIGTERM);
-  for (const auto& never : {api_.RunAndWait("sleep 30"), api_.RunCapture(bin(), "ls.exe")}) {
+  for (const auto& never : {api_.RunAndWait({}, "sleep 30"), api_.RunCapture(bin(), "ls.exe")}) {
     EXPECT_TRUE(never.stopped && !never.good());
     EXPECT_EQ(never.status, platform::notStarted);
   }
   EXPECT_TRUE(person_.consoles.empty());
+}
+
+TEST(NameCount, CountsNamesAmongRemarksHoweverTheyAreCut) {
+  const std::string output = "a\ntar: a: file changed\nlib/\ntar\nb";
+  for (std::size_t cut = 0; cut <= output.size(); ++cut) {
+    runtime::NameCount count;
+    EXPECT_EQ(count.done(), 0U);
+    count.add(output.substr(0, cut));
+    count.add(output.substr(cut));
+    EXPECT_EQ(count.named(), 3U) << cut;
+    EXPECT_EQ(count.done(), 2U);
+  }
 }
 
 TEST(Busy, RemembersTheWidestWishAndDoesItOnceAfterwards) {
@@ -143,13 +153,6 @@ TEST(Busy, RemembersTheWidestWishAndDoesItOnceAfterwards) {
   EXPECT_EQ(done, "now later ");
   const platform::Busy::Scope late(busy);
   EXPECT_TRUE(busy.stopRequested());  // the program ends: nothing begins
-}
-
-TEST_F(RuntimeTest, ProbeAsksOnlyWhetherTheFileIsThere) {
-  write("tool.exe");
-  EXPECT_TRUE(api_.ProbeTool("C:\\tool.exe"));
-  EXPECT_FALSE(api_.ProbeTool("C:\\nowhere\\tool.exe"));
-  EXPECT_EQ(api_.GetTempDir(), drives_.toWindows(root_ + "/tmp") + "\\");
 }
 
 TEST_F(RuntimeTest, FindsTheMountedRootBeforeTheProgramsOwn) {
@@ -195,31 +198,27 @@ TEST_F(RuntimeTest, AProgramFolderMayHoldASemicolon) {
   cygwin.FindCygwinRoot();
   cygwin.CheckCygwinTools();
   EXPECT_EQ(path(), ".;\"" + folder + "bin\\\";C:\\x");
-  EXPECT_EQ(api_.RunAndWait("tar.exe --version").status, 0);  // found through the search path alone
+  EXPECT_EQ(api_.RunAndWait({}, "tar.exe --version").status, 0);  // found through the search path alone
 }
 
 TEST_F(RuntimeTest, MissingToolsAreReportedOnce) {
-  const auto report = [](const std::string& tool) {
-    return std::vector<std::string>{"Error|Please make sure Cygwin binaries (" + tool +
-                                    ") are properly installed\r\nTry reinstalling Pakrune or Cygwin"};
-  };
-  removeTool("ls.exe");
-  findTools();
-  EXPECT_EQ(person_.told, report("ls.exe"));
-  const auto missing = [&] {
+  const auto misses = [this](const std::string& tool) {
     person_.told.clear();
     runtime::CygwinEnvironment fresh(system_, api_, person_, program_);
     fresh.FindCygwinRoot();
     fresh.CheckCygwinTools();
-    EXPECT_EQ(person_.told, report("tar.exe"));
-    EXPECT_EQ(fresh.cygwinBin(), "");
+    EXPECT_EQ(person_.told, std::vector{"Error|Please make sure Cygwin binaries (" + tool +
+                                        ") are properly installed\r\nTry reinstalling Pakrune or Cygwin"});
+    return fresh.cygwinBin();
   };
+  removeTool("ls.exe");
+  misses("ls.exe");
   fs::rename(root_ + "/prog/bin/tar.exe", root_ + "/prog/bin/TAR.EXE");
-  missing();  // in upper case it counts as missing
+  EXPECT_EQ(misses("tar.exe"), "");  // in upper case it counts as missing
   link("tar", "tar.exe");
   for (const char* tool : {"chmod.exe", "tar.exe"}) {
     removeTool(tool);
-    missing();
+    EXPECT_EQ(misses("tar.exe"), "");
   }
 }
 

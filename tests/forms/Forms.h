@@ -87,10 +87,12 @@ class Pane : public runtime::FilePane {
     for (const auto& name : items) selected.push_back(folder + name);
   }
   void refreshKeepList() override { ++refreshes; }
+  void showEntry(const std::string& path) override { shown = path; }
   bool setOwnerShown() const override { return rootOffered; }
 
   std::string folder = "C:\\";
   std::vector<std::string> selected, items;
+  std::string shown;
   bool rootOffered = true;
   int refreshes = 0;
 };

@@ -9,53 +9,51 @@ namespace {
 constexpr const char* key = tests::settingsKey;
 using tests::MainTest;
 
-QStringList labels(const QWidget& window) {
-  QStringList texts;
-  for (const QLabel* label : window.findChildren<QLabel*>()) texts.append(label->text());
-  return texts;
-}
-
 TEST_F(MainTest, MenuBarHasItsItemsAndHidesTheRest) {
   load({});
-  struct Item {
-    const char* name;
-    const char* caption;
-    bool shown;
-  };
-  for (const Item& item :
-       {Item{"mnuExit", "E&xit", true}, Item{"mnuAdmin", "&Admin Test", false},
-        Item{"mnuReset", "&Reset..", false}, Item{"mnuShowLog", "Show Log", true},
-        Item{"mnuOptions", "Options...", true}, Item{"mnuwdxoptions", "Download Options..", false},
-        Item{"mnuSerial", "Serial Download to Kt500..", true},
-        Item{"mnuNetwork", "Network Download to Kt500..", true}, Item{"mnuContent", "Content", true},
-        Item{"mnuAbout", "About", true}, Item{"mnuFilterTollTip", "", false}}) {
-    EXPECT_EQ(action(item.name)->text(), QString(item.caption));
-    EXPECT_EQ(action(item.name)->isVisible(), item.shown) << item.name;
-  }
   QStringList shown;
   for (const QAction* entry : window_.menuBar()->actions())
     if (entry->isVisible()) shown.append(entry->text());
   EXPECT_EQ(shown, QStringList({"&Menu", "&Tools", "&Download", "&Help"}));
+  for (const char* name : {"mnuAdmin", "mnuReset", "mnuwdxoptions", "mnuFilterTollTip"})
+    EXPECT_FALSE(action(name)->isVisible()) << name;
   EXPECT_EQ(window_.windowTitle(), QString("Pakrune"));
 }
 
 TEST_F(MainTest, LogPaneShowsEveryLineAndTheEnd) {
   load({});
   auto* pane = find<QPlainTextEdit>("txtLog");
-  EXPECT_TRUE(QRegularExpression("^Log start: \\d\\d:\\d\\d:\\d\\d$").match(pane->toPlainText()).hasMatch())
-      << logText();
+  EXPECT_TRUE(QRegularExpression("^Log start: \\d\\d:\\d\\d:\\d\\d$").match(pane->toPlainText()).hasMatch());
   EXPECT_FALSE(pane->isVisible());
   const int before = find("frameMain")->height();
   action("mnuShowLog")->trigger();
   EXPECT_TRUE(pane->isVisible());
   EXPECT_EQ(action("mnuShowLog")->text(), QString("Hide Log"));
-  EXPECT_LT(find("frameMain")->height(), before);
   EXPECT_GE(pane->geometry().top(), find("frameMain")->geometry().bottom());
   program_object_.log.append(" Created file: C:\\a");
-  EXPECT_TRUE(pane->textCursor().atEnd());
-  EXPECT_TRUE(pane->toPlainText().endsWith(" Created file: C:\\a"));
+  EXPECT_TRUE(pane->textCursor().atEnd() && pane->toPlainText().endsWith(" Created file: C:\\a"));
   action("mnuShowLog")->trigger();
   EXPECT_EQ(find("frameMain")->height(), before);
+}
+
+TEST_F(MainTest, TheNewArchiveIsTheCurrentRowAndTheLogsLastLineStaysInSight) {
+  for (const std::string& name : numbered("pkg/f", 80)) write(name);
+  ASSERT_TRUE(load({"pkg/a.txt"}));
+  onFilledModal([](QWidget& form) {
+    tests::the<QLineEdit>(form, "txtFileOut").setText("C:\\pkg\\zz.tgz");
+    tests::press(form, "cmdTar");
+  });
+  find<QPushButton>("cmdTar")->click();
+  auto* pane = find<QTreeView>("DirPane");
+  EXPECT_EQ(pane->currentIndex().data(), "zz.tgz");
+  EXPECT_TRUE(pane->viewport()->rect().contains(pane->visualRect(pane->currentIndex())));
+  EXPECT_EQ(selected(), std::vector<std::string>{"C:\\pkg\\a.txt"});
+  auto* last = find<QLabel>("lblLast");
+  EXPECT_TRUE(last->isVisible() && last->text().endsWith(" Created file: C:\\pkg\\zz.tgz"));
+  program_object_.log.append("two\r\n<b>lines</b>");
+  EXPECT_EQ(last->text(), "<b>lines</b>");
+  action("mnuShowLog")->trigger();
+  EXPECT_FALSE(last->isVisible());
 }
 
 TEST_F(MainTest, KeysWorkFromEveryControl) {
@@ -82,15 +80,6 @@ TEST_F(MainTest, KeysWorkFromEveryControl) {
   }
 }
 
-TEST_F(MainTest, HelpIsAskedForByKeyAndMenu) {
-  load({});
-  QTest::keyClick(&window_, Qt::Key_F1);
-  action("mnuContent")->trigger();
-  EXPECT_EQ(QString::fromStdString(logText()).count(" Unable to open: " + QString::fromStdString(program_) +
-                                                    "Pakrune.chm"),
-            2);
-}
-
 TEST_F(MainTest, WhileAJobRunsMenusDoNothingAndClosingStopsIt) {
   load({"-d", "C:\\pkg"});
   {
@@ -115,12 +104,8 @@ TEST_F(MainTest, WhileAJobRunsMenusDoNothingAndClosingStopsIt) {
 }
 
 TEST_F(MainTest, OwnerGroupAndLineEndsRunFromTheirButtons) {
-  for (const char* tool : {"chown.exe", "chgrp.exe", "dos2unix.exe"}) {
-    const std::string path = root_ + "/prog/bin/" + tool;
-    std::ofstream(path) << "#!/bin/sh\necho \"$0 $*\" >>'" << host("runs")
-                        << "'\ncase $0 in *dos*) echo done.;; esac\n";
-    fs::permissions(path, fs::perms::owner_all);
-  }
+  for (const char* name : {"chown.exe", "chgrp.exe"}) tool(name, "echo \"$0 $*\" >>'" + host("runs") + "'");
+  tool("dos2unix.exe", "echo done.");
   load({"pkg/a.txt"});
   find<QPushButton>("cmdDos2Unix")->click();
   EXPECT_TRUE(testworld::has(logText(), " dos2unix successfull: 1 files in C:\\pkg\\"));
@@ -128,7 +113,6 @@ TEST_F(MainTest, OwnerGroupAndLineEndsRunFromTheirButtons) {
   EXPECT_EQ(find<QPushButton>("cmdSetGroup")->text(), QString("Set Goup"));
   find<QPushButton>("cmdSetGroup")->click();
   EXPECT_EQ(find<QPushButton>("cmdSetGroup")->text(), QString("Set Group"));
-  EXPECT_TRUE(find<QPushButton>("cmdSetGroup")->isEnabled());
   EXPECT_EQ(person_.told.back(), "Setting Group..|This will set the group for 1 selected files");
   bool shut = false;
   tests::onNextModal<QWidget>([this, &shut](QWidget& modal) {
@@ -143,7 +127,7 @@ TEST_F(MainTest, OwnerGroupAndLineEndsRunFromTheirButtons) {
   find<QPushButton>("cmdSetOwner")->click();
   EXPECT_TRUE(shut);
   EXPECT_TRUE(testworld::has(logText(), " Owner(usr5) successfully set: 1 files in C:\\pkg\\"));
-  EXPECT_NE(bytes("runs").find("chown.exe -R usr5 " + host("pkg/a.txt")), std::string::npos) << bytes("runs");
+  EXPECT_TRUE(testworld::has(bytes("runs"), "chown.exe -R usr5 " + host("pkg/a.txt")));
   window_.browsing().openDirPane();
   person_.agrees = false;
   find<QPushButton>("cmdSetOwner")->click();
@@ -161,7 +145,6 @@ TEST_F(MainTest, PermissionsAreSetFromTheirButtonAndTakenBackFromTheMenu) {
   bool shut = false;
   meanwhile_ = [&] { shut |= busy_.held() && !find<QPushButton>("cmdSetPerms")->isEnabled(); };
   onFilledModal([this](QWidget& modal) {
-    EXPECT_EQ(modal.windowTitle(), QString("Set Permissions"));
     EXPECT_EQ(modal.findChild<QLabel*>("lblItems")->text().toStdString(), window_.selectionText());
     window_.browsing().openDirPane();  // the items are those of the click
     modal.findChild<QPushButton*>("cmdSetP")->click();
@@ -171,7 +154,6 @@ TEST_F(MainTest, PermissionsAreSetFromTheirButtonAndTakenBackFromTheMenu) {
   EXPECT_TRUE(testworld::has(logText(), " Permissions automatically set: 1 items in C:\\pkg\\"));
   EXPECT_EQ(mode("pkg/sub/x"), 0644U);
   ASSERT_TRUE(action("mnuUndoPermissions")->isVisible());
-  EXPECT_EQ(action("mnuUndoPermissions")->text(), QString("Undo Set Permissions"));
   action("mnuUndoPermissions")->trigger();
   EXPECT_EQ(mode("pkg/sub/x"), 0600U);
   EXPECT_TRUE(testworld::has(logText(), " Undo Set Permissions: 1 restored, 0 left as they are"));
@@ -211,36 +193,32 @@ TEST_F(MainTest, PermissionsAtTheStartStandBesideTheWindow) {
     ASSERT_TRUE(load({"-perms", "pkg", name}));
     const QPointer<QDialog> form = find<QDialog>("frmPermissions");
     EXPECT_TRUE(window_.isVisible() && form->isVisible() && !form->isModal());
-    EXPECT_EQ(form->windowTitle(), QString("Pakrune - Set Permissions"));
     EXPECT_EQ(selected().size(), name == std::string("a.txt") ? 1U : 3U);
     form->findChild<QPushButton*>("cmdSetP")->click();
-    EXPECT_TRUE(form.isNull() || !form->isVisible());
     QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     EXPECT_EQ(window_.findChild<QDialog*>("frmPermissions"), nullptr);
     EXPECT_TRUE(window_.isVisible());
   }
   EXPECT_TRUE(testworld::has(logText(), " Permissions automatically set: 3 items in C:\\pkg\\"));
+  EXPECT_TRUE(load({"-perms", "pkg"}));
+  person_.told.clear();
+  fs::remove(root_ + "/prog/bin/find.exe");
+  EXPECT_FALSE(load({"-perms", "pkg"})) << "whatever the record holds";
+  EXPECT_TRUE(person_.told.at(0).starts_with("Unable to Set Permissions|"));
 }
 
-TEST_F(MainTest, OptionsOpenFromTheMenu) {
+TEST_F(MainTest, OptionsAndAboutOpen) {
   load({});
-  bool opened = false;
+  std::string opened;
   tests::onNextModal<QDialog>([&opened](QDialog& options) {
-    opened = options.windowTitle() == "Options";
+    opened = options.objectName().toStdString();
     tests::press(options, "cmdOK");
   });
   action("mnuOptions")->trigger();
-  EXPECT_TRUE(opened);
-  EXPECT_EQ(stored_.usr8(), "1");
-}
-
-TEST_F(MainTest, AboutOpensFromTheLabelAndTheMenu) {
-  load({});
+  EXPECT_EQ(opened + stored_.usr8(), "frmOptions1");
   QTest::mouseClick(find("lblHalvoren"), Qt::LeftButton);
-  auto* about = window_.findChild<QDialog*>("frmAbout");
-  ASSERT_NE(about, nullptr);
-  EXPECT_TRUE(about->isVisible());
-  EXPECT_FALSE(about->isModal());
+  const auto* const about = find<QDialog>("frmAbout");
+  EXPECT_TRUE(about->isVisible() && !about->isModal());
 }
 
 TEST_F(MainTest, AdminTestTellsWhatTheSystemSays) {
@@ -255,6 +233,9 @@ TEST_F(MainTest, AdminTestTellsWhatTheSystemSays) {
             "Pakrune|Unable to check for administrative priveleges on this version of Windows");
   EXPECT_EQ(told("2.5.1", "1"), "Pakrune|You have administrative privileges!");
   EXPECT_EQ(told("2.5.1", "0"), "Pakrune|You are not an administrator");
+  setenv("PAKRUNE_WINVER", "1.4.10", 1);  // an old system has no owners
+  load({});
+  EXPECT_FALSE(find("cmdSetOwner")->isEnabled() || find("cmdSetGroup")->isEnabled());
 }
 
 TEST_F(MainTest, WithoutPrivilegesTheNoticeComesOnlyOnTheFirstRun) {
@@ -263,16 +244,11 @@ TEST_F(MainTest, WithoutPrivilegesTheNoticeComesOnlyOnTheFirstRun) {
   storeFirstRun();
   bool noticed = false;
   tests::onNextModal<QWidget>([&noticed](QWidget& modal) {
-    noticed = modal.objectName() == "Dialog" && modal.windowTitle() == "Pakrune: Admin Error";
-    EXPECT_EQ(labels(modal),
-              QStringList({"You must have Administrative privileges to change file permissions/ownership.",
-                           "These features may not work unless you obtain proper privileges.",
-                           "Please contact your system Administrator for more information."}));
+    noticed = modal.objectName() == "Dialog";
     modal.close();
   });
   load({});
   EXPECT_TRUE(noticed);
-  EXPECT_TRUE(testworld::has(logText(), "\nYou don't have administrative privileges!"));
   EXPECT_FALSE(program_object_.isAdmin);
 }
 
@@ -282,12 +258,6 @@ TEST_F(MainTest, WhereModesDoNotStickANoticeSaysSo) {
   storeFirstRun();
   tests::onNextModal<QWidget>([](QWidget& modal) {
     EXPECT_EQ(modal.windowTitle(), QString("Pakrune: Notice"));
-    EXPECT_EQ(
-        labels(modal),
-        QStringList({"Pakrune has detected that the 'Set Permissions' feature will most likely NOT work.",
-                     "This is due to one or more of the following reasons:",
-                     "- You do not have proper privileges on the machine where this application resides",
-                     "- Permissions cannot be modified for files/folders residing on a FAT32 partition"}));
     modal.findChild<QCheckBox*>("checkNoShow")->click();
     modal.findChild<QPushButton*>("OKButton")->click();
   });
@@ -297,17 +267,8 @@ TEST_F(MainTest, WhereModesDoNotStickANoticeSaysSo) {
 
 TEST_F(MainTest, MissingToolsAreReportedAndTheWindowOpens) {
   fs::remove(root_ + "/prog/bin/tar.exe");
-  EXPECT_TRUE(load({"-d", "C:\\pkg"}));
-  ASSERT_EQ(person_.told.size(), 1U);
-  EXPECT_TRUE(person_.told[0].starts_with("Error|Please make sure Cygwin binaries (tar.exe)"));
-  EXPECT_TRUE(window_.isVisible());
-}
-
-TEST_F(MainTest, AnOldSystemHasNoOwners) {
-  setenv("PAKRUNE_WINVER", "1.4.10", 1);
-  load({});
-  EXPECT_FALSE(find("cmdSetOwner")->isEnabled());
-  EXPECT_FALSE(find("cmdSetGroup")->isEnabled());
+  EXPECT_TRUE(load({"-d", "C:\\pkg"}) && window_.isVisible());
+  EXPECT_EQ(person_.told.size(), 1U);
 }
 
 TEST_F(MainTest, ClosingRemembersTheFolder) {
@@ -322,6 +283,8 @@ TEST_F(MainTest, ClosingRemembersTheFolder) {
   shell::frmMain third(program_object_, pickers_);
   third.Load({});
   EXPECT_EQ(third.GetDir1Path(), "C:\\");
+  QTimer::singleShot(0, qApp, &QApplication::quit);
+  QApplication::exec();  // else no dialog's loop would run after the end that was asked for
 }
 
 TEST_F(MainTest, ClosingWhileItLoadsEndsTheProgram) {
@@ -336,20 +299,8 @@ TEST_F(MainTest, ClosingWhileItLoadsEndsTheProgram) {
   EXPECT_TRUE(person_.told.empty());
 }
 
-TEST_F(MainTest, PermissionsNeedFindWhateverTheRecordHolds) {
-  EXPECT_TRUE(load({"-perms", "pkg"}));
-  EXPECT_TRUE(window_.isVisible() && person_.told.empty());
-  fs::remove(root_ + "/prog/bin/find.exe");
-  EXPECT_FALSE(load({"-perms", "pkg"}));
-  ASSERT_EQ(person_.told.size(), 1U);
-  EXPECT_TRUE(person_.told[0].starts_with("Unable to Set Permissions|")) << person_.told[0];
-}
-
 TEST_F(MainTest, AStartListsItsFolderOnceAndInAWindow) {
-  const std::string tool = root_ + "/prog/bin/ls.exe";
-  fs::remove(tool);
-  std::ofstream(tool) << "#!/bin/sh\npwd >> " + root_ + "/runs\nexec /usr/bin/ls \"$@\"\n";
-  fs::permissions(tool, fs::perms::owner_all);
+  tool("ls.exe", "pwd >> " + root_ + "/runs\nexec /usr/bin/ls \"$@\"");
   for (const auto& arguments : std::vector<std::vector<std::string>>{
            {"-d", "C:\\pkg"}, {"-perms", "pkg", "a.txt"}, {"pkg/a.txt"}, {"-open", "pkg", "gone.tgz"}}) {
     std::ofstream(root_ + "/runs");
@@ -363,25 +314,25 @@ TEST_F(MainTest, AStartListsItsFolderOnceAndInAWindow) {
   }
 }
 
-TEST_F(MainTest, NamedEntriesAreSelected) {
-  ASSERT_TRUE(load({"-perms", "pkg", "b c.txt", "nothing", "sub"}));
-  EXPECT_EQ(selected(), (std::vector<std::string>{"C:\\pkg\\sub", "C:\\pkg\\b c.txt"}));
-  EXPECT_TRUE(window_.isVisible());
-}
-
-TEST_F(MainTest, APathListSelectsWhatExists) {
-  ASSERT_TRUE(load({"pkg/a.txt", "pkg/gone", "pkg/b c.txt"}));
-  EXPECT_EQ(selected(), (std::vector<std::string>{"C:\\pkg\\a.txt", "C:\\pkg\\b c.txt"}));
-  EXPECT_FALSE(find("frameUntar")->isVisible());
-}
-
-TEST_F(MainTest, ASingleArchiveOpensTheExtractFrame) {
+TEST_F(MainTest, AStartSelectsWhatExistsAndOpensASingleArchive) {
   output("tar -C " + host("pkg") + " -czf " + host("pkg/one.tgz") + " a.txt sub");
-  ASSERT_TRUE(load({"pkg/one.tgz"}));
-  EXPECT_TRUE(find("frameUntar")->isVisible());
+  using Names = std::vector<std::string>;
+  const std::string at = "C:\\pkg\\";
+  const std::tuple<Names, Names, bool> cases[] = {
+      {{"-perms", "pkg", "b c.txt", "nothing", "sub"}, {at + "sub", at + "b c.txt"}, false},
+      {{"pkg/a.txt", "pkg/gone", "pkg/b c.txt"}, {at + "a.txt", at + "b c.txt"}, false},
+      {{"-open", "pkg", "gone.tgz"}, {}, false},
+      {{"-open", "pkg", "one.tgz"}, {}, true},
+      {{"pkg/one.tgz"}, {at + "one.tgz"}, true}};
+  for (const auto& [arguments, names, opens] : cases) {
+    ASSERT_TRUE(load(arguments)) << arguments.front();
+    EXPECT_TRUE(window_.isVisible());
+    EXPECT_EQ(find("frameUntar")->isVisible(), opens) << arguments.front();
+    EXPECT_TRUE(opens || selected() == names) << testing::PrintToString(selected());
+  }
+  EXPECT_EQ(find<QTreeView>("tarTree")->model()->rowCount(), 2);
   EXPECT_TRUE(find("frameUntar")->autoFillBackground());  // the browser lies below it
-  EXPECT_FALSE(find("frameMain")->isEnabled());
-  EXPECT_FALSE(find<QMenu>("mnuDownload")->isEnabled());
+  EXPECT_FALSE(find("frameMain")->isEnabled() || find<QMenu>("mnuDownload")->isEnabled());
   EXPECT_EQ(find<QLineEdit>("txtFileIn")->text(), QString("C:\\pkg\\one.tgz"));
   find<QPushButton>("cmdCancel")->click();
   EXPECT_FALSE(find("frameUntar")->isVisible());
@@ -389,32 +340,18 @@ TEST_F(MainTest, ASingleArchiveOpensTheExtractFrame) {
   EXPECT_TRUE(find<QMenu>("mnuDownload")->isEnabled());  // the archive is still the one selected file
 }
 
-TEST_F(MainTest, OpenShowsWhatAnArchiveHolds) {
-  output("tar -C " + host("pkg") + " -czf " + host("pkg/one.tgz") + " a.txt sub");
-  ASSERT_TRUE(load({"-open", "pkg", "one.tgz"}));
-  EXPECT_TRUE(find("frameUntar")->isVisible());
-  EXPECT_EQ(find<QTreeView>("tarTree")->model()->rowCount(), 2);
-}
-
 TEST_F(MainTest, AFailingExtractionTellsWhy) {
   output("cd " + host("pkg") + " && tar -cPf up.tar a.txt ../pkg/sub && echo none >bad.tar");
   EXPECT_FALSE(load({"-extract", "pkg", "up.tar", "C:\\new"}));
   EXPECT_EQ(program_object_.exitStatus, 1);
   EXPECT_TRUE(fs::exists(host("new/a.txt")));
-  EXPECT_NE(person_.told.back().find("Not extracted, its name leads out of the output folder: ../pkg/sub"),
-            std::string::npos)
-      << person_.told.back();
+  EXPECT_TRUE(testworld::has(person_.told.back(),
+                             "Not extracted, its name leads out of the output folder: ../pkg/sub"));
   EXPECT_FALSE(load({"-extract", "pkg", "bad.tar", "C:\\none"}));
   EXPECT_EQ(person_.told.back(), "Pakrune|Nothing to extract");
   EXPECT_EQ(program_object_.exitStatus, 1);
   EXPECT_FALSE(load({"-extract", "pkg", "up.tar", "C:\\pkg\\a.txt"}));
   EXPECT_EQ(person_.told.back(), "Pakrune|Error: Unable to create folder C:\\pkg\\a.txt\\: Not a directory");
-}
-
-TEST_F(MainTest, OpenFallsBackToTheBrowserWithoutTheArchive) {
-  ASSERT_TRUE(load({"-open", "pkg", "gone.tgz"}));
-  EXPECT_FALSE(find("frameUntar")->isVisible());
-  EXPECT_EQ(window_.GetDir1Path(), "C:\\pkg\\");
 }
 
 TEST_F(MainTest, PackOpensTheArchiveDialog) {

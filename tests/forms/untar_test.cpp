@@ -62,6 +62,10 @@ class UntarTest : public testworld::World {
       button.click();
     };
   }
+  void rightClickFirst() {
+    auto& tree = get<QTreeView>("tarTree");
+    emit tree.customContextMenuRequested(tree.visualRect(at({0})).center());
+  }
   bool extractionEnabled() {
     const bool enabled = get<QPushButton>("cmdUnTar").isEnabled();
     for (const char* name : {"cmdUnTarSelected", "cmdSelectAllTar", "cmdSelectNoneTar"})
@@ -152,6 +156,91 @@ TEST_F(UntarTest, RightClickShowsAnEntrysProperties) {
   EXPECT_FALSE(tree.currentIndex().isValid());
   emit tree.customContextMenuRequested(empty);
   EXPECT_FALSE(menu.isVisible());
+}
+
+TEST_F(UntarTest, OpensAnArchiveInsideAndGoesBack) {
+  output("cd " + host("") +
+         " && mkdir -p m/deep && cp pkg.tgz m/deep/data.tar.gz && tar -C m -cf m/mid.tar deep && "
+         "echo no archive >m/bad.tgz && tar -C m -cf out.tar bad.tgz mid.tar deep/data.tar.gz deep");
+  frame_.open("C:\\out.tar");
+  auto& tree = get<QTreeView>("tarTree");
+  const auto where = [this] {
+    return text("txtFileIn") + '|' + text("txtOutLocation") + '|' +
+           get<QLabel>("Label7").text().toStdString();
+  };
+  const auto scratchFolders = [this] {
+    return std::distance(fs::directory_iterator(root_ + "/tmp"), fs::directory_iterator());
+  };
+  const auto openMember = [&](const QModelIndex& index) {
+    tree.setCurrentIndex(index);
+    const QPoint place = tree.inputMethodQuery(Qt::ImCursorRectangle).toRect().center();
+    QContextMenuEvent menuKey(QContextMenuEvent::Keyboard, place, tree.viewport()->mapToGlobal(place));
+    QApplication::sendEvent(&tree, &menuKey);
+    EXPECT_TRUE(get<QMenu>("mnuTarTreeRightClick").isVisible());
+    get<QMenu>("mnuTarTreeRightClick").hide();
+    get<QAction>("mnuTarTreeOpen").trigger();
+    return get<QAction>("mnuTarTreeOpen").isEnabled();
+  };
+  const std::string outer = "C:\\out.tar|C:\\out\\|Contents of Tar File:";
+  EXPECT_FALSE(openMember(at({0})) || get("cmdBack").isVisible());
+  model().setData(at({1}), Qt::Unchecked, Qt::CheckStateRole);
+  tree.expand(at({0}));
+  openMember(at({1}));
+  EXPECT_TRUE(has(person_.told.back(), "Error Opening Package|"));
+  EXPECT_EQ(where(), outer);
+  EXPECT_EQ(at({1}).data(Qt::CheckStateRole).toInt(), Qt::Unchecked);
+  EXPECT_TRUE(tree.isExpanded(at({0})) && tree.currentIndex() == at({1}) && extractionEnabled());
+  EXPECT_EQ(scratchFolders(), 0);
+
+  openMember(at({2}));
+  EXPECT_EQ(where(), "C:\\out.tar|C:\\out\\mid\\|Contents of mid.tar in C:\\out.tar:");
+  openMember(at({0, 0}));
+  EXPECT_EQ(where(),
+            "C:\\out.tar|C:\\out\\mid\\data.tar\\|Contents of data.tar.gz in mid.tar in C:\\out.tar:");
+  click("cmdRefresh");
+  EXPECT_EQ(at({1}).data().toString().toStdString() + std::to_string(scratchFolders()), "top2");
+  get<QLineEdit>("txtOutLocation").setText("C:\\mine");
+  click("cmdBack");
+  EXPECT_EQ(where(), "C:\\out.tar|C:\\mine|Contents of mid.tar in C:\\out.tar:");
+  EXPECT_EQ(scratchFolders(), 1);
+  openMember(at({0, 0}));
+  model().setData(at({0}), Qt::Unchecked, Qt::CheckStateRole);
+  click("cmdUnTarSelected");
+  EXPECT_EQ(log_.all, " Extracted file: data.tar.gz in mid.tar in C:\\out.tar\n");
+  EXPECT_TRUE(bytes("mine/top") == "new" && !fs::exists(host("mine/usr")));
+  EXPECT_EQ(events_, "shown closed ");
+  EXPECT_EQ(scratchFolders(), 0);
+}
+
+TEST_F(UntarTest, WhatIsInsideClosesWithTheArchiveAroundIt) {
+  fs::create_directory(host("m"));
+  fs::copy(host("pkg.tgz"), host("m/a.tgz"));
+  const auto type = [this] { get<QLineEdit>("txtFileIn").setText("C:\\m\\a.tgz"); };
+  const auto pick = [this](const char* path) { pickers_.answer = path, click("cmdGetFile"); };
+  const auto change = [this] {
+    output("cd " + host("in") + " && tar -cf ../out.tar top && touch -d 2001-01-01 ../out.tar");
+  };
+  const std::vector<std::pair<const char*, std::function<void()>>> ways = {
+      {"usr", [&] { type(), click("cmdRefresh"); }}, {"usr", [&] { type(), click("cmdUnTar"); }},
+      {"a.tgz", [&] { pick("C:\\out.tar"); }},       {"", [&] { click("cmdCancel"); }},
+      {"top", [&] { change(), click("cmdBack"); }},  {"top", [&] { change(), click("cmdRefresh"); }},
+      {"a.tgz", [&] { frame_.open("C:\\out.tar"); }}};
+  for (const auto& [shown, act] : ways) {
+    output("cd " + host("") + " && tar -C m -cf out.tar a.tgz");
+    frame_.open("C:\\out.tar");
+    rightClickFirst();
+    get<QAction>("mnuTarTreeOpen").trigger();
+    ASSERT_TRUE(get("cmdBack").isVisible() && model().rowCount() == 2);
+    act();
+    EXPECT_FALSE(get("cmdBack").isVisible());
+    EXPECT_EQ(at({0}).data().toString(), shown);
+    EXPECT_EQ(get<QLabel>("Label7").text(), QString("Contents of Tar File:"));
+    EXPECT_TRUE(fs::is_empty(root_ + "/tmp"));
+  }
+  rightClickFirst();
+  change();
+  get<QAction>("mnuTarTreeOpen").trigger();
+  EXPECT_EQ(at({0}).data().toString(), "top");
 }
 
 TEST_F(UntarTest, CancelDuringAListingKeepsTheNodesSoFar) {
@@ -285,16 +374,21 @@ TEST_F(UntarTest, QuickExtractionStaysShownAndItsCancelEndsTheProgram) {
   archive::frmQuickExtract quick(services_);
   quick.show();
   fs::create_directory(host("quick"));
+  auto& bar = tests::the<QProgressBar>(quick, "ProgressBar1");
+  bool moves = false;
+  meanwhile_ = [&] { moves = moves || (bar.minimum() == 0 && bar.maximum() == 0); };
   EXPECT_EQ(quick.QuickExtract("C:\\pkg.tgz", "C:\\quick").end, runtime::JobEnd::Done);
   EXPECT_EQ(bytes("quick/top"), "new");
-  EXPECT_EQ(tests::the<QProgressBar>(quick, "ProgressBar1").value(), 100);
-  EXPECT_TRUE(quick.isVisible());
+  EXPECT_TRUE(quick.isVisible() && moves);
+  EXPECT_EQ(bar.value(), bar.maximum());
   slowDown();
   cancelAtWork(tests::the<QPushButton>(quick, "cmdCancel"));
   const platform::desktop::Gate gate(busy_);
   const platform::Busy::Scope busy(busy_);
   EXPECT_EQ(quick.QuickExtract("C:\\pkg.tgz", "C:\\half").end, runtime::JobEnd::Stopped);
   EXPECT_TRUE(busy_.endRequested());
+  EXPECT_EQ(bar.value(), 1);  // the second member is at work
+  EXPECT_GT(bar.maximum(), 2);
   EXPECT_EQ(bytes("half/top"), "new");
   EXPECT_FALSE(fs::exists(host("half/half")));
 }
