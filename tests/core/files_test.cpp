@@ -81,19 +81,16 @@ TEST_F(FilesTest, CopyKeepsBytesAndModeAndReplacesALinkNotItsTarget) {
 TEST_F(FilesTest, AFullFileSystemIsKnownBeforehand) {
   EXPECT_EQ(files_.writeProblem("C:\\sub"), 0);
   enum { known, missed, noMount };
-  const pid_t child = fork();
-  if (child == 0) {
+  const int found = tests::inChild([this] {
     if (unshare(CLONE_NEWNS) != 0 || mount("none", "/", nullptr, MS_REC | MS_PRIVATE, nullptr) != 0 ||
         mount("none", host("sub").c_str(), "tmpfs", 0, "size=16k") != 0)
-      _exit(noMount);
+      return noMount;
     const bool room = files_.writeProblem("C:\\sub") == 0;
     std::ofstream(host("sub/big")) << std::string(100000, 'x');
-    _exit(room && files_.writeProblem("C:\\sub") == ENOSPC ? known : missed);
-  }
-  int status = 0;
-  waitpid(child, &status, 0);
-  if (WEXITSTATUS(status) == noMount) GTEST_SKIP() << "no file system of its own";
-  EXPECT_EQ(WEXITSTATUS(status), known);
+    return room && files_.writeProblem("C:\\sub") == ENOSPC ? known : missed;
+  });
+  if (found == noMount) GTEST_SKIP() << "no file system of its own";
+  EXPECT_EQ(found, known);
 }
 
 /// Every file system, whatever it can, ends alike: moved, or what stood there is spared.

@@ -286,6 +286,7 @@ TEST_F(PermissionsTest, FailuresAreToldAndLogged) {
   const std::string rows = "C:\\pkg\\*\n", noRight = error + "no right\n";
   const std::string gone =
       error + "chmod: cannot access '" + host("pkg/gone") + "': No such file or directory\n";
+  const std::string killed = error + "half\nchmod was ended by signal 9", two = error + "to 751\nto 640\n";
   const std::string chmod = "chmod.exe", find = "find.exe", ar = "ar.exe";
   const Texts ab = {"a", "b"}, a = {"a"}, d = {"d"};
   const std::string oddFirst = "case $1 in 755) echo odd;; esac; exec /usr/bin/chmod \"$@\"";
@@ -301,28 +302,15 @@ TEST_F(PermissionsTest, FailuresAreToldAndLogged) {
       {chmod, "echo no right", ab, true, manual640, {noRight}, failed640 + "2" + in},
       {chmod, "echo no right", ab, false, automatic, {noRight, noRight}, failedAuto + rows},
       {chmod, "exit 3", a, true, automatic, {error + "chmod ended with exit code 3"}, failedAuto + "1" + in},
-      {chmod,
-       "echo half; kill -9 $$",
-       a,
-       true,
-       automatic,
-       {error + "half\nchmod was ended by signal 9"},
-       failedAuto + "1" + in},
+      {chmod, "echo half; kill -9 $$", a, true, automatic, {killed}, failedAuto + "1" + in},
       {chmod, "", ab, true, manual640, {unable}, failed640 + "2" + in},
       {find, "", d, true, automatic, {unable}, failedAuto + "1" + in},
       {find, "kill -9 $$", d, true, automatic, {unable}, failedAuto + "1" + in},
       {chmod, oddFirst, d, true, manual640, {"Pakrune|result = odd\n"}, done640 + "1" + in},
-      {chmod,
-       rest,
-       d,
-       true,
-       manual640,
-       {"Pakrune|result = ", error + "to 751\nto 640\n"},
-       failed640 + "1" + in},
+      {chmod, rest, d, true, manual640, {"Pakrune|result = ", two}, failed640 + "1" + in},
       {chmod, noExecute, d, true, alone(automatic), {}, doneAuto + "1" + in},
       {ar, "", {"gone", "a"}, true, automatic, {gone}, failedAuto + "2" + in},
-      {ar, "", {}, false, automatic, {}, doneAuto + rows},
-  };
+      {ar, "", {}, false, automatic, {}, doneAuto + rows}};
   environment_.set("PATH", "");
   for (const auto& one : cases) {
     SCOPED_TRACE(one.tool + ": " + one.script);
@@ -419,11 +407,9 @@ TEST_F(PermissionsTest, TheDialogShowsKindsOrWhatIsOnDisk) {
   EXPECT_EQ(perms::shownModes(services(), items({"a", "d"}).paths).folderInvolved, true);
   EXPECT_EQ(perms::shownModes(services(), items({"a", "b"}).paths).folderInvolved, false);
   using Stored = std::tuple<const char*, bool, bool>;
-  for (const auto& [text, byDefault, kinds] : {Stored{"", true, true},
-                                               {"-1", false, true},
-                                               {"1x", true, true},
-                                               {"0", false, false},
-                                               {"2", false, false}}) {
+  for (const auto& [text, byDefault, kinds] :
+       {Stored{"", true, true}, Stored{"-1", false, true}, Stored{"1x", true, true},
+        Stored{"0", false, false}, Stored{"2", false, false}}) {
     stored_.setDefaultPermissionMode(text);
     stored_.setPermissionOptions(text);
     EXPECT_EQ(perms::automaticByDefault(stored_), byDefault) << text;

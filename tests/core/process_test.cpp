@@ -44,9 +44,6 @@ class ProcessTest : public testworld::World {
       const platform::WaitStep& step = [] { return true; }) {
     return runner_.runVisible(request(commandLine), sink, step);
   }
-  static std::ptrdiff_t openDescriptors() {
-    return std::distance(fs::directory_iterator("/proc/self/fd"), {});
-  }
   bool appears(const std::string& name) const {
     for (int i = 0; i < 1000 && !fs::exists(host(name)); ++i) std::this_thread::sleep_for(10ms);
     return fs::exists(host(name));
@@ -83,7 +80,7 @@ TEST_F(ProcessTest, WhatCannotStartSaysWhy) {
   std::ofstream(host("tools/noformat")) << "text";
   chmod(host("tools/noformat").c_str(), 0755);
   fs::create_directory(host("tools/folder"));
-  const auto before = openDescriptors();
+  const auto before = tests::openDescriptors();
   const std::string tooLong = "true " + std::string(200'000, 'x');
   const std::string withNul = "true a" + platform::holdName(std::string(1, '\0'));
   using Case = std::pair<std::string, int>;
@@ -98,16 +95,12 @@ TEST_F(ProcessTest, WhatCannotStartSaysWhy) {
   for (const char* folder : {"C:\\gone", "\\\\server\\share"})
     EXPECT_EQ(runner_.capture({"true", folder, ""}).status, notStarted) << folder;
   for (int i = 0; i < 50; ++i) capture("true");
-  EXPECT_EQ(openDescriptors(), before);
+  EXPECT_EQ(tests::openDescriptors(), before);
 }
 
 TEST_F(ProcessTest, NoPipeIsToldApart) {
-  rlimit old{};
-  getrlimit(RLIMIT_NOFILE, &old);
-  const rlimit few = {0, old.rlim_max};
-  ASSERT_EQ(setrlimit(RLIMIT_NOFILE, &few), 0);
+  const tests::Limit none(RLIMIT_NOFILE, 0);
   const RunResult result = capture("true");
-  setrlimit(RLIMIT_NOFILE, &old);
   EXPECT_TRUE(result.pipeFailed);
   EXPECT_EQ(result.systemError, EMFILE);
 }
@@ -253,40 +246,25 @@ TEST_F(ProcessTest, EndSignalsReachTheToolAndIgnoredOnesStayIgnored) {
 }
 
 TEST_F(ProcessTest, ShellOpenStartsTheHandlerAndLeavesNothingBehind) {
-  script("path/xdg-open", "printf '%s %s' \"$PWD\" \"$1\" >'" + host("new") + "'; mv '" + host("new") +
-                              "' '" + host("opened") + "'");
-  std::ofstream(host("disk/a b")) << "";
-  EXPECT_FALSE(platform::shellOpen(drives_, environment_, "C:\\gone", ""));
-  EXPECT_TRUE(platform::shellOpen(drives_, environment_, "C:\\a b", "C:\\"));
-  ASSERT_TRUE(appears("opened"));
-  std::string text;
-  std::getline(std::ifstream(host("opened")), text);
-  EXPECT_EQ(text, host("disk") + " " + host("disk/a b"));
-  EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
-}
-
-TEST_F(ProcessTest, AHelpFileIsOpenedByItsViewer) {
   const std::string viewers = drives_.toWindows(host("path"));
   const auto opens = [this](const std::string& what, const std::string& viewersAt) {
     return platform::shellOpen(drives_, environment_, what, "C:\\", viewersAt);
   };
   std::ofstream(host("disk/x.CHM")) << "";
-  EXPECT_FALSE(opens("C:\\x.CHM", viewers)) << "it is not there";
-  for (const char* program : {"hh.exe", "xdg-open"})
-    script(std::string("path/") + program, "printf '%s %s' \"${0##*/}\" \"$1\" >'" + host("new") + "'; mv '" +
-                                               host("new") + "' '" + host("opened") + "'");
+  EXPECT_FALSE(opens("C:\\x.CHM", viewers)) << "there is no viewer";
+  for (const std::string program : {"hh.exe", "xdg-open"})
+    script("path/" + program, keep("'%s %s %s' \"$PWD\" \"${0##*/}\" \"$1\""));
   EXPECT_FALSE(opens("C:\\y.chm::/a.html", viewers));
-  const struct {
-    std::string page, viewers, program;
-  } cases[] = {{"", viewers, "hh.exe"}, {"::/a.html#b", viewers, "hh.exe"}, {"", "", "xdg-open"}};
-  for (const auto& one : cases) {
-    EXPECT_TRUE(opens("C:\\x.CHM" + one.page, one.viewers));
-    ASSERT_TRUE(appears("opened"));
-    std::string text;
-    std::getline(std::ifstream(host("opened")), text);
-    EXPECT_EQ(text, one.program + " " + host("disk/x.CHM") + one.page);
-    fs::remove(host("opened"));
+  std::ofstream(host("disk/a b")) << "";
+  const std::tuple<std::string, std::string, std::string> cases[] = {{"x.CHM", viewers, "hh.exe"},
+                                                                     {"x.CHM::/a.html#b", viewers, "hh.exe"},
+                                                                     {"x.CHM", "", "xdg-open"},
+                                                                     {"a b", viewers, "xdg-open"}};
+  for (const auto& [file, viewersAt, program] : cases) {
+    EXPECT_TRUE(opens("C:\\" + file, viewersAt));
+    EXPECT_EQ(kept(), host("disk") + " " + program + " " + host("disk/") + file);
   }
+  EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);
 }
 
 TEST(SystemInfoTest, VariablesSpeakForTheSystem) {

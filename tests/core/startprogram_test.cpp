@@ -1,14 +1,8 @@
 #include "platform/StartProgram.h"
 
-#include <sys/prctl.h>
-
-#include <chrono>
-#include <thread>
-
 #include "tests/OnDisk.h"
 
 namespace fs = std::filesystem;
-using namespace std::chrono_literals;
 
 namespace {
 
@@ -18,9 +12,9 @@ class StartProgramTest : public testworld::World {
   StartProgramTest() {
     for (const char* name : {"disk/cmd.exe", "disk/cmd", "disk/explorer", "disk/explorer.exe"})
       script(name, "echo >'" + root_ + "/wrong'");
-    tool("cmd.exe",
-         record("$#|$1|$PWD|$(tr '\\0' '\\n' </proc/$$/environ | grep ^PAKRUNE_DRIVES)|$TAR_OPTIONS"));
-    script("disk/xdg-open", record("$#|$1"));
+    tool("cmd.exe", keep("%s \"$#|$1|$PWD|$(tr '\\0' '\\n' </proc/$$/environ | grep ^PAKRUNE_DRIVES)|\""
+                         "\"$TAR_OPTIONS\""));
+    script("disk/xdg-open", keep("%s \"$#|$1\""));
     environment_.set("PATH", "C:\\;" + environment_.get("PATH"));
     fs::create_directory(host("a  b & c"));
   }
@@ -30,19 +24,8 @@ class StartProgramTest : public testworld::World {
     std::ofstream(root_ + "/" + name) << "#!/bin/sh\n" << text << "\n";
     chmod((root_ + "/" + name).c_str(), 0755);
   }
-  std::string record(const std::string& text) const {
-    return "printf %s \"" + text + "\" >'" + root_ + "/new'; mv '" + root_ + "/new' '" + root_ + "/told'";
-  }
   std::string start(const std::string& command, const std::string& folder = "C:\\") {
     return platform::startProgram(drives_, environment_, {command, folder, program_});
-  }
-  /// What the program that was started has recorded.
-  std::string told() const {
-    const std::string file = root_ + "/told";
-    for (int i = 0; i < 1000 && !fs::exists(file); ++i) std::this_thread::sleep_for(10ms);
-    const std::string text = tests::bytesOf(file);
-    fs::remove(file);
-    return text;
   }
 };
 
@@ -55,11 +38,11 @@ TEST_F(StartProgramTest, TheConsoleGetsTheRestAsOneArgument) {
        {"/c \"\"C:\\Tools\\wdx.exe\" -i \"a  $(id) `id` %PATH% ^ | > <.tgz\"\" & pause", " two  blanks ",
         ""}) {
     EXPECT_EQ(start("cmd.exe " + rest, "C:\\a  b & c"), "");
-    EXPECT_EQ(told(), "1|" + rest + "|" + host("a  b & c") + "|" + table + "|");
+    EXPECT_EQ(kept(), "1|" + rest + "|" + host("a  b & c") + "|" + table + "|");
   }
   unsetenv("PAKRUNE_DRIVES");
   EXPECT_EQ(start("cmd.exe"), "");
-  EXPECT_EQ(told(), "1||" + root_ + "/disk|" + table + "|");
+  EXPECT_EQ(kept(), "1||" + root_ + "/disk|" + table + "|");
   EXPECT_EQ(waitpid(-1, nullptr, WNOHANG), -1);  // nobody to wait for
 }
 
@@ -68,15 +51,14 @@ TEST_F(StartProgramTest, ATableThatCannotBeSaidIsNotChangedIntoAnother) {
   setenv("PAKRUNE_DRIVES", "mine", 1);
   EXPECT_EQ(platform::startProgram(drives, environment_, {"cmd.exe x", "", program_}), "");
   unsetenv("PAKRUNE_DRIVES");
-  EXPECT_TRUE(testworld::has(told(), "|PAKRUNE_DRIVES=mine|"));
+  EXPECT_TRUE(testworld::has(kept(), "|PAKRUNE_DRIVES=mine|"));
 }
 
 TEST_F(StartProgramTest, ExplorerTakesTheWholeRestAsOneFolder) {
   EXPECT_EQ(start("explorer C:\\a  b & c", "C:\\gone"), "");
-  EXPECT_EQ(told(), "1|" + host("a  b & c"));
-  EXPECT_EQ(start("explorer C:\\gone"), "there is no folder C:\\gone");
-  EXPECT_EQ(start("explorer C:\\cmd.exe"), "there is no folder C:\\cmd.exe");
-  EXPECT_EQ(start("explorer"), "there is no folder ");
+  EXPECT_EQ(kept(), "1|" + host("a  b & c"));
+  for (const std::string none : {" C:\\gone", " C:\\cmd.exe", " "})
+    EXPECT_EQ(start("explorer" + none), "there is no folder" + none);
   fs::remove(host("xdg-open"));
   environment_.set("PATH", "C:\\");
   EXPECT_EQ(start("explorer C:\\"), "no file manager of this desktop can be started");
@@ -97,7 +79,7 @@ TEST_F(StartProgramTest, WhatDoesNotStartSaysWhy) {
 
 TEST_F(StartProgramTest, ItOutlivesTheProgramWithASessionAndSignalsOfItsOwn) {
   tool("cmd.exe", "read -r line <'" + root_ + "/fifo'\n" +
-                      record("$line|$(grep SigIgn /proc/self/status)|$(ls -m /proc/self/fd)"));
+                      keep("%s \"$line|$(grep SigIgn /proc/self/status)|$(ls -m /proc/self/fd)\""));
   ASSERT_EQ(mkfifo((root_ + "/fifo").c_str(), 0600), 0);
   const pid_t starter = fork();
   if (starter == 0) {
@@ -112,5 +94,5 @@ TEST_F(StartProgramTest, ItOutlivesTheProgramWithASessionAndSignalsOfItsOwn) {
   EXPECT_EQ(status, 0);
   kill(-starter, SIGKILL);  // what had stayed in its group
   std::ofstream(root_ + "/fifo") << "go\n";
-  EXPECT_EQ(told(), "go|SigIgn:\t0000000000000000|0, 1, 2, 3");
+  EXPECT_EQ(kept(), "go|SigIgn:\t0000000000000000|0, 1, 2, 3");
 }

@@ -34,13 +34,11 @@ class OptionsTest : public testworld::World {
 TEST_F(OptionsTest, ShowsWhatIsStoredAndSavesWhatIsShown) {
   const struct {
     const char *context, *mode, *source, *usr8, *shown, *saved;
-  } cases[] = {
-      {"", "", "", "", ".------x..xx", "0000000 0 1 1"},
-      {"1", "-1", "-1", "-1", "x......x..x.", "1000000 0 1 0"},
-      {"0101010999", "1", "0", "2", ".X-X-X-.xX-x", "0101010 1 0 1"},
-      {"1111111", "x", "7", "zero", "xxxxxxxx...x", "1111111 0 -1 1"},
-      {"0111", "4", "1", "0", ".XXX---...x.", "0111000 -1 1 0"},
-  };
+  } cases[] = {{"", "", "", "", ".------x..xx", "0000000 0 1 1"},
+               {"1", "-1", "-1", "-1", "x......x..x.", "1000000 0 1 0"},
+               {"0101010999", "1", "0", "2", ".X-X-X-.xX-x", "0101010 1 0 1"},
+               {"1111111", "x", "7", "zero", "xxxxxxxx...x", "1111111 0 -1 1"},
+               {"0111", "4", "1", "0", ".XXX---...x.", "0111000 -1 1 0"}};
   for (const auto& one : cases) {
     store(one.context, one.mode, one.source, one.usr8);
     shell::frmOptions form(services());

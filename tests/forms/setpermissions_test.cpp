@@ -1,9 +1,8 @@
-#include <sys/stat.h>
-
 #include "perms/ui/frmPermissions.h"
 #include "perms/ui/frmPreview.h"
 #include "platform/desktop/PathLabel.h"
 #include "platform/desktop/ReadableColour.h"
+#include "tests/OnDisk.h"
 #include "tests/forms/Forms.h"
 
 namespace {
@@ -42,10 +41,7 @@ class PermissionsFormTest : public testworld::World {
       text += !box(name)->toolTip().isEmpty() ? '?' : box(name)->isChecked() ? 'x' : '.';
     return text;
   }
-  unsigned modeOf(const std::string& name) const {
-    struct stat status {};
-    return stat(host("pkg/" + name).c_str(), &status) == 0 ? status.st_mode & 07777U : 0;
-  }
+  unsigned modeOf(const std::string& name) const { return tests::modeOf(host("pkg/" + name)); }
   std::unique_ptr<perms::frmPermissions> form_;
 };
 
@@ -57,7 +53,6 @@ TEST_F(PermissionsFormTest, OpensAsThePreferencesSay) {
   EXPECT_FALSE(box("checkUW")->isEnabled());
   EXPECT_TRUE(box("checkSubDirs")->isVisible() && box("checkSubDirs")->isChecked());
   EXPECT_FALSE(find<QFrame>("frameWait")->isVisible());
-  EXPECT_EQ(find<QLabel>("lblItems")->text(), QString("some items"));
   auto* const list = find<QListWidget>("listExecutables");
   QStringList extensions;
   for (int i = 0; i < list->count(); ++i) {
@@ -95,12 +90,9 @@ TEST_F(PermissionsFormTest, MixedBoxesAreMarkedUntilTheyAreClicked) {
 TEST_F(PermissionsFormTest, CtrlCarriesAClickToTheOtherClasses) {
   stored_.setDefaultPermissionMode("0");
   stored_.setPermissionOptions("0");
-  const struct {
-    const char* clicked;
-    const char* boxes;
-  } cases[] = {{"checkOW", "x.xx.x?.?"}, {"checkOE", "xx.x..?.."}, {"checkUR", "xxx..x..?"},
-               {"checkUW", "xxxxxx?x?"}, {"checkUE", "xx.x..?.."}, {"checkER", "xxxx.xx.?"},
-               {"checkEW", "xxxxxx?x?"}, {"checkEE", "xxxx.x?.x"}};
+  const std::pair<const char*, const char*> cases[] = {
+      {"checkOW", "x.xx.x?.?"}, {"checkOE", "xx.x..?.."}, {"checkUR", "xxx..x..?"}, {"checkUW", "xxxxxx?x?"},
+      {"checkUE", "xx.x..?.."}, {"checkER", "xxxx.xx.?"}, {"checkEW", "xxxxxx?x?"}, {"checkEE", "xxxx.x?.x"}};
   for (const auto& [clicked, expected] : cases) {
     open({"a", "b", "c"});
     QTest::keyPress(find<QPushButton>("cmdSetP"), Qt::Key_Control);
@@ -140,7 +132,6 @@ TEST_F(PermissionsFormTest, ARunSetsTheModesAndUnloads) {
   EXPECT_EQ(log_.all, " Permissions(606) set: 2 items in C:\\pkg\\\n");
   EXPECT_TRUE(modeOf("d") == 0717 && modeOf("d/e.sh") == 0606 && modeOf("a") == 0606);
   EXPECT_FALSE(form_->isVisible());
-  EXPECT_EQ(find<QPushButton>("cmdSetP")->text(), QString("Set Permissions"));
   EXPECT_EQ(taken.entries.size(), 3U);
 }
 
@@ -167,10 +158,6 @@ TEST_F(PermissionsFormTest, CancelStopsARunAndTheFilling) {
   person_.onEvents = {};
   EXPECT_TRUE(waited);
   EXPECT_FALSE(form_->isVisible() || find<QFrame>("frameWait")->isVisible());
-  tool("ls.exe", "exec /usr/bin/ls \"$@\"");
-  open({"a"});
-  find<QPushButton>("cmdCancel")->click();
-  EXPECT_FALSE(form_->isVisible());
 }
 
 TEST_F(PermissionsFormTest, ThePreviewListsAndNarrows) {
