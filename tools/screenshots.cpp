@@ -63,7 +63,9 @@ QList<QRgb> mainColours(const QImage& picture) {
   for (int y = 0; y < picture.height(); ++y)
     for (int x = 0; x < picture.width(); ++x) ++count[picture.pixel(x, y)];
   QList<QRgb> colours = count.keys();
-  std::sort(colours.begin(), colours.end(), [&count](QRgb a, QRgb b) { return count[a] > count[b]; });
+  std::sort(colours.begin(), colours.end(), [&count](QRgb a, QRgb b) {
+    return std::pair(count[b], a) < std::pair(count[a], b);  // those alike in an order of their own
+  });
   colours.resize(qMin<qsizetype>(colours.size(), 256));
   return colours;
 }
@@ -103,6 +105,7 @@ class Session {
   }
   void take(QWidget& window, const char* name) {
     window.ensurePolished();
+    the<QLabel>("lblLast").clear();  // its time would make every picture anew
     settle();
     save(window.grab(), name);
   }

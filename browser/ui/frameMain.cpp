@@ -98,12 +98,12 @@ void frameMain::wireActions() {
   const auto belowRoot = [this] { return dir1Path().size() > rootLength; };
   const auto ownersKnown = [this] { return ownersKnown_; };
   constexpr auto later = WhileBusy::Remembered;
-  const auto travels = [this](const char* name, void (Navigation::*where)(), QKeySequence keys) {
+  const auto travels = [](const char* name, std::function<void()> where, QKeySequence keys) {
     return platform::desktop::Action{.name = name,
-                                     .handler = [this, where] { (navigation_->*where)(); },
+                                     .handler = std::move(where),
                                      .whileBusy = WhileBusy::Remembered,
                                      .width = Busy::Width::OpenFolder,
-                                     .keys = keys};
+                                     .keys = std::move(keys)};
   };
   actions_ = new platform::desktop::ActionTable(
       *this, services_.system.busy,
@@ -120,9 +120,12 @@ void frameMain::wireActions() {
           {"optShowHidden", relist, {}, later},
           {"optShowSystem", relist, {}, later},
           {"Filter", [this] { Filter_Click(); }, {}, later},
-          travels("keyUp", &Navigation::openParent, Qt::ALT | Qt::Key_Up),
-          travels("keyBack", &Navigation::goBack, Qt::ALT | Qt::Key_Left),
-          travels("keyForward", &Navigation::goForward, Qt::ALT | Qt::Key_Right),
+          travels(
+              "keyUp", [this] { navigation_->openParent(); }, Qt::ALT | Qt::Key_Up),
+          travels(
+              "keyBack", [this] { navigation_->goBack(); }, Qt::ALT | Qt::Key_Left),
+          travels(
+              "keyForward", [this] { navigation_->goForward(); }, Qt::ALT | Qt::Key_Right),
       });
 }
 
