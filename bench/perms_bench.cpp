@@ -9,6 +9,7 @@
 #include <chrono>
 
 #include "bench/Measure.h"
+#include "bench/Nobody.h"
 #include "perms/ui/frmPreview.h"
 #include "runtime/IsExecutable.h"
 
@@ -17,23 +18,14 @@ namespace {
 namespace fs = std::filesystem;
 using Clock = std::chrono::steady_clock;
 
-/// Answers to nobody, and notes the longest time between two moments at which a window could repaint.
-class Watch : public runtime::UserInterface {
+/// Notes the longest time between two moments at which a window could repaint.
+class Watch : public bench::Nobody {
  public:
-  runtime::Answer message(const std::string& text, runtime::Buttons, runtime::Icon, const std::string&,
-                          runtime::Consequence) override {
-    std::fprintf(stderr, "%s\n", text.c_str());
-    std::exit(2);
-  }
-  void showCommand(const std::string&, const std::string&, const std::string&) override {}
   void letEventsRun() override {
     note();
-    QApplication::processEvents();
+    Nobody::letEventsRun();
     last_ = Clock::now();
   }
-  void consoleOutput(std::string_view) override {}
-  void consoleOpened(const runtime::VisibleRun&) override {}
-  void consoleClosed() override {}
 
   void begin() {
     last_ = Clock::now();
@@ -47,14 +39,6 @@ class Watch : public runtime::UserInterface {
  private:
   Clock::time_point last_ = Clock::now();
   double longest_ = 0;
-};
-
-class NoLog : public runtime::Log {
- public:
-  void append(const std::string& text) override { last = text; }
-  std::size_t size() const override { return 0; }
-  std::string since(std::size_t) const override { return {}; }
-  std::string last;
 };
 
 /// 100,000 files in 1,000 folders; one in twenty is an executable by its name, one in twenty by its bytes.
@@ -80,7 +64,7 @@ class Bench {
   platform::Busy busy_;
   platform::System system_{drives_, files_, environment_, registry_, userSettings_, commands_, busy_};
   Watch user_;
-  NoLog log_;
+  bench::LastLine log_;
   runtime::Settings settings_{registry_, userSettings_, log_};
   runtime::modAPI api_{system_, user_};
   runtime::CygwinEnvironment cygwin_;

@@ -9,33 +9,13 @@
 #include <thread>
 
 #include "bench/Measure.h"
+#include "bench/Nobody.h"
 #include "browser/ui/frmProperties.h"
 
 namespace {
 
 namespace fs = std::filesystem;
 using Items = std::vector<std::string>;
-
-class Nobody : public runtime::UserInterface {
- public:
-  runtime::Answer message(const std::string& text, runtime::Buttons, runtime::Icon, const std::string&,
-                          runtime::Consequence) override {
-    std::fprintf(stderr, "%s\n", text.c_str());
-    std::exit(2);
-  }
-  void showCommand(const std::string&, const std::string&, const std::string&) override {}
-  void letEventsRun() override { QApplication::processEvents(); }
-  void consoleOutput(std::string_view) override {}
-  void consoleOpened(const runtime::VisibleRun&) override {}
-  void consoleClosed() override {}
-};
-
-class NoLog : public runtime::Log {
- public:
-  void append(const std::string&) override {}
-  std::size_t size() const override { return 0; }
-  std::string since(std::size_t) const override { return {}; }
-};
 
 /// 100,000 files: in 1,000 folders ("tree"), and as the rows of one ("flat").
 class Bench {
@@ -63,8 +43,8 @@ class Bench {
   platform::HostCommandRunner commands_{drives_, environment_, "C:\\"};
   platform::Busy busy_;
   platform::System system_{drives_, files_, environment_, registry_, userSettings_, commands_, busy_};
-  Nobody user_;
-  NoLog log_;
+  bench::Nobody user_;
+  bench::LastLine log_;
   runtime::Settings settings_{registry_, userSettings_, log_};
   runtime::modAPI api_{system_, user_};
   runtime::CygwinEnvironment cygwin_{system_, api_, user_, "C:\\"};
