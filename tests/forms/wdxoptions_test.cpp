@@ -25,6 +25,13 @@ class SerialDownload : public tests::MainTest {
   void save(const std::string& text) const { std::ofstream(root_ + "/prog/savedsettings.dlo") << text; }
   std::string saved() const { return output("cat " + root_ + "/prog/savedsettings.dlo"); }
   bool nothingStarted() const { return !fs::exists(root_ + "/kept") && !fs::exists(root_ + "/new"); }
+  /// Acts on the next dialog of that name, whatever stands until it comes.
+  static void onNext(const char* name, const std::function<void(QDialog&)>& act) {
+    QTimer::singleShot(5, [name, act] {
+      auto* const modal = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+      modal == nullptr || modal->objectName() != name ? onNext(name, act) : act(*modal);
+    });
+  }
   /// Opens the dialog from the menu bar.
   void open(const std::function<void(QDialog&)>& act) {
     tests::onNextModal<QDialog>(act);
@@ -80,12 +87,12 @@ TEST_F(SerialDownload, APortInUseIsToldAndTriedAgain) {
   int boxes = 0;
   platform::Descriptor other(::open(ptsname(line_.get()), O_RDWR | O_NOCTTY | O_CLOEXEC));
   open([&](QDialog& form) {
-    tests::onNextModal<QDialog>([&](QDialog& error) {
+    onNext("frmPortErr", [&](QDialog& error) {
       EXPECT_EQ(the<QLabel>(error, "lblerr").text(), QString("COM2 is already open."));
       EXPECT_TRUE(nothingStarted());
       tests::checkTexts(error);
       ++boxes;
-      tests::onNextModal<QDialog>([&](QDialog& again) {
+      onNext("frmPortErr", [&](QDialog& again) {
         ++boxes;
         other = platform::Descriptor();
         tests::press(again, "cmdRetry");
@@ -98,7 +105,7 @@ TEST_F(SerialDownload, APortInUseIsToldAndTriedAgain) {
   EXPECT_EQ(kept(), "/c \"\"" + program_ + "wdx.exe\" -p 2 -b 9600 -i \"a.txt\"\" & pause");
   environment_.set("PAKRUNE_COM2", "/nowhere");
   open([](QDialog& form) {
-    tests::onNextModal<QDialog>([](QDialog& error) { tests::press(error, "cmdCancel"); });
+    onNext("frmPortErr", [](QDialog& error) { tests::press(error, "cmdCancel"); });
     tests::press(form, "cmdSend");
   });
   EXPECT_TRUE(nothingStarted() && person_.told.empty());
@@ -130,7 +137,7 @@ TEST_F(SerialDownload, TheOtherWayIsOneClickAway) {
   putLoader();
   std::string opened;
   open([&opened](QDialog& form) {
-    tests::onNextModal<QDialog>([&opened](QDialog& other) {
+    onNext("frmNetloader", [&opened](QDialog& other) {
       opened = other.objectName().toStdString() + " " + the<QLineEdit>(other, "txtfile").text().toStdString();
       other.reject();
     });
