@@ -264,6 +264,9 @@ TEST_F(Menus, TheMenuKeyOpensItAtTheCurrentRow) {
   const QRect row = pane().visualRect(pane().currentIndex());
   EXPECT_TRUE(row.adjusted(0, 0, 0, 3).contains(corner)) << corner.y();
   const platform::Busy::Scope job(busy_);
+  busy_.becomeSlow();
+  EXPECT_EQ(lit({Qt::Key_Down, Qt::Key_Right, Qt::Key_Down}), "7 100 100 ")
+      << "none of the views can be used";
   menu("frmRightClick").closeAll();
   QApplication::sendEvent(pane().viewport(), &press);
   QTest::mouseClick(pane().viewport(), Qt::RightButton, {}, placeOf("a.txt"));
