@@ -196,8 +196,8 @@ bool ExtractJob::mayExtract(const std::string& member, const std::string& inTar)
   if (answer_ == OverwriteAnswer::YesToAll) return true;
   const platform::Files& files = services_.system.files;
   OverwriteQuestion question;
-  question.path = plan_.outFolder + member.substr(std::min(member.find_first_not_of('/'), member.size()));
-  std::replace(question.path.begin(), question.path.end(), '/', '\\');
+  const std::size_t below = std::min(member.find_first_not_of('/'), member.size());
+  question.path = plan_.outFolder + runtime::withBackslashes(member.substr(below));
   while (question.path.ends_with('\\')) question.path.pop_back();
   question.isFolder = files.folderExists(question.path);
   answer_ = OverwriteAnswer::Yes;

@@ -1,17 +1,13 @@
 #include "archive/ExtractPackage.h"
 
-#include <algorithm>
-
 #include "archive/ExtractVerdict.h"
 #include "archive/ScratchFolder.h"
+#include "runtime/Slashes.h"
 
 namespace archive {
 namespace {
 
-std::string windowsForm(std::string name) {
-  std::replace(name.begin(), name.end(), '/', '\\');
-  return name;
-}
+using runtime::withBackslashes;
 
 /// ar itself writes a name that leads elsewhere without its folders.
 bool staysBelow(const std::string& name) {
@@ -22,7 +18,7 @@ bool staysBelow(const std::string& name) {
 std::vector<std::string> foldersOf(const std::string& name) {
   std::vector<std::string> folders;
   for (std::size_t slash = name.find('/'); slash != name.npos; slash = name.find('/', slash + 1))
-    folders.push_back(windowsForm(name.substr(0, slash)));
+    folders.push_back(withBackslashes(name.substr(0, slash)));
   return folders;
 }
 
@@ -48,7 +44,7 @@ bool PackageMove::some(const std::vector<std::string>& members) const {
 
 /// `folder` is empty or ends in "/".
 bool PackageMove::moveBelow(const std::string& folder, const std::set<std::string>* wanted) const {
-  const auto entries = services_.system.files.entries(from_ + '\\' + windowsForm(folder));
+  const auto entries = services_.system.files.entries(from_ + '\\' + withBackslashes(folder));
   bool all = entries.has_value();
   for (const auto& entry : entries.value_or(std::vector<platform::Files::Entry>())) {
     if (services_.system.busy.stopRequested()) return false;
@@ -64,8 +60,8 @@ bool PackageMove::moveBelow(const std::string& folder, const std::set<std::strin
 bool PackageMove::moveFile(const std::string& name) const {
   const platform::Files& files = services_.system.files;
   for (const std::string& folder : foldersOf(name)) files.createFolder(outFolder_ + folder);
-  const std::string target = outFolder_ + windowsForm(name);
-  if (files.rename(from_ + '\\' + windowsForm(name), target)) return true;
+  const std::string target = outFolder_ + withBackslashes(name);
+  if (files.rename(from_ + '\\' + withBackslashes(name), target)) return true;
   services_.log.append(" Unable to write file: " + target);
   return false;
 }

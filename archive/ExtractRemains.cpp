@@ -2,10 +2,10 @@
 
 #include <sys/stat.h>
 
-#include <algorithm>
 #include <ctime>
 
 #include "archive/ListingLine.h"
+#include "runtime/Slashes.h"
 
 namespace archive {
 namespace {
@@ -28,9 +28,7 @@ ExtractRemains::ExtractRemains(const runtime::Services& services, std::string ou
 }
 
 std::string ExtractRemains::pathOf(const std::string& member) const {
-  std::string path = outFolder_ + member;
-  std::replace(path.begin(), path.end(), '/', '\\');
-  return path;
+  return runtime::withBackslashes(outFolder_ + member);
 }
 
 ExtractRemains::Made ExtractRemains::lookAt(const std::string& path, bool last) const {

@@ -9,6 +9,7 @@
 #include "archive/ListingOutput.h"
 #include "archive/NamesFile.h"
 #include "archive/PackProblem.h"
+#include "runtime/Slashes.h"
 
 namespace archive {
 
@@ -55,8 +56,7 @@ class MemberRun {
 
   /// ar ends well where it lacks the member.
   UnpackedMember found() {
-    std::string path = folder_ + '\\' + member_.name;
-    std::replace(path.begin(), path.end(), '/', '\\');
+    std::string path = folder_ + '\\' + runtime::withBackslashes(member_.name);
     if (files().isLink(path) || !files().isRegularFile(path))
       return {JobEnd::Refused, "The archive has no file of that name"};
     return {JobEnd::Done, "", std::move(path), std::move(place_)};

@@ -7,6 +7,7 @@
 #include <set>
 #include <string_view>
 
+#include "archive/ExtractExcludes.h"
 #include "archive/ListingLine.h"
 #include "archive/NamesFile.h"
 #include "archive/PackProblem.h"
@@ -14,6 +15,7 @@
 #include "platform/CopyAttributes.h"
 #include "platform/NewestTime.h"
 #include "platform/ResolvedPath.h"
+#include "runtime/Slashes.h"
 
 namespace archive {
 namespace {
@@ -143,12 +145,12 @@ std::vector<std::string> PackRun::ownThings() const {
 }
 
 std::string PackRun::exclusions() const {
-  std::string text;
+  std::vector<std::string> members;
   for (const std::string& path : ownThings()) {
-    const std::string member = memberName(roots_, platform::resolvedPath(services_.system.drives, path));
-    if (!member.empty()) text += "\"--exclude=" + member + "\" ";
+    std::string member = memberName(roots_, platform::resolvedPath(services_.system.drives, path));
+    if (!member.empty()) members.push_back(std::move(member));
   }
-  return text.empty() ? text : "--anchored --no-wildcards " + text;
+  return excludeOptions(members);
 }
 
 bool PackRun::writeList() {
@@ -247,8 +249,7 @@ bool PackRun::isName(std::string_view line) const {
   return std::any_of(roots_.begin(), roots_.end(), [&](const PackedRoot& root) {
     const bool below = name.starts_with(root.member + '/');
     if (!below && name != root.member) return false;
-    std::string rest = name.substr(root.member.size());
-    std::replace(rest.begin(), rest.end(), '/', '\\');
+    const std::string rest = runtime::withBackslashes(name.substr(root.member.size()));
     return services_.system.files.entryExists(root.path + rest);
   });
 }

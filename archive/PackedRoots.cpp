@@ -11,8 +11,7 @@ namespace {
 
 std::string belowFolder(const std::string& folder, std::string name) {
   if (name.starts_with("./")) name.erase(0, 2);
-  std::replace(name.begin(), name.end(), '/', '\\');
-  return runtime::withTrailingBackslash(folder) + name;
+  return runtime::withTrailingBackslash(folder) + runtime::withBackslashes(std::move(name));
 }
 
 }  // namespace

@@ -20,9 +20,8 @@ std::string withoutLineEnd(std::string text) {
 /// The path of a name of a list, which tools read from `folder`.
 std::string pathOf(const std::string& folder, std::string_view name) {
   if (name.starts_with("./")) name.remove_prefix(2);
-  std::string below(runtime::withoutSlash(name));
-  std::replace(below.begin(), below.end(), '/', '\\');
-  return runtime::withTrailingBackslash(folder) + below;
+  const std::string below(runtime::withoutSlash(name));
+  return runtime::withTrailingBackslash(folder) + runtime::withBackslashes(below);
 }
 
 std::string guarded(const std::string& name) { return name.starts_with('-') ? "./" + name : name; }

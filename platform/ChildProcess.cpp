@@ -15,6 +15,7 @@
 #include "platform/ConfinementWords.h"
 #include "platform/Pointers.h"
 #include "platform/Signals.h"
+#include "platform/StartReport.h"
 
 namespace platform {
 namespace {
@@ -95,17 +96,6 @@ std::optional<ReportPipe> openReport() {
   return report.childs ? std::optional(std::move(report)) : std::nullopt;
 }
 
-/// 0 once the tool runs, else the errno of what failed.
-int reported(ReportPipe& report) {
-  report.childs.closeNow();
-  int systemError = 0;
-  ssize_t got = 0;
-  do {
-    got = read(report.ours.get(), &systemError, sizeof systemError);
-  } while (got < 0 && errno == EINTR);
-  return got == sizeof systemError ? systemError : 0;
-}
-
 void wait(int first, int second, int milliseconds) {
   pollfd waited[] = {{first, POLLIN, 0}, {second, POLLIN, 0}};
   poll(waited, 2, milliseconds);  // a signal only makes the wait shorter
@@ -137,7 +127,8 @@ std::optional<ChildProcess> ChildProcess::start(const ChildSettings& settings, F
   systemError = posix_spawn(&pid, settings.program.c_str(), plan.actions(), plan.attributes(),
                             pointersTo(settings.arguments).data(), pointersTo(settings.environment).data());
   if (systemError == 0 && report) {
-    systemError = reported(*report);
+    report->childs.closeNow();
+    systemError = reportedError(report->ours.get());
     if (systemError != 0) waitpid(pid, nullptr, 0);
   }
   failure = systemError == 0 ? Failure::None : Failure::Start;

@@ -7,6 +7,7 @@
 #include <csignal>
 
 #include "platform/Pointers.h"
+#include "platform/StartReport.h"
 
 namespace platform {
 namespace {
@@ -57,12 +58,7 @@ void ForkedStart::report(int systemError) const {
 int ForkedStart::result() {
   if (systemError_ != 0) return systemError_;
   question_.closeNow();
-  int systemError = 0;
-  ssize_t got = 0;
-  do {
-    got = read(answer_.get(), &systemError, sizeof systemError);
-  } while (got < 0 && errno == EINTR);
-  return got == sizeof systemError ? systemError : 0;
+  return reportedError(answer_.get());
 }
 
 }  // namespace platform

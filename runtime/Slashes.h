@@ -1,5 +1,7 @@
 #pragma once
 
+#include <algorithm>
+#include <string>
 #include <string_view>
 
 namespace runtime {
@@ -8,6 +10,12 @@ namespace runtime {
 /// stays.
 inline std::string_view withoutSlash(std::string_view name) {
   while (name.size() > 1 && name.ends_with('/')) name.remove_suffix(1);
+  return name;
+}
+
+/// Such a name as a part of a Windows path.
+inline std::string withBackslashes(std::string name) {
+  std::replace(name.begin(), name.end(), '/', '\\');
   return name;
 }
 

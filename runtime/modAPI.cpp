@@ -104,7 +104,7 @@ ToolResult modAPI::RunAndWait(const VisibleRun& run, const std::string& commandL
       {commandLine, workingFolder.empty() ? currentFolder_ : workingFolder, "", manner},
       [&](std::string_view bytes) {
         text += bytes;
-        names.add(bytes);
+        if (run.counted) names.add(bytes);
         user_.consoleOutput(bytes);
       },
       [&] {

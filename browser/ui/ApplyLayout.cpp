@@ -7,8 +7,6 @@
 namespace browser {
 namespace {
 
-constexpr double plainPixelsPerTwip = 96.0 / 1440.0;
-
 int pixels(int twips, double scale) { return qRound(twips * scale); }
 int twips(int pixels, double scale) { return qRound(pixels / scale); }
 

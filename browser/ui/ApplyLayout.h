@@ -8,6 +8,8 @@ class QWidget;
 
 namespace browser {
 
+constexpr double plainPixelsPerTwip = 96.0 / 1440.0;
+
 /// 96 pixels are 1440 twips, times one factor of at least 1 where the widget's font needs more room.
 double pixelsPerTwip(const QWidget& widget);
 

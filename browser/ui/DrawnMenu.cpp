@@ -11,12 +11,13 @@
 #include <algorithm>
 #include <functional>
 
+#include "browser/ui/ApplyLayout.h"
+
 namespace browser {
 namespace {
 
 constexpr int entryHeight = 195;  // twips
-constexpr double plainPixelsPerTwip = 96.0 / 1440.0;
-constexpr int border = 3;  // pixels around the entries
+constexpr int border = 3;         // pixels around the entries
 
 /// The mouse is the menu's business, so that it can go from one menu into another; so are the keys.
 class MenuLabel : public QPushButton {

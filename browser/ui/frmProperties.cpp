@@ -6,8 +6,8 @@
 #include <cmath>
 
 #include "browser/PropertiesLayout.h"
-#include "browser/SizeText.h"
 #include "browser/ui/ApplyLayout.h"
+#include "browser/ui/NumberTexts.h"
 #include "platform/desktop/Text.h"
 #include "ui_frmProperties.h"
 
@@ -104,10 +104,7 @@ void frmProperties::showSize() {
   if (size.ended) look_->stop();
   if (size.items == shown_) return;
   shown_ = size.items;
-  const NumberTexts texts = {
-      [this](std::uint64_t number) { return locale_.numberText(number); },
-      [this](double number, int decimals) { return locale_.decimalText(number, decimals); }};
-  setValue(ui_->lblSizeTitle, ui_->lblSize, formatFSOSize(size.bytes, texts));
+  setValue(ui_->lblSizeTitle, ui_->lblSize, formatFSOSize(size.bytes, numberTexts(locale_)));
   if (ui_->lblSize->sizeHint().width() > ui_->lblSize->width()) doLayout();
 }
 

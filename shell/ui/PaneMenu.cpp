@@ -27,7 +27,7 @@ void PaneMenu::open(QPoint at) {
 
 /// The entries look as the selection was when the menu opened.
 std::vector<platform::desktop::Action> PaneMenu::rows() {
-  const auto oneFile = [one = oneFileSelected()] { return one; };
+  const auto oneFile = [one = window_.oneFileSelected()] { return one; };
   return {
       {"mnuRightClick_1", [this] { download(&frmMain::mnuSerial_Click); }, oneFile},
       {"mnuRightClick_2", [this] { download(&frmMain::mnuNetwork_Click); }, oneFile},
@@ -35,11 +35,6 @@ std::vector<platform::desktop::Action> PaneMenu::rows() {
       {"mnuRightClick_6", [this] { openContainingFolder(); }},
       {"mnuRightClick_0", [this] { showProperties(); }},
   };
-}
-
-bool PaneMenu::oneFileSelected() const {
-  const std::vector<std::string> paths = window_.selectedPaths();
-  return paths.size() == 1 && window_.program().system.files.fileExists(paths.front());
 }
 
 void PaneMenu::download(void (frmMain::*how)()) {

@@ -18,7 +18,6 @@ class PaneMenu {
 
  private:
   std::vector<platform::desktop::Action> rows();
-  bool oneFileSelected() const;
   void download(void (frmMain::*how)());
   void openContainingFolder();
   void showProperties();

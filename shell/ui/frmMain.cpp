@@ -312,10 +312,13 @@ void frmMain::hideUntar() {
 }
 
 void frmMain::updateDownloadMenu() {
-  const runtime::Selection& selection = program_.selection;
-  mayDownload_ = frameMain_->isEnabled() && selection.selectedCount() == 1 &&
-                 program_.system.files.fileExists(selection.selectedPaths.front());
+  mayDownload_ = frameMain_->isEnabled() && oneFileSelected();
   actions_->update();
+}
+
+bool frmMain::oneFileSelected() const {
+  const runtime::Selection& selection = program_.selection;
+  return selection.selectedCount() == 1 && program_.system.files.fileExists(selection.selectedPaths.front());
 }
 
 void frmMain::checkAllKey() {

@@ -51,6 +51,7 @@ class frmMain : public QMainWindow, public runtime::FilePane, public runtime::Do
   browser::frameMain& browsing() { return *frameMain_; }
   void cmdTar_Click();
   void cmdExtract_Click();
+  bool oneFileSelected() const;  ///< what a download needs
   void mnuSerial_Click();
   void mnuNetwork_Click();
   void showPermissionsAtStart();  ///< the dialog for the selection, not modal

@@ -5,7 +5,7 @@
 #include <array>
 #include <cstdio>
 
-#include "browser/SizeText.h"
+#include "browser/ui/NumberTexts.h"
 #include "platform/desktop/Handlers.h"
 #include "platform/desktop/Text.h"
 #include "ui_frmProgress.h"
@@ -101,16 +101,14 @@ void frmProgress::showLines() {
 }
 
 std::string frmProgress::progressText() const {
-  const browser::NumberTexts texts = {
-      [this](std::uint64_t number) { return locale_.numberText(number); },
-      [this](double number, int decimals) { return locale_.decimalText(number, decimals); }};
   std::string text = "Time: " + elapsedText(sinceStart_.elapsed());
   if (run_.members > 0)
     text += "   Members: " + locale_.numberText(std::min(names_.done(), run_.members)) + " of " +
             locale_.numberText(run_.members);
   else if (names_.named() > 0)
     text += "   Members: " + locale_.numberText(names_.done());
-  if (run_.written) text += "   Written: " + browser::formatFSOSize(run_.written(), texts);
+  if (run_.written)
+    text += "   Written: " + browser::formatFSOSize(run_.written(), browser::numberTexts(locale_));
   return text;
 }
 
