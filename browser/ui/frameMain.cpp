@@ -1,7 +1,6 @@
 #include "browser/ui/frameMain.h"
 
 #include <QPointer>
-#include <QScrollBar>
 #include <QShortcut>
 #include <QStyle>
 #include <algorithm>
@@ -12,7 +11,6 @@
 #include "browser/ui/frmView.h"
 #include "platform/desktop/Handlers.h"
 #include "platform/desktop/Text.h"
-#include "platform/desktop/WaitCursor.h"
 #include "runtime/ArchiveKind.h"
 #include "ui_frameMain.h"
 
@@ -28,55 +26,21 @@ using platform::desktop::WhileBusy;
 namespace {
 
 constexpr std::size_t rootLength = 3;
-constexpr int modeColumn = 2;   // as columns are counted for sorting
-constexpr int showEvery = 100;  // milliseconds
 
 }  // namespace
 
-/// The program changes the selection in several steps; it is read once, afterwards.
-class frameMain::SelectionLock {
- public:
-  explicit SelectionLock(frameMain& owner)
-      : owner_(owner), before_(std::exchange(owner.selectionLocked_, true)) {}
-  ~SelectionLock() { owner_.selectionLocked_ = before_; }
-  SelectionLock(const SelectionLock&) = delete;
-  SelectionLock& operator=(const SelectionLock&) = delete;
-
- private:
-  frameMain& owner_;
-  bool before_;
-};
-
-/// The pane takes no input, and the hourglass shows.
-class frameMain::ListingShown {
- public:
-  explicit ListingShown(PaneViews& pane) : pane_(pane), mine_(!pane.listing()) {
-    if (mine_) pane_.setListing(true);
-  }
-  ~ListingShown() {
-    if (mine_) pane_.setListing(false);
-  }
-  ListingShown(const ListingShown&) = delete;
-  ListingShown& operator=(const ListingShown&) = delete;
-
- private:
-  PaneViews& pane_;
-  bool mine_;
-  platform::desktop::WaitCursor hourglass_;
-};
-
 frameMain::frameMain(runtime::Services services, runtime::Selection& selection,
                      platform::desktop::FilePickers& pickers, QWidget* parent)
-    : QFrame(parent), ui_(std::make_unique<Ui::frameMain>()), services_(services), selection_(selection) {
+    : QFrame(parent), ui_(std::make_unique<Ui::frameMain>()), services_(services) {
   ui_->setupUi(this);
   ui_->cmdDirPaneUp->setIcon(style()->standardIcon(QStyle::SP_FileDialogToParent));
   ui_->DirPaneViews->setModel(model_);
-  ui_->DirPaneViews->setViewMode(viewMode_);
+  selection_ =
+      new PaneSelection(services_, selection, *ui_->Dir1, *ui_->DirPaneViews, model_, *ui_->txtSelect, this);
+  listing_ = new PaneListing(
+      services_, *ui_->Dir1, *ui_->DirPaneViews, model_, *selection_, [this] { return choice(); }, this);
   ui_->lblSelectionText->setBuddy(&ui_->DirPaneViews->view());
   ui_->File1->setDrives(services_.system.drives);
-  connect(ui_->txtSelect, &QLineEdit::textChanged, this, [this](const QString& text) {
-    ui_->txtSelect->setToolTip(platform::desktop::toPlainTip(platform::desktop::fromControl(text)));
-  });
   navigation_ = new Navigation(services_, pickers, *ui_->Drive1, *ui_->Dir1, *ui_->txtLocation, this);
   ui_->txtLocation->setText(toControl(dir1Path()));
   wireActions();
@@ -114,7 +78,8 @@ void frameMain::wireActions() {
           {"cmdSetPerms", [this] { emit setPerms(); }, [this] { return !busy(); }},
           {"cmdSetOwner", [this] { emit setOwner(); }, ownersKnown},
           {"cmdSetGroup", [this] { emit setGroup(); }, [this] { return ownersKnown_ && !busy(); }},
-          {"cmdDos2Unix", [this] { emit dos2Unix(); }, [this] { return convertible_ && !busy(); }},
+          {"cmdDos2Unix", [this] { emit dos2Unix(); },
+           [this] { return selection_->convertible() && !busy(); }},
           {"cmdDirPaneUp", [this] { cmdDirPaneUp_Click(); }, belowRoot, later, Busy::Width::OpenFolder},
           {"cmdRefreshFiles", [this] { cmdRefreshFiles_Click(); }, {}, later},
           {"optShowHidden", relist, {}, later},
@@ -144,7 +109,11 @@ void frameMain::wireFolders() {
 void frameMain::wirePane() {
   PaneViews* const pane = ui_->DirPaneViews;
   pane->setBusy(services_.system.busy);
-  connect(pane, &PaneViews::selectionChanged, this, &frameMain::getDirPaneSelected);
+  connect(pane, &PaneViews::selectionChanged, selection_, &PaneSelection::read);
+  connect(selection_, &PaneSelection::changed, this, [this] {
+    actions_->update();
+    emit selectionChanged();
+  });
   connect(pane, &PaneViews::rowDoubleClicked, this, &frameMain::DirPane_DblClick);
   connect(pane, &PaneViews::keyReleased, this, &frameMain::DirPane_KeyUp);
   connect(pane, &PaneViews::mouseReleased, this, [this](int row, Qt::MouseButton button, QPoint at) {
@@ -178,7 +147,10 @@ void frameMain::wireFiles() {
                  &frameMain::checkAll_Click);
 }
 
-void frameMain::setLoading(bool loading) { loading_ = loading; }
+void frameMain::setLoading(bool loading) {
+  loading_ = loading;
+  selection_->setLoading(loading);
+}
 
 void frameMain::openFolder(const std::string& path) { navigation_->openFolder(path); }
 
@@ -193,134 +165,43 @@ ListingChoice frameMain::choice() const {
 
 void frameMain::fillDirPane() {
   const Busy::Scope busy(services_.system.busy);
-  const ListingShown shown(*ui_->DirPaneViews);
   actions_->update();
-  rowsAwaited_ = false;
-  modesAwaited_.reset();
-  FolderListing(services_, dir1Path(), choice(), *this).run();
-  showModes();
+  listing_->list();
 }
 
 void frameMain::listRows() {
   const Busy::Scope busy(services_.system.busy);
   actions_->update();
-  rowsAwaited_ = false;
-  ListingListener& listener = *this;
-  modesAwaited_.emplace(services_, dir1Path(), choice(), listener).listRows();
+  listing_->listRows();
 }
 
 void frameMain::readModes() {
   const Busy::Scope busy(services_.system.busy);
-  if (rowsAwaited_) return fillDirPane();
-  if (!modesAwaited_) return;
-  keepingSelection([this] {
-    const ListingShown shown(*ui_->DirPaneViews);
-    modesAwaited_->readModes();
-    modesAwaited_.reset();
-    showModes();
-  });
+  listing_->readModes();
 }
 
 void frameMain::openDirPane() {
   const Busy::Scope busy(services_.system.busy);
   fillDirPane();
-  resetSelection();
+  selection_->reset();
 }
 
 void frameMain::refreshKeepList() {
   const Busy::Scope busy(services_.system.busy);
-  keepingSelection([this] {
-    ui_->Dir1->refresh();
-    fillDirPane();
-    services_.user.letEventsRun();
-  });
-}
-
-void frameMain::keepingSelection(const std::function<void()>& list) {
-  getDirPaneSelected();
-  PaneViews& pane = *ui_->DirPaneViews;
-  const std::vector<std::string> selected = selectedNames();
-  const int row = pane.currentRow();
-  const int scrolled = pane.view().verticalScrollBar()->value();
-  const std::string current = row < 0 ? std::string() : model_.rows()[static_cast<std::size_t>(row)].name;
-  list();
-  {
-    const SelectionLock lock(*this);
-    pane.selectRows(model_.rowsOf(selected));
-    const std::vector<int> place = model_.rowsOf({current});
-    const int last = static_cast<int>(model_.rows().size()) - 1;
-    pane.returnTo(place.empty() ? std::min(row, last) : place.front(), scrolled);  // else its neighbour
-  }
-  getDirPaneSelected();
-}
-
-void frameMain::rowsFound(std::vector<PaneRow> rows) {
-  ui_->DirPaneViews->setViewMode(viewMode_);
-  model_.setRows(std::move(rows));
-  sinceShown_.start();
-}
-
-void frameMain::modesFound(std::size_t first, const std::vector<std::string>& modes) {
-  model_.setModes(first, modes);
-  if (sinceShown_.elapsed() < showEvery) return;
-  model_.showModes();
-  sinceShown_.start();
-}
-
-/// All other columns were sorted when the rows came.
-void frameMain::showModes() {
-  model_.showModes();
-  if (model_.order().sortColumn == modeColumn) model_.sortBy(model_.order());
-}
-
-void frameMain::resetSelection() {
-  selection_ = {};
-  showSelection(GetDir1Path() + "*", false);
-}
-
-void frameMain::getDirPaneSelected() {
-  if (loading_ || selectionLocked_) return;
-  const SelectionCounts counts =
-      rebuildSelection(selection_, services_.system.files, GetDir1Path(), selectedNames());
-  showCounts(counts);
-}
-
-void frameMain::showCounts(const SelectionCounts& counts) {
-  showSelection(summaryText(counts), counts.files > 0 && counts.folders == 0);
-}
-
-void frameMain::showSelection(const std::string& text, bool convertible) {
-  ui_->txtSelect->setText(toControl(text));
-  ui_->txtSelect->home(false);
-  convertible_ = convertible;
   actions_->update();
-  emit selectionChanged();
+  listing_->listKeeping();
 }
 
-std::vector<std::string> frameMain::selectedNames() const {
-  std::vector<std::string> names;
-  for (const int row : ui_->DirPaneViews->selectedRows())
-    names.push_back(model_.rows()[static_cast<std::size_t>(row)].name);
-  return names;
-}
+void frameMain::getDirPaneSelected() { selection_->read(); }
 
 void frameMain::checkAll_Click() {
-  {
-    const SelectionLock lock(*this);
-    ui_->txtSelect->clear();
-    ui_->DirPaneViews->view().selectAll();
-  }
-  getDirPaneSelected();
+  selection_->selectAll();
   focusDirPane();
 }
 
 void frameMain::clearCurrentRow() { ui_->DirPaneViews->clearCurrentRow(); }
 
-bool frameMain::selectRow(const std::string& name) {
-  const std::vector<int> rows = model_.rowsOf({name});
-  ui_->DirPaneViews->selectRows(rows);
-  return !rows.empty();
-}
+bool frameMain::selectRow(const std::string& name) { return selection_->add(name); }
 
 void frameMain::showEntry(const std::string& path) {
   if (runtime::getFilePath(path) != GetDir1Path()) return;
@@ -355,7 +236,7 @@ void frameMain::enableOwnerButtons(bool enabled) {
 void frameMain::Dir1_Change() {
   const Busy::Scope busy(services_.system.busy);
   ui_->File1->setPath(dir1Path());
-  loading_ ? awaitListing() : openDirPane();
+  loading_ ? listing_->awaitListing() : openDirPane();
   standOnFolderLeft();
   ui_->txtLocation->setText(toControl(dir1Path()));
   if (window()->isVisible()) focusDirPane();
@@ -368,20 +249,12 @@ void frameMain::standOnFolderLeft() {
   if (!left.empty()) showEntry(left);
 }
 
-/// Rows of another folder must not be taken for rows of this one.
-void frameMain::awaitListing() {
-  rowsAwaited_ = true;
-  modesAwaited_.reset();
-  model_.setRows({});
-  resetSelection();
-}
-
 void frameMain::selectFile(const std::string& name) {
   if (model_.rowsOf({name}).empty()) openDirPane();
   {
-    const SelectionLock lock(*this);
+    const PaneSelection::Lock lock(*selection_);
     ui_->DirPaneViews->clearSelected();
-    if (selectRow(name)) goToSelected();
+    if (selection_->add(name)) goToSelected();
   }
   getDirPaneSelected();
 }
@@ -406,7 +279,7 @@ void frameMain::openArchive(const std::string& path) {
 void frameMain::DirPane_DblClick(int row) {
   if (busy()) return openRow(row);
   {
-    const ListingShown shown(*ui_->DirPaneViews);
+    const PaneListing::Shown shown(*ui_->DirPaneViews);
     openRow(row);
   }
   focusDirPane();
@@ -435,10 +308,10 @@ void frameMain::openCurrent() {
 
 void frameMain::DirPane_MouseUp(int row, Qt::MouseButton button, QPoint at) {
   if (row < 0) {
-    const SelectionLock lock(*this);
+    const PaneSelection::Lock lock(*selection_);
     ui_->DirPaneViews->clearSelected();
   }
-  if (row < 0 || selection_.selectedCount() > 1) getDirPaneSelected();
+  if (row < 0 || selection_->count() > 1) getDirPaneSelected();
   if (button == Qt::RightButton) openMenu(at);
 }
 
@@ -458,7 +331,7 @@ DrawnMenu* frameMain::newViewMenu(DrawnMenu& opener) {
     self->setViewMode(mode);
     self->refreshKeepList();
   };
-  return new frmView(services_.system.busy, viewMode_, choose, opener);
+  return new frmView(services_.system.busy, listing_->viewMode(), choose, opener);
 }
 
 void frameMain::DirPane_ColumnClick(int column) { model_.sortBy({column, !model_.order().ascending}); }
@@ -483,10 +356,7 @@ void frameMain::Filter_Click() {
   focusDirPane();
 }
 
-void frameMain::File1_Click() {
-  showCounts(
-      rebuildSelection(selection_, services_.system.files, GetDir1Path(), ui_->File1->selectedNames()));
-}
+void frameMain::File1_Click() { selection_->take(ui_->File1->selectedNames()); }
 
 void frameMain::File1_DblClick() {
   const std::vector<std::string> names = ui_->File1->selectedNames();

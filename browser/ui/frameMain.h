@@ -1,18 +1,16 @@
 #pragma once
 
-#include <QElapsedTimer>
 #include <QFrame>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 #include <vector>
 
-#include "browser/FolderListing.h"
-#include "browser/SelectedRows.h"
 #include "browser/ui/DirPaneModel.h"
 #include "browser/ui/DrawnMenu.h"
 #include "browser/ui/Navigation.h"
+#include "browser/ui/PaneListing.h"
+#include "browser/ui/PaneSelection.h"
 #include "platform/desktop/Actions.h"
 #include "platform/desktop/FilePickers.h"
 #include "runtime/Selection.h"
@@ -29,7 +27,7 @@ namespace browser {
 ///
 /// What the user does here that asks for a listing waits until no job holds the gate, and is done once. The
 /// public operations act at once: a job that holds the gate may list as its step.
-class frameMain : public QFrame, private ListingListener {
+class frameMain : public QFrame {
   Q_OBJECT
 
  public:
@@ -51,7 +49,7 @@ class frameMain : public QFrame, private ListingListener {
   void refreshKeepList();  ///< lists and selects the same names again
   void getDirPaneSelected();
   void checkAll_Click();
-  void setViewMode(int mode) { viewMode_ = mode; }  ///< 0 icons, 2 list, 3 details; applied at each listing
+  void setViewMode(int mode) { listing_->setViewMode(mode); }  ///< see PaneListing
 
   void clearCurrentRow();                      ///< no row is the current one
   bool selectRow(const std::string& name);     ///< adds the first row of that exact name; false: none
@@ -84,9 +82,6 @@ class frameMain : public QFrame, private ListingListener {
   void dividerDragged(int x);                   ///< see Divider::dragged; the layout's owner moves it
 
  private:
-  class SelectionLock;
-  class ListingShown;
-
   void wireFolders();
   void wirePane();
   void wireFiles();
@@ -94,15 +89,6 @@ class frameMain : public QFrame, private ListingListener {
   void whenFree(platform::Busy::Width width, std::function<void()> deed);
   bool busy() const { return services_.system.busy.held(); }
   ListingChoice choice() const;
-  void keepingSelection(const std::function<void()>& list);
-  void rowsFound(std::vector<PaneRow> rows) override;
-  void modesFound(std::size_t first, const std::vector<std::string>& modes) override;
-  void showModes();
-  void awaitListing();
-  void resetSelection();
-  void showSelection(const std::string& text, bool convertible);
-  void showCounts(const SelectionCounts& counts);
-  std::vector<std::string> selectedNames() const;
   void selectFile(const std::string& name);
   void openRow(int row);
   void openArchive(const std::string& path);
@@ -123,20 +109,15 @@ class frameMain : public QFrame, private ListingListener {
 
   std::unique_ptr<Ui::frameMain> ui_;
   runtime::Services services_;
-  runtime::Selection& selection_;
   DirPaneModel model_;
+  PaneSelection* selection_;                 // a child
+  PaneListing* listing_;                     // a child
   Navigation* navigation_;                   // a child
   platform::desktop::ActionTable* actions_;  // a child
   std::string customPattern_ = "*.*";
   std::string shownFolder_;  // the one that was listed last, or is to be
-  int viewMode_ = 3;
   bool loading_ = false;
-  bool selectionLocked_ = false;
-  bool convertible_ = false;  // the selection, its line ends
-  bool ownersKnown_ = true;   // the system has owners
-  bool rowsAwaited_ = true;   // the current folder has not been listed
-  std::optional<FolderListing> modesAwaited_;
-  QElapsedTimer sinceShown_;  // modes come faster than anybody reads
+  bool ownersKnown_ = true;  // the system has owners
 };
 
 }  // namespace browser

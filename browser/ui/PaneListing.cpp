@@ -1,0 +1,111 @@
+#include "browser/ui/PaneListing.h"
+
+#include <QScrollBar>
+#include <algorithm>
+#include <utility>
+
+namespace browser {
+namespace {
+
+constexpr int modeColumn = 2;   // as columns are counted for sorting
+constexpr int showEvery = 100;  // milliseconds
+
+}  // namespace
+
+PaneListing::Shown::Shown(PaneViews& pane) : pane_(pane), mine_(!pane.listing()) {
+  if (mine_) pane_.setListing(true);
+}
+
+PaneListing::Shown::~Shown() {
+  if (mine_) pane_.setListing(false);
+}
+
+PaneListing::PaneListing(runtime::Services services, platform::desktop::FolderList& folders, PaneViews& pane,
+                         DirPaneModel& model, PaneSelection& selection, std::function<ListingChoice()> choice,
+                         QObject* parent)
+    : QObject(parent),
+      services_(services),
+      folders_(folders),
+      pane_(pane),
+      model_(model),
+      selection_(selection),
+      choice_(std::move(choice)) {
+  pane_.setViewMode(viewMode_);
+}
+
+void PaneListing::list() {
+  const Shown shown(pane_);
+  rowsAwaited_ = false;
+  modesAwaited_.reset();
+  FolderListing(services_, folders_.path(), choice_(), listener()).run();
+  showModes();
+}
+
+void PaneListing::listRows() {
+  rowsAwaited_ = false;
+  modesAwaited_.emplace(services_, folders_.path(), choice_(), listener()).listRows();
+}
+
+void PaneListing::readModes() {
+  if (rowsAwaited_) return list();
+  if (!modesAwaited_) return;
+  keepingSelection([this] {
+    const Shown shown(pane_);
+    modesAwaited_->readModes();
+    modesAwaited_.reset();
+    showModes();
+  });
+}
+
+void PaneListing::listKeeping() {
+  keepingSelection([this] {
+    folders_.refresh();
+    list();
+    services_.user.letEventsRun();
+  });
+}
+
+void PaneListing::awaitListing() {
+  rowsAwaited_ = true;
+  modesAwaited_.reset();
+  model_.setRows({});
+  selection_.reset();
+}
+
+void PaneListing::keepingSelection(const std::function<void()>& list) {
+  selection_.read();
+  const std::vector<std::string> selected = selection_.names();
+  const int row = pane_.currentRow();
+  const int scrolled = pane_.view().verticalScrollBar()->value();
+  const std::string current = row < 0 ? std::string() : model_.rows()[static_cast<std::size_t>(row)].name;
+  list();
+  {
+    const PaneSelection::Lock lock(selection_);
+    pane_.selectRows(model_.rowsOf(selected));
+    const std::vector<int> place = model_.rowsOf({current});
+    const int last = static_cast<int>(model_.rows().size()) - 1;
+    pane_.returnTo(place.empty() ? std::min(row, last) : place.front(), scrolled);  // else its neighbour
+  }
+  selection_.read();
+}
+
+void PaneListing::rowsFound(std::vector<PaneRow> rows) {
+  pane_.setViewMode(viewMode_);
+  model_.setRows(std::move(rows));
+  sinceShown_.start();
+}
+
+void PaneListing::modesFound(std::size_t first, const std::vector<std::string>& modes) {
+  model_.setModes(first, modes);
+  if (sinceShown_.elapsed() < showEvery) return;
+  model_.showModes();
+  sinceShown_.start();
+}
+
+/// All other columns were sorted when the rows came.
+void PaneListing::showModes() {
+  model_.showModes();
+  if (model_.order().sortColumn == modeColumn) model_.sortBy(model_.order());
+}
+
+}  // namespace browser
