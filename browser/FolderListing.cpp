@@ -67,13 +67,13 @@ bool FolderListing::readBatch(std::size_t first) {
   const runtime::ToolResult run = services_.api.RunCapture(services_.cygwin.cygwinBin(), modeCommand(names),
                                                            runtime::withTrailingBackslash(folder_));
   if (run.stopped) return false;
-  const BatchModes batch = modesOf(run.text, names);
+  BatchModes batch = modesOf(run.text, names);
   if (!run.ended() || (!run.good() && batch.withoutLine > batch.complaints)) {
     if (failure_.empty()) failure_ = howItEnded(run, "ls");
     return run.status != platform::notStarted;
   }
   rowsWithoutLine_ |= batch.withoutLine > 0;
-  listener_.modesFound(first, batch.modes);
+  listener_.modesFound(first, std::move(batch.entries));
   return true;
 }
 

@@ -15,8 +15,8 @@ class ListingListener {
  public:
   virtual ~ListingListener() = default;
   virtual void rowsFound(std::vector<PaneRow> rows) = 0;  ///< all that there are; no modes yet
-  /// Modes of the rows whose places begin with `first`.
-  virtual void modesFound(std::size_t first, const std::vector<std::string>& modes) = 0;
+  /// Of the rows whose places begin with `first`.
+  virtual void modesFound(std::size_t first, std::vector<LsEntry> entries) = 0;
 };
 
 struct ListingResult {

@@ -1,6 +1,7 @@
 #include "browser/ModePass.h"
 
 #include <algorithm>
+#include <charconv>
 
 #include "platform/HeldName.h"
 #include "runtime/EscapeQuoting.h"
@@ -26,6 +27,35 @@ std::string_view withoutTarget(std::string_view line) {
   std::size_t at = line.find(arrow);
   while (at != line.npos && isEscaped(line, at)) at = line.find(arrow, at + 1);
   return line.substr(0, at);
+}
+
+std::string_view targetOf(std::string_view line) {
+  constexpr std::size_t arrow = 4;  // " -> "
+  const std::size_t at = withoutTarget(line).size();
+  return at == line.size() ? std::string_view() : line.substr(at + arrow);
+}
+
+/// The next field of a line, which is cut off it.
+std::string_view takeField(std::string_view& line) {
+  line.remove_prefix(std::min(line.find_first_not_of(' '), line.size()));
+  const std::string_view field = line.substr(0, line.find(' '));
+  line.remove_prefix(field.size());
+  return field;
+}
+
+bool readNumber(std::string_view field, std::uint32_t& number) {
+  const char* const end = field.data() + field.size();
+  return std::from_chars(field.data(), end, number).ptr == end && !field.empty();
+}
+
+LsEntry entryOf(std::string_view line) {
+  LsEntry entry;
+  entry.mode = runtime::lsModeColumn(line);
+  if (runtime::lsType(line) == 'l') entry.target = platform::holdName(runtime::unescaped(targetOf(line)));
+  takeField(line);  // the mode
+  takeField(line);  // the count of names
+  entry.owned = readNumber(takeField(line), entry.owner) && readNumber(takeField(line), entry.group);
+  return entry;
 }
 
 /// The bytes of the name at the end of a line: behind its last blank that is no part of the name.
@@ -58,7 +88,7 @@ BatchModes modesOf(std::string_view output, std::span<const std::string> names) 
   std::vector<std::string> wanted;
   for (const std::string& name : names) wanted.push_back(platform::releaseName(passed(name)));
   BatchModes batch;
-  batch.modes.resize(names.size());
+  batch.entries.resize(names.size());
   std::vector<std::string_view> complaints;
   auto next = wanted.begin();
   for (const std::string_view line : runtime::completeLines(output)) {
@@ -68,13 +98,13 @@ BatchModes modesOf(std::string_view output, std::span<const std::string> names) 
     }
     const auto found = std::find(next, wanted.end(), nameOf(line));
     if (found == wanted.end()) continue;
-    batch.modes[static_cast<std::size_t>(found - wanted.begin())] = runtime::lsModeColumn(line);
+    batch.entries[static_cast<std::size_t>(found - wanted.begin())] = entryOf(line);
     next = found + 1;
   }
   for (std::size_t i = 0; i < wanted.size(); ++i) {
-    if (!batch.modes[i].empty()) continue;
+    if (!batch.entries[i].mode.empty()) continue;
     ++batch.withoutLine;
-    batch.modes[i] = complaintOf(complaints, wanted[i]);
+    batch.entries[i].mode = complaintOf(complaints, wanted[i]);
   }
   batch.complaints = complaints.size();
   return batch;

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "browser/LsEntry.h"
+
 namespace browser {
 
 constexpr std::size_t modeBatch = 200;  ///< names of one run
@@ -19,13 +21,14 @@ std::string modeCommand(std::span<const std::string> names);
 
 /// What a run told of its names.
 struct BatchModes {
-  std::vector<std::string> modes;  ///< one a name, in their order; empty where nothing was said of it
-  std::size_t withoutLine = 0;     ///< names that no line ends in
-  std::size_t complaints = 0;      ///< lines of `ls` itself
+  std::vector<LsEntry> entries;  ///< one a name, in their order; empty where nothing was said of it
+  std::size_t withoutLine = 0;   ///< names that no line ends in
+  std::size_t complaints = 0;    ///< lines of `ls` itself
 };
 
-/// A name's mode is that of the line which ends in the name as `ls` prints it; lines come in the order of the
-/// names. A name without a line gets the first 10 characters of the complaint that names it.
+/// What is said of a name is said by the line which ends in the name as `ls` prints it; lines come in the
+/// order of the names. A name without a line gets as its mode the first 10 characters of the complaint that
+/// names it.
 BatchModes modesOf(std::string_view output, std::span<const std::string> names);
 
 /// The last line that ends in a name as `ls` prints it; empty when there is none.

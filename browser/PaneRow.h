@@ -6,12 +6,14 @@
 #include <optional>
 #include <string>
 
+#include "browser/LsEntry.h"
+
 namespace browser {
 
 /// One row of the file pane. Its texts are made from it when they are shown.
 struct PaneRow {
   std::string name;  ///< held form; with the folder in front, the row's identity
-  std::string mode;  ///< the first 10 characters of its `ls` line; empty until the mode pass reached it
+  LsEntry ls;        ///< empty until the mode pass reached it
   std::int64_t size = 0;
   std::optional<std::time_t> modified;
   int image = 0;          ///< image index (runtime/ImageKeys.h)

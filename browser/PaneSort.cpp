@@ -39,7 +39,7 @@ std::string sortKey(const PaneRow& row, int sortColumn) {
     case 1:
       return front + platform::shownName(row.name);
     case 2:
-      return beforeAll + row.mode;
+      return beforeAll + row.ls.mode;
     case 3:
       return sizeKey(row);
     default:

@@ -1,11 +1,11 @@
 #include "browser/ui/DirPaneModel.h"
 
+#include <QFont>
 #include <QGuiApplication>
-#include <QPainter>
 #include <QPalette>
 #include <unordered_map>
 
-#include "platform/desktop/ImageList.h"
+#include "browser/RowDetails.h"
 #include "platform/desktop/ReadableColour.h"
 #include "platform/desktop/Text.h"
 
@@ -26,18 +26,11 @@ QColor rowColour(const PaneRow& row) {
   return colour;
 }
 
-QIcon dimmedIcon(const QIcon& icon) {
-  QIcon dimmed;
-  for (const int side : {16, 24, 32, 48, 64}) {
-    QPixmap picture(side, side);
-    picture.fill(Qt::transparent);
-    QPainter painter(&picture);
-    painter.setOpacity(dimming);
-    icon.paint(&painter, picture.rect());
-    painter.end();
-    dimmed.addPixmap(picture);
-  }
-  return dimmed;
+/// A second sign beside the colour, for whoever does not see it.
+QFont slanted() {
+  QFont font = QGuiApplication::font();
+  font.setItalic(true);
+  return font;
 }
 
 }  // namespace
@@ -49,14 +42,16 @@ void DirPaneModel::setRows(std::vector<PaneRow> rows) {
   endResetModel();
 }
 
-void DirPaneModel::setModes(std::size_t first, const std::vector<std::string>& modes) {
-  const std::size_t end = std::min(rows_.size(), first + modes.size());
-  for (std::size_t place = first; place < end; ++place) rows_[rowOfPlace_[place]].mode = modes[place - first];
+void DirPaneModel::setModes(std::size_t first, std::vector<LsEntry> entries) {
+  const std::size_t end = std::min(rows_.size(), first + entries.size());
+  for (std::size_t place = first; place < end; ++place)
+    rows_[rowOfPlace_[place]].ls = std::move(entries[place - first]);
 }
 
 void DirPaneModel::showModes() {
   if (rows_.empty()) return;
-  emit dataChanged(index(0, modeColumn), index(rowCount() - 1, modeColumn), {Qt::DisplayRole});
+  emit dataChanged(index(0, nameColumn), index(rowCount() - 1, modeColumn),
+                   {Qt::DisplayRole});  // emblems, too
 }
 
 void DirPaneModel::sortBy(PaneOrder order) {
@@ -119,20 +114,12 @@ QString DirPaneModel::text(const PaneRow& row, int column) const {
     case nameColumn:
       return platform::desktop::toShown(row.name);
     case modeColumn:
-      return platform::desktop::toShown(row.mode);
+      return platform::desktop::toShown(row.ls.mode);
     case sizeColumn:
       return QString::fromStdString(sizeText(row));
     default:
       return row.modified ? QString::fromStdString(locale_.dateTimeText(*row.modified)) : QString();
   }
-}
-
-QIcon DirPaneModel::icon(const PaneRow& row) const {
-  const QIcon plain = platform::desktop::imageIcon(row.image);
-  if (!row.hidden) return plain;
-  QIcon& dimmed = dimmed_[static_cast<std::size_t>(row.image)];
-  if (dimmed.isNull()) dimmed = dimmedIcon(plain);
-  return dimmed;
 }
 
 QVariant DirPaneModel::data(const QModelIndex& index, int role) const {
@@ -142,9 +129,15 @@ QVariant DirPaneModel::data(const QModelIndex& index, int role) const {
     case Qt::DisplayRole:
       return text(row, index.column());
     case Qt::DecorationRole:
-      return index.column() == nameColumn ? QVariant(icon(row)) : QVariant();
+      return index.column() == nameColumn ? QVariant(icons_.of(row)) : QVariant();
     case Qt::ForegroundRole:
       return row.system || row.hidden ? QVariant(rowColour(row)) : QVariant();
+    case Qt::FontRole:
+      return row.system ? QVariant(slanted()) : QVariant();
+    case Qt::ToolTipRole:
+      return platform::desktop::toPlainTip(row.name + '\n' + rowDetails(row));
+    case Qt::AccessibleDescriptionRole:
+      return index.column() == nameColumn ? platform::desktop::toShown(rowDetails(row)) : QString();
     case Qt::TextAlignmentRole:
       return index.column() == sizeColumn ? QVariant(Qt::AlignRight | Qt::AlignVCenter) : QVariant();
     default:

@@ -1,20 +1,19 @@
 #pragma once
 
 #include <QAbstractTableModel>
-#include <QIcon>
-#include <array>
 #include <string>
 #include <vector>
 
 #include "browser/PaneRow.h"
 #include "browser/PaneSort.h"
+#include "browser/ui/RowIcons.h"
 #include "platform/desktop/Locale.h"
-#include "runtime/ImageKeys.h"
 
 namespace browser {
 
 /// The rows of the file pane. Columns: "Filename", "Permissions", "Size", "Modified"; the caption of the
-/// sorted one ends in " >" (ascending) or " <". Texts and pictures are made when a row is shown.
+/// sorted one ends in " >" (ascending) or " <". Texts and pictures are made when a row is shown; its tip and
+/// description say what has no column.
 class DirPaneModel : public QAbstractTableModel {
   Q_OBJECT
 
@@ -23,8 +22,8 @@ class DirPaneModel : public QAbstractTableModel {
 
   void setRows(std::vector<PaneRow> rows);  ///< in listing order; they show in the model's
   const std::vector<PaneRow>& rows() const { return rows_; }
-  /// Modes of the rows whose places begin with `first`; they show with the next showModes().
-  void setModes(std::size_t first, const std::vector<std::string>& modes);
+  /// Of the rows whose places begin with `first`; it shows with the next showModes().
+  void setModes(std::size_t first, std::vector<LsEntry> entries);
   void showModes();
   void sortBy(PaneOrder order);
   PaneOrder order() const { return order_; }
@@ -39,7 +38,6 @@ class DirPaneModel : public QAbstractTableModel {
 
  private:
   QString text(const PaneRow& row, int column) const;
-  QIcon icon(const PaneRow& row) const;
   void arrangeRows(const std::vector<std::size_t>& from);
   void movePersistent(const std::vector<std::size_t>& placesBefore);
 
@@ -47,7 +45,7 @@ class DirPaneModel : public QAbstractTableModel {
   std::vector<std::size_t> rowOfPlace_;
   PaneOrder order_;
   platform::desktop::Locale locale_;
-  mutable std::array<QIcon, runtime::imageCount + 1> dimmed_;  // made when first shown
+  mutable RowIcons icons_;
 };
 
 }  // namespace browser

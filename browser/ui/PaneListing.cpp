@@ -95,8 +95,8 @@ void PaneListing::rowsFound(std::vector<PaneRow> rows) {
   sinceShown_.start();
 }
 
-void PaneListing::modesFound(std::size_t first, const std::vector<std::string>& modes) {
-  model_.setModes(first, modes);
+void PaneListing::modesFound(std::size_t first, std::vector<LsEntry> entries) {
+  model_.setModes(first, std::move(entries));
   if (sinceShown_.elapsed() < showEvery) return;
   model_.showModes();
   sinceShown_.start();

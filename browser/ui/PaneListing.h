@@ -38,7 +38,7 @@ class PaneListing : public QObject, private ListingListener {
  private:
   void keepingSelection(const std::function<void()>& list);
   void rowsFound(std::vector<PaneRow> rows) override;
-  void modesFound(std::size_t first, const std::vector<std::string>& modes) override;
+  void modesFound(std::size_t first, std::vector<LsEntry> entries) override;
   void showModes();
   ListingListener& listener() { return *this; }
 

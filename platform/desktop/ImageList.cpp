@@ -26,4 +26,10 @@ QIcon imageIcon(int index) {
   return icons->value(index - 1);
 }
 
+QIcon emblemIcon(Emblem emblem) {
+  keepPictures();
+  return QIcon(emblem == Emblem::Link ? QStringLiteral(":/icons/emblem-link.svg")
+                                      : QStringLiteral(":/icons/emblem-run.svg"));
+}
+
 }  // namespace platform::desktop

@@ -8,4 +8,9 @@ namespace platform::desktop {
 /// ground. An empty icon for any other index. Made once and kept.
 QIcon imageIcon(int index);
 
+enum class Emblem { Link, Executable };
+
+/// A small sign to be drawn over a picture of the same size; the rest of it is transparent.
+QIcon emblemIcon(Emblem emblem);
+
 }  // namespace platform::desktop

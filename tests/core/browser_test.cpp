@@ -25,7 +25,7 @@ PaneRow folder(const std::string& name) { return rowOf(name, "fldr"); }
 PaneRow file(const std::string& name, std::int64_t size = 0, const std::string& mode = "") {
   PaneRow row = rowOf(name, platform::extensionOf(name));
   row.size = size;
-  row.mode = mode;
+  row.ls.mode = mode;
   row.isFile = true;
   return row;
 }
@@ -115,8 +115,12 @@ TEST(ModesOf, ARowTakesTheLineThatEndsInItsName) {
   Names names;
   for (const auto& row : rows) names.push_back(platform::holdName(row.first));
   const browser::BatchModes batch = browser::modesOf(output, names);
-  ASSERT_EQ(batch.modes.size(), rows.size());
-  for (std::size_t i = 0; i < rows.size(); ++i) EXPECT_EQ(batch.modes[i], rows[i].second) << rows[i].first;
+  ASSERT_EQ(batch.entries.size(), rows.size());
+  for (std::size_t i = 0; i < rows.size(); ++i)
+    EXPECT_EQ(batch.entries[i].mode, rows[i].second) << rows[i].first;
+  EXPECT_EQ(batch.entries[4], (browser::LsEntry{"lrwxrwxrwx", true, 0, 0, "to a"}));
+  EXPECT_EQ(batch.entries[8], (browser::LsEntry{"-r--r--r--", true, 0, 1000, ""}));
+  EXPECT_FALSE(batch.entries[0].owned);
   EXPECT_EQ(batch.withoutLine, 3U);
   EXPECT_EQ(batch.complaints, 2U);
 }
@@ -143,18 +147,18 @@ class Listing : public testworld::World, public browser::ListingListener {
     rows_ = std::move(rows);
     ++listings_;
   }
-  void modesFound(std::size_t first, const std::vector<std::string>& modes) override {
-    for (std::size_t i = 0; i < modes.size(); ++i) rows_[first + i].mode = modes[i];
+  void modesFound(std::size_t first, std::vector<browser::LsEntry> entries) override {
+    for (std::size_t i = 0; i < entries.size(); ++i) rows_[first + i].ls = entries[i];
     ++batches_;
     if (stopAtOnce_) busy_.requestStop();
   }
   std::string modeOf(const std::string& name) const {
     for (const PaneRow& row : rows_)
-      if (row.name == name) return row.mode;
+      if (row.name == name) return row.ls.mode;
     return "no row";
   }
   std::ptrdiff_t without() const {
-    return std::count_if(rows_.begin(), rows_.end(), [](const PaneRow& row) { return row.mode.empty(); });
+    return std::count_if(rows_.begin(), rows_.end(), [](const PaneRow& row) { return row.ls.mode.empty(); });
   }
   void writeMany(int count) const {
     for (const std::string& name : numbered("f", count)) write(name);

@@ -330,6 +330,28 @@ TEST_F(Browser, DrivesAndTypedPaths) {
   EXPECT_EQ(frame_->dir1Path(), "C:\\");
 }
 
+TEST_F(Browser, ARowTellsWhatHasNoColumn) {
+  write("run", "#!/bin/sh\n");
+  chmod(host("run").c_str(), 0755);
+  fs::create_symlink("b.txt", host("to b"));
+  frame_->refreshKeepList();
+  const auto index = [this](const char* name) {
+    return tree()->model()->match(tree()->model()->index(0, 0), Qt::DisplayRole, name, 1).value(0);
+  };
+  const std::string numbers = "Owner: " + std::to_string(getuid()) + ", group: " + std::to_string(getgid());
+  for (const auto& [name, details] : {std::pair("b.txt", "Size: 5 bytes\n" + numbers),
+                                      {"run", "Size: 10 bytes\n" + numbers + "\nExecutable"},
+                                      {"to b", "Size: 5 bytes\n" + numbers + "\nLink to: b.txt"},
+                                      {"sub", numbers}}) {
+    EXPECT_EQ(index(name).data(Qt::AccessibleDescriptionRole).toString().toStdString(), details);
+    EXPECT_TRUE(index(name).data(Qt::ToolTipRole).toString().contains(name));
+  }
+  const auto picture = [&](const char* name) {
+    return index(name).data(Qt::DecorationRole).value<QIcon>().pixmap(16, 16).toImage();
+  };
+  EXPECT_NE(picture("to b"), picture("run"));
+}
+
 TEST_F(Browser, OneSelectionInAllViews) {
   click("b.txt");
   auto* icons = child<QListView>("DirPaneIcons");

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace browser {
+
+/// What a line of `ls -lnd` says of an entry, beside what the search of the folder has told.
+struct LsEntry {
+  std::string mode;    ///< the first 10 characters; of a complaint, of its text; empty until it was asked for
+  bool owned = false;  ///< the two numbers are known
+  std::uint32_t owner = 0;
+  std::uint32_t group = 0;
+  std::string target;  ///< held form; where a link leads to
+
+  bool operator==(const LsEntry&) const = default;
+};
+
+}  // namespace browser
