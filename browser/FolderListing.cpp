@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <span>
+#include <system_error>
 
 #include "browser/ModePass.h"
 #include "platform/DirectorySearch.h"
@@ -31,14 +32,24 @@ ListingResult FolderListing::run() {
 bool FolderListing::listRows() {
   if (!driveReady()) return false;
   runtime::FileClass found(services_.system.drives);
-  found.Refresh(folder_ + "\\*");
+  const bool any = found.Refresh(folder_ + "\\*");
   std::vector<PaneRow> rows = paneRows(found, choice_);
   found.EmptyTrash();
   names_.clear();
   names_.reserve(rows.size());
   for (const PaneRow& row : rows) names_.push_back(row.name);
   listener_.rowsFound(std::move(rows));
+  if (!any) tellUnreadable();
   return true;
+}
+
+/// A folder that is empty can be read.
+void FolderListing::tellUnreadable() {
+  const int problem = services_.system.files.readProblem(folder_);
+  if (problem == 0) return;
+  const std::string why = std::system_category().message(problem);
+  services_.log.append(" Unable to read folder: " + folder_ + " (" + why + ")");
+  listener_.unreadable(why);
 }
 
 ListingResult FolderListing::readModes() {

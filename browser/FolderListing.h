@@ -15,6 +15,8 @@ class ListingListener {
  public:
   virtual ~ListingListener() = default;
   virtual void rowsFound(std::vector<PaneRow> rows) = 0;  ///< all that there are; no modes yet
+  /// There are no rows, since the folder cannot be read; in words why.
+  virtual void unreadable(const std::string& why) = 0;
   /// Of the rows whose places begin with `first`.
   virtual void modesFound(std::size_t first, std::vector<LsEntry> entries) = 0;
 };
@@ -40,6 +42,7 @@ class FolderListing {
 
  private:
   bool driveReady() const;
+  void tellUnreadable();
   ListingResult passModes();
   bool readBatch(std::size_t first);
 

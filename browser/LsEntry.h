@@ -16,4 +16,7 @@ struct LsEntry {
   bool operator==(const LsEntry&) const = default;
 };
 
+/// What `ls` would say of an entry, asked of the system; without a mode where there is none.
+LsEntry lsEntryOf(const std::string& hostPath);
+
 }  // namespace browser

@@ -21,6 +21,8 @@ struct PaneRow {
   bool isFile = false;
   bool hidden = false;
   bool system = false;
+
+  bool operator==(const PaneRow&) const = default;
 };
 
 /// A row is treated as a folder (opened, sorted to the front) when it has the folder's picture.

@@ -1,37 +1,22 @@
 #include "browser/SelectedRows.h"
 
-#include <unordered_set>
-
 namespace browser {
 namespace {
 
-constexpr std::size_t fewNames = 100;
-
-/// Many names: one look at the folder is cheaper than a look at every entry.
-std::size_t countFolders(const platform::Files& files, const std::string& folder,
-                         const std::vector<std::string>& names) {
-  std::size_t count = 0;
-  if (names.size() <= fewNames) {
-    for (const std::string& name : names) count += files.folderExists(folder + name) ? 1U : 0U;
-    return count;
-  }
-  std::unordered_set<std::string> folders;
-  if (const auto entries = files.entries(folder))
-    for (const auto& entry : *entries)
-      if (entry.isFolder) folders.insert(entry.name);
-  for (const std::string& name : names) count += folders.count(name);
-  return count;
-}
+constexpr std::size_t few = 100;
 
 }  // namespace
 
 SelectionCounts rebuildSelection(runtime::Selection& selection, const platform::Files& files,
-                                 const std::string& folder, const std::vector<std::string>& names) {
+                                 const std::string& folder, const std::vector<SelectedEntry>& entries) {
   selection = {};
-  for (const std::string& name : names) selection.selectedPaths.push_back(folder + name);
+  selection.selectedPaths.reserve(entries.size());
   SelectionCounts counts;
-  counts.folders = countFolders(files, folder, names);
-  counts.files = names.size() - counts.folders;
+  for (const SelectedEntry& entry : entries) {
+    const std::string& path = selection.selectedPaths.emplace_back(folder + entry.name);
+    const bool isFolder = entries.size() > few ? entry.isFolder : files.folderExists(path);
+    ++(isFolder ? counts.folders : counts.files);
+  }
   return counts;
 }
 

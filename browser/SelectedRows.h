@@ -15,9 +15,15 @@ struct SelectionCounts {
   std::size_t folders = 0;
 };
 
-/// Rebuilds the selection list from the names of the selected rows of `folder` (trailing backslash).
+struct SelectedEntry {
+  std::string name;
+  bool isFolder = false;  ///< when its folder was listed
+};
+
+/// Rebuilds the selection list from the selected rows of `folder` (trailing backslash). Few are looked up on
+/// disk; of more than a hundred the list is believed, since that happens at each arrow key.
 SelectionCounts rebuildSelection(runtime::Selection& selection, const platform::Files& files,
-                                 const std::string& folder, const std::vector<std::string>& names);
+                                 const std::string& folder, const std::vector<SelectedEntry>& entries);
 
 std::string summaryText(const SelectionCounts& counts);  ///< "3 items (2 files, 1 folders)"
 

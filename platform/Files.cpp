@@ -234,6 +234,13 @@ std::optional<std::string> Files::readBytes(std::string_view path, std::size_t m
   return bytes;
 }
 
+int Files::readProblem(std::string_view folder) const {
+  const std::optional<std::string> host = drives_.toHost(folder);
+  if (!host) return ENOENT;
+  errno = 0;
+  return openFolder(*host) ? 0 : errno;
+}
+
 std::optional<std::vector<Files::Entry>> Files::entries(std::string_view path) const {
   const std::optional<std::string> host = drives_.toHost(path);
   if (!host) return std::nullopt;

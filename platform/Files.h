@@ -31,6 +31,8 @@ class Files {
   std::string fullName(
       std::string_view path) const;  ///< name on disk exactly as found, or empty (a case-exact Dir())
 
+  int readProblem(std::string_view folder) const;  ///< why it cannot be listed: the system's error, or 0
+
   bool createFolder(std::string_view path) const;            ///< one level; true when it is there afterwards
   int createFolderExclusively(std::string_view path) const;  ///< mode 0700; 0, or the system's error
   int writeProblem(

@@ -17,6 +17,7 @@ constexpr int nameColumn = 0;
 constexpr int modeColumn = 1;
 constexpr int sizeColumn = 2;
 constexpr double dimming = 0.5;
+constexpr std::size_t mostRanges = 100;  // each moves all rows behind it
 
 QColor rowColour(const PaneRow& row) {
   const QPalette palette = QGuiApplication::palette();
@@ -86,6 +87,59 @@ void DirPaneModel::movePersistent(const std::vector<std::size_t>& placesBefore) 
     after.append(index(static_cast<int>(rowOfPlace_[place]), kept.column()));
   }
   changePersistentIndexList(before, after);
+}
+
+bool DirPaneModel::updateRows(std::vector<PaneRow>& rows) {
+  std::unordered_map<std::string_view, std::size_t> found;
+  found.reserve(rows.size());
+  for (std::size_t i = 0; i < rows.size(); ++i) found.emplace(rows[i].name, i);
+  const auto gone = [&](std::size_t row) { return !found.contains(rows_[row].name); };
+  std::vector<std::pair<std::size_t, std::size_t>> ranges;
+  for (std::size_t row = 0; row < rows_.size(); ++row) {
+    if (!gone(row)) continue;
+    if (ranges.empty() || ranges.back().second != row) ranges.emplace_back(row, row);
+    ++ranges.back().second;
+  }
+  if (ranges.size() > mostRanges) return false;
+  for (auto range = ranges.rbegin(); range != ranges.rend(); ++range)
+    removeRange(range->first, range->second);
+  bool moved = rows.size() != rows_.size();
+  for (std::size_t row = 0; row < rows_.size(); ++row) {
+    const auto place = found.extract(rows_[row].name);
+    moved |= replaceRow(row, std::move(rows[place.mapped()]));
+  }
+  std::vector<PaneRow> added;
+  for (const auto& [name, i] : found) added.push_back(std::move(rows[i]));
+  if (!added.empty()) append(std::move(added));
+  rowOfPlace_.resize(rows_.size());
+  for (std::size_t row = 0; row < rows_.size(); ++row) rowOfPlace_[rows_[row].place] = row;
+  if (moved) sortBy(order_);
+  return true;
+}
+
+void DirPaneModel::removeRange(std::size_t first, std::size_t end) {
+  beginRemoveRows({}, static_cast<int>(first), static_cast<int>(end) - 1);
+  rows_.erase(rows_.begin() + static_cast<std::ptrdiff_t>(first),
+              rows_.begin() + static_cast<std::ptrdiff_t>(end));
+  endRemoveRows();
+}
+
+/// True when it shows something else now, and so may belong elsewhere.
+bool DirPaneModel::replaceRow(std::size_t row, PaneRow now) {
+  PaneRow& shown = rows_[row];
+  shown.place = now.place;
+  if (shown == now) return false;
+  shown = std::move(now);
+  const int at = static_cast<int>(row);
+  emit dataChanged(index(at, 0), index(at, columnCount() - 1));
+  return true;
+}
+
+void DirPaneModel::append(std::vector<PaneRow> rows) {
+  const int first = rowCount();
+  beginInsertRows({}, first, first + static_cast<int>(rows.size()) - 1);
+  std::move(rows.begin(), rows.end(), std::back_inserter(rows_));
+  endInsertRows();
 }
 
 std::vector<int> DirPaneModel::rowsOf(const std::vector<std::string>& names) const {

@@ -22,6 +22,9 @@ class DirPaneModel : public QAbstractTableModel {
 
   void setRows(std::vector<PaneRow> rows);  ///< in listing order; they show in the model's
   const std::vector<PaneRow>& rows() const { return rows_; }
+  /// Makes the rows these, in listing order and with all that `ls` says, telling the views of the differences
+  /// only, and takes them. False where those are so scattered that setRows() is quicker: nothing has changed.
+  bool updateRows(std::vector<PaneRow>& rows);
   /// Of the rows whose places begin with `first`; it shows with the next showModes().
   void setModes(std::size_t first, std::vector<LsEntry> entries);
   void showModes();
@@ -39,6 +42,9 @@ class DirPaneModel : public QAbstractTableModel {
  private:
   QString text(const PaneRow& row, int column) const;
   void arrangeRows(const std::vector<std::size_t>& from);
+  void removeRange(std::size_t first, std::size_t end);
+  bool replaceRow(std::size_t row, PaneRow now);
+  void append(std::vector<PaneRow> rows);
   void movePersistent(const std::vector<std::size_t>& placesBefore);
 
   std::vector<PaneRow> rows_;

@@ -130,6 +130,15 @@ void Navigation::openParent() {
   if (path.size() > rootLength) folders_.setPath(runtime::getFilePath(path));
 }
 
+bool Navigation::openNearest() {
+  std::string path = folders_.path();
+  while (path.size() > rootLength) {
+    path = platform::desktop::folderPath(runtime::getFilePath(path));
+    if (openLocked(path)) return true;
+  }
+  return false;
+}
+
 void Navigation::Drive1_Change() {
   if (!drivesLocked_) whenFree([this, drive = drives_.drive()] { openDrive(drive); });
 }

@@ -27,9 +27,10 @@ class Navigation : public QObject {
 
   void openFolder(const std::string& path);     ///< C:\ for a path that is no folder; lists in any case
   bool openSubfolder(const std::string& path);  ///< false, without a word, when it cannot be opened
-  void openParent();                            ///< nothing at a root
-  void goBack();     ///< to the folder before, of those that are still there; nothing without one
-  void goForward();  ///< undoes goBack(), until another folder is opened
+  bool openNearest();  ///< the nearest parent that is there; false: not even the drive is
+  void openParent();   ///< nothing at a root
+  void goBack();       ///< to the folder before, of those that are still there; nothing without one
+  void goForward();    ///< undoes goBack(), until another folder is opened
 
  signals:
   void folderChanged();  ///< another folder is the current one, or openFolder asked for the same one

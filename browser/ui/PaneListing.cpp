@@ -35,13 +35,16 @@ PaneListing::PaneListing(runtime::Services services, platform::desktop::FolderLi
 
 void PaneListing::list() {
   const Shown shown(pane_);
+  emit begins();
   rowsAwaited_ = false;
   modesAwaited_.reset();
   FolderListing(services_, folders_.path(), choice_(), listener()).run();
   showModes();
+  emit ended();
 }
 
 void PaneListing::listRows() {
+  emit begins();
   rowsAwaited_ = false;
   modesAwaited_.emplace(services_, folders_.path(), choice_(), listener()).listRows();
 }
@@ -54,6 +57,7 @@ void PaneListing::readModes() {
     modesAwaited_->readModes();
     modesAwaited_.reset();
     showModes();
+    emit ended();
   });
 }
 
@@ -65,9 +69,14 @@ void PaneListing::listKeeping() {
   });
 }
 
+void PaneListing::showRows(std::vector<PaneRow> rows) {
+  keepingSelection([this, &rows] { model_.setRows(std::move(rows)); });
+}
+
 void PaneListing::awaitListing() {
   rowsAwaited_ = true;
   modesAwaited_.reset();
+  pane_.setNotice({});
   model_.setRows({});
   selection_.reset();
 }
@@ -91,8 +100,13 @@ void PaneListing::keepingSelection(const std::function<void()>& list) {
 
 void PaneListing::rowsFound(std::vector<PaneRow> rows) {
   pane_.setViewMode(viewMode_);
+  pane_.setNotice({});
   model_.setRows(std::move(rows));
   sinceShown_.start();
+}
+
+void PaneListing::unreadable(const std::string& why) {
+  pane_.setNotice("This folder cannot be read: " + why);
 }
 
 void PaneListing::modesFound(std::size_t first, std::vector<LsEntry> entries) {

@@ -29,15 +29,23 @@ class PaneListing : public QObject, private ListingListener {
   int viewMode() const { return viewMode_; }
   void setViewMode(int mode) { viewMode_ = mode; }  ///< 0 icons, 2 list, 3 details; applied at each listing
 
-  void list();          ///< rows and modes; nothing is selected afterwards
-  void listRows();      ///< the first half
-  void readModes();     ///< what is missing: the modes, or all; keeps the selection
-  void listKeeping();   ///< lists and selects the same names again
+  void list();         ///< rows and modes; nothing is selected afterwards
+  void listRows();     ///< the first half
+  void readModes();    ///< what is missing: the modes, or all; keeps the selection
+  void listKeeping();  ///< lists and selects the same names again
+  /// Shows rows that are complete, which nobody asked for; the caller holds no gate.
+  void showRows(std::vector<PaneRow> rows);
+  bool complete() const { return !rowsAwaited_ && !modesAwaited_; }
   void awaitListing();  ///< another folder is open: rows of the one before must not be taken for its own
+
+ signals:
+  void begins();  ///< before anything is read
+  void ended();   ///< rows and modes are there, or will not be
 
  private:
   void keepingSelection(const std::function<void()>& list);
   void rowsFound(std::vector<PaneRow> rows) override;
+  void unreadable(const std::string& why) override;
   void modesFound(std::size_t first, std::vector<LsEntry> entries) override;
   void showModes();
   ListingListener& listener() { return *this; }

@@ -25,11 +25,17 @@ PaneSelection::PaneSelection(runtime::Services services, runtime::Selection& sel
 std::string PaneSelection::folder() const { return runtime::withTrailingBackslash(folders_.path()); }
 
 void PaneSelection::read() {
-  if (!loading_ && !locked_) take(names());
+  if (loading_ || locked_) return;
+  std::vector<SelectedEntry> entries;
+  for (const int row : pane_.selectedRows()) {
+    const PaneRow& selected = model_.rows()[static_cast<std::size_t>(row)];
+    entries.push_back({selected.name, !selected.isFile});
+  }
+  take(entries);
 }
 
-void PaneSelection::take(const std::vector<std::string>& names) {
-  show(rebuildSelection(selection_, services_.system.files, folder(), names));
+void PaneSelection::take(const std::vector<SelectedEntry>& entries) {
+  show(rebuildSelection(selection_, services_.system.files, folder(), entries));
 }
 
 void PaneSelection::reset() {

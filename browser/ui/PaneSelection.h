@@ -40,8 +40,9 @@ class PaneSelection : public QObject {
   void setLoading(bool loading) { loading_ = loading; }  ///< while it is on nothing is read
   void read();                                           ///< getDirPaneSelected
   void reset();  ///< nothing is selected; the summary names all of the folder
-  void take(const std::vector<std::string>& names);  ///< what another list has selected in the open folder
-  std::vector<std::string> names() const;            ///< of the selected rows, in list order
+  void take(
+      const std::vector<SelectedEntry>& entries);  ///< what another list has selected in the open folder
+  std::vector<std::string> names() const;          ///< of the selected rows, in list order
   std::size_t count() const { return selection_.selectedCount(); }
   bool convertible() const { return convertible_; }  ///< its line ends: files, and no folder
   bool add(const std::string& name);  ///< selects the first row of that exact name; false: none

@@ -3,6 +3,8 @@
 #include <QApplication>
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QLineEdit>
+#include <QPainter>
 #include <QScrollBar>
 #include <QShortcut>
 #include <QStyledItemDelegate>
@@ -10,12 +12,14 @@
 #include <utility>
 
 #include "platform/desktop/Handlers.h"
+#include "platform/desktop/Text.h"
 
 namespace browser {
 namespace {
 
 constexpr int smallIcon = 16;
 constexpr int largeIcon = 32;
+constexpr int margin = 12;
 
 bool isPaneKey(int key) { return key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Backspace; }
 
@@ -76,6 +80,14 @@ class HeardView : public View {
     const int row = this->indexAt(at).row();
     if (row >= 0 || (at - pressedAt_).manhattanLength() < QApplication::startDragDistance())
       emit pane_.mouseReleased(row, event->button(), event->globalPosition().toPoint());
+  }
+  void paintEvent(QPaintEvent* event) override {
+    View::paintEvent(event);
+    if (pane_.notice().isEmpty()) return;
+    QPainter painter(this->viewport());
+    painter.setPen(this->palette().color(QPalette::Text));
+    painter.drawText(this->viewport()->rect().adjusted(margin, margin, -margin, -margin),
+                     Qt::AlignHCenter | Qt::AlignTop | Qt::TextWordWrap, pane_.notice());
   }
   void contextMenuEvent(QContextMenuEvent* event) override {
     if (event->reason() == QContextMenuEvent::Keyboard) emit pane_.menuKeyPressed(placeOfCurrentRow());
@@ -223,6 +235,25 @@ void PaneViews::setViewMode(int mode) {
   if (focused) view().setFocus();
 }
 
+void PaneViews::setNotice(const std::string& text) {
+  notice_ = platform::desktop::toShown(text);
+  for (QAbstractItemView* shown :
+       {static_cast<QAbstractItemView*>(details_), static_cast<QAbstractItemView*>(icons_)}) {
+    shown->setAccessibleDescription(notice_);
+    shown->viewport()->update();
+  }
+}
+
+bool PaneViews::editing() const { return view().viewport()->findChild<QLineEdit*>() != nullptr; }
+
+PaneViews::Place::Place(PaneViews& pane) : pane_(pane) {
+  if (pane.view().verticalScrollBar()->value() > 0) top_ = pane.view().indexAt(QPoint(1, 1));
+}
+
+PaneViews::Place::~Place() {
+  if (top_.isValid()) pane_.view().scrollTo(top_, QAbstractItemView::PositionAtTop);
+}
+
 int PaneViews::currentRow() const { return view().currentIndex().row(); }
 
 std::vector<int> PaneViews::selectedRows() const {
@@ -248,10 +279,13 @@ void PaneViews::selectRows(const std::vector<int>& wanted) {
   view().selectionModel()->select(selection, QItemSelectionModel::Select);
 }
 
+void PaneViews::makeCurrent(int row) {
+  view().selectionModel()->setCurrentIndex(view().model()->index(row, 0), QItemSelectionModel::NoUpdate);
+}
+
 void PaneViews::goTo(int row) {
-  const QModelIndex index = view().model()->index(row, 0);
-  view().selectionModel()->setCurrentIndex(index, QItemSelectionModel::NoUpdate);
-  view().scrollTo(index);
+  makeCurrent(row);
+  view().scrollTo(view().model()->index(row, 0));
 }
 
 void PaneViews::goToSelected() {

@@ -3,6 +3,7 @@
 #include <QListView>
 #include <QStackedWidget>
 #include <QTreeView>
+#include <string>
 #include <vector>
 
 #include "browser/ui/DirPaneModel.h"
@@ -28,11 +29,30 @@ class PaneViews : public QStackedWidget {
   void setListing(bool listing);
   bool listing() const { return !details_->isEnabled(); }
 
+  void setNotice(const std::string& text);  ///< shown where there are no rows; empty: nothing
+  const QString& notice() const { return notice_; }
+
+  bool editing() const;  ///< a box stands over a row, for its name
+
+  /// What is shown at the top is there again at the end, though rows came and went above it.
+  class Place {
+   public:
+    explicit Place(PaneViews& pane);
+    ~Place();
+    Place(const Place&) = delete;
+    Place& operator=(const Place&) = delete;
+
+   private:
+    PaneViews& pane_;
+    QPersistentModelIndex top_;  // none at the very top
+  };
+
   void setViewMode(int mode);  ///< 0 icons, 2 list, 3 details
   QAbstractItemView& view() const;
   int currentRow() const;                         ///< -1: none
   std::vector<int> selectedRows() const;          ///< in list order
   void selectRows(const std::vector<int>& rows);  ///< adds them, as one change
+  void makeCurrent(int row);                      ///< selected or not; nothing scrolls
   void goTo(int row);   ///< it becomes the current one, selected or not, and is scrolled into view
   void goToSelected();  ///< the first of them becomes the current row and is scrolled into view
   void clearCurrentRow();
@@ -58,6 +78,7 @@ class PaneViews : public QStackedWidget {
   void buildIcons();
 
   const platform::Busy* busy_ = nullptr;
+  QString notice_;
   QTreeView* details_;
   QListView* icons_;
 };

@@ -4,8 +4,10 @@
 #include <QShortcut>
 #include <QStyle>
 #include <algorithm>
+#include <system_error>
 #include <utility>
 
+#include "browser/ui/SelectionSize.h"
 #include "browser/ui/frmPattern.h"
 #include "browser/ui/frmShowFiles.h"
 #include "browser/ui/frmView.h"
@@ -37,10 +39,16 @@ frameMain::frameMain(runtime::Services services, runtime::Selection& selection,
   ui_->DirPaneViews->setModel(model_);
   selection_ =
       new PaneSelection(services_, selection, *ui_->Dir1, *ui_->DirPaneViews, model_, *ui_->txtSelect, this);
+  new SelectionSize(services_.system.drives, selection, *selection_, *ui_->Dir1, *ui_->lblSelectionText);
   listing_ = new PaneListing(
       services_, *ui_->Dir1, *ui_->DirPaneViews, model_, *selection_, [this] { return choice(); }, this);
   ui_->lblSelectionText->setBuddy(&ui_->DirPaneViews->view());
   ui_->File1->setDrives(services_.system.drives);
+  auto* const refresh = new PaneRefresh(
+      services_, *ui_->Dir1, *ui_->DirPaneViews, model_, *selection_, *listing_, [this] { return choice(); },
+      this);
+  connect(refresh, &PaneRefresh::folderGone, this,
+          [this] { whenFree(Busy::Width::OpenFolder, [this] { refreshKeepList(); }); });
   navigation_ = new Navigation(services_, pickers, *ui_->Drive1, *ui_->Dir1, *ui_->txtLocation, this);
   ui_->txtLocation->setText(toControl(dir1Path()));
   wireActions();
@@ -189,7 +197,7 @@ void frameMain::openDirPane() {
 void frameMain::refreshKeepList() {
   const Busy::Scope busy(services_.system.busy);
   actions_->update();
-  listing_->listKeeping();
+  if (!leaveGoneFolder()) listing_->listKeeping();
 }
 
 void frameMain::getDirPaneSelected() { selection_->read(); }
@@ -243,6 +251,14 @@ void frameMain::Dir1_Change() {
   emit folderChanged();
 }
 
+/// Its nearest parent that is there is opened instead, unless the whole volume is absent.
+bool frameMain::leaveGoneFolder() {
+  const std::string gone = dir1Path();
+  if (services_.system.files.folderExists(gone) || !navigation_->openNearest()) return false;
+  services_.log.append(" The folder is not there any more: " + gone);
+  return true;
+}
+
 /// Whoever went up stands on the folder that was left.
 void frameMain::standOnFolderLeft() {
   const std::string left = std::exchange(shownFolder_, dir1Path());
@@ -267,9 +283,15 @@ void frameMain::openRow(int row) {
     return;
   }
   whenFree(Busy::Width::OpenFolder, [this, path] {
-    navigation_->openSubfolder(path);
+    if (!navigation_->openSubfolder(path)) tellUnopened(path);
     focusDirPane();
   });
+}
+
+void frameMain::tellUnopened(const std::string& folder) {
+  const int problem = services_.system.files.readProblem(folder);
+  services_.log.append(" Unable to open folder: " + folder + " (" + std::system_category().message(problem) +
+                       ")");
 }
 
 void frameMain::openArchive(const std::string& path) {
@@ -356,7 +378,11 @@ void frameMain::Filter_Click() {
   focusDirPane();
 }
 
-void frameMain::File1_Click() { selection_->take(ui_->File1->selectedNames()); }
+void frameMain::File1_Click() {
+  std::vector<SelectedEntry> entries;
+  for (const std::string& name : ui_->File1->selectedNames()) entries.push_back({name});
+  selection_->take(entries);
+}
 
 void frameMain::File1_DblClick() {
   const std::vector<std::string> names = ui_->File1->selectedNames();

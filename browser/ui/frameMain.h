@@ -10,6 +10,7 @@
 #include "browser/ui/DrawnMenu.h"
 #include "browser/ui/Navigation.h"
 #include "browser/ui/PaneListing.h"
+#include "browser/ui/PaneRefresh.h"
 #include "browser/ui/PaneSelection.h"
 #include "platform/desktop/Actions.h"
 #include "platform/desktop/FilePickers.h"
@@ -91,11 +92,13 @@ class frameMain : public QFrame {
   ListingChoice choice() const;
   void selectFile(const std::string& name);
   void openRow(int row);
+  void tellUnopened(const std::string& folder);
   void openArchive(const std::string& path);
   void openCurrent();
 
   void Dir1_Change();
   void standOnFolderLeft();
+  bool leaveGoneFolder();
   void DirPane_DblClick(int row);
   void DirPane_KeyUp(int key);
   void DirPane_MouseUp(int row, Qt::MouseButton button, QPoint at);

@@ -1,6 +1,7 @@
 #include "browser/FolderListing.h"
 #include "browser/ModePass.h"
 #include "browser/PaneSort.h"
+#include "browser/RefreshPace.h"
 #include "browser/SelectedRows.h"
 #include "runtime/ImageKeys.h"
 #include "runtime/LsLine.h"
@@ -147,6 +148,7 @@ class Listing : public testworld::World, public browser::ListingListener {
     rows_ = std::move(rows);
     ++listings_;
   }
+  void unreadable(const std::string&) override {}
   void modesFound(std::size_t first, std::vector<browser::LsEntry> entries) override {
     for (std::size_t i = 0; i < entries.size(); ++i) rows_[first + i].ls = entries[i];
     ++batches_;
@@ -170,6 +172,22 @@ class Listing : public testworld::World, public browser::ListingListener {
   bool stopAtOnce_ = false;
 };
 
+TEST(RefreshPace, QuietPatienceAndRest) {
+  using std::chrono::milliseconds;
+  const browser::RefreshPace::Clock::time_point start{};
+  browser::RefreshPace pace;
+  EXPECT_FALSE(pace.due());
+  pace.changed(start);
+  pace.changed(start + milliseconds(400));
+  EXPECT_EQ(*pace.due() - start, milliseconds(900)) << "half a second of quiet";
+  pace.changed(start + milliseconds(2900));
+  EXPECT_EQ(*pace.due() - start, milliseconds(3000)) << "three seconds at the latest";
+  pace.rest(start + milliseconds(100), milliseconds(600));
+  EXPECT_EQ(*pace.due() - start, milliseconds(6100)) << "ten times as long as the last look";
+  pace.forget();
+  EXPECT_FALSE(pace.due());
+}
+
 TEST_F(Listing, VisibilityAndFilters) {
   for (const char* name : {"a.JPG", "b.tif", "c.txt", "none", "main.c", ".hid.gif"}) write(name);
   fs::create_directory(host("sub.txt"));
@@ -190,12 +208,18 @@ TEST_F(Listing, HostileNamesGetTheirOwnModes) {
     write(hostNames[i]);
     chmod(host(hostNames[i]).c_str(), i % 2 == 0 ? 0640 : 0444);
   }
+  for (const auto& [name, bits] : {std::pair("set", 07645), {"dark", 07111}}) {
+    write(name);
+    chmod(host(name).c_str(), static_cast<mode_t>(bits));
+  }
   fs::create_symlink("nowhere", host("dangling"));
   ASSERT_EQ(mkfifo(host("fifo").c_str(), 0600), 0);
   EXPECT_EQ(list(), JobEnd::Done);
-  EXPECT_EQ(rows_.size(), hostNames.size() + 2);
+  EXPECT_EQ(rows_.size(), hostNames.size() + 4);
   for (std::size_t i = 0; i < hostNames.size(); ++i)
     EXPECT_EQ(modeOf(platform::holdName(hostNames[i])), mode(i)) << hostNames[i];
+  for (const PaneRow& row : rows_)
+    EXPECT_EQ(row.ls, browser::lsEntryOf(host(platform::releaseName(row.name)))) << row.name;
   EXPECT_EQ(modeOf("dangling"), "lrwxrwxrwx");
   EXPECT_EQ(modeOf("fifo"), "prw-------");
   EXPECT_EQ(listings_, 1);
@@ -265,7 +289,8 @@ TEST_F(Listing, AStopLeavesTheRowsAndIsLoggedOnce) {
 
 TEST_F(Listing, SelectionsAndBothWaysOfCounting) {
   runtime::Selection selection;
-  const Names many = numbered("f", 2600);
+  std::vector<browser::SelectedEntry> many;
+  for (const std::string& name : numbered("f", 2600)) many.push_back({name, name == "f7" || name == "f9"});
   fs::create_directory(host("f7"));
   fs::create_directory(host("target"));
   fs::create_directory_symlink("target", host("f8"));
@@ -273,7 +298,8 @@ TEST_F(Listing, SelectionsAndBothWaysOfCounting) {
   EXPECT_EQ(counts.folders, 2U);
   EXPECT_EQ(selection.selectedPaths.size(), 2600U);
   EXPECT_EQ(selection.selectedPaths.back(), "C:\\f2599");
-  EXPECT_EQ(browser::summaryText(browser::rebuildSelection(selection, files_, "C:\\", {"f7", "f8", "f9"})),
+  EXPECT_EQ(browser::summaryText(
+                browser::rebuildSelection(selection, files_, "C:\\", {{"f7", true}, {"f8"}, {"f9", true}})),
             "3 items (1 files, 2 folders)");
   EXPECT_EQ(selection.selectedCount(), 3U);
 }

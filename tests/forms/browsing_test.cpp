@@ -473,14 +473,62 @@ TEST_F(Browser, WhatIsStoppedOrVanishesHarmsNothing) {
   whenEventsRun_ = [&] { fs::remove_all(host("sub")); };
   frame_->refreshKeepList();
   frame_->refreshKeepList();
-  EXPECT_TRUE(shown().empty());
   whenEventsRun_ = {};
-  frame_->openFolder("C:\\");
+  EXPECT_EQ(frame_->dir1Path(), "C:\\") << "a folder that vanished leads to the nearest that is there";
+  EXPECT_EQ(shown().front(), "zeta");
   before = shown();
   fs::rename(host(""), root_ + "/away");
   frame_->refreshKeepList();
   EXPECT_EQ(shown(), before) << "a drive that is not ready changes nothing";
   fs::rename(root_ + "/away", host(""));
+}
+
+TEST_F(Browser, FollowsWhatOthersWrite) {
+  struct Held : platform::Busy::Watcher {
+    void began() override { ++times; }
+    int times = 0;
+  } held;
+  const auto sees = [this](const Names& names) {
+    return QTest::qWaitFor([&] { return shown() == names; }, 4000);
+  };
+  click("b.txt");
+  busy_.watch(held);
+  write("new.txt");
+  fs::remove_all(host("sub"));
+  EXPECT_TRUE(sees({"zeta", "a.tgz", "b.txt", "C.c", "new.txt"}));
+  EXPECT_EQ(shown(1).back(), "-rw-r--r--");
+  EXPECT_EQ(summary(), "1 items (1 files, 0 folders)");
+  EXPECT_EQ(tree()->currentIndex().data().toString(), "b.txt");
+  EXPECT_EQ(folders()->model()->rowCount(), 2);
+  write("C.c", std::string(5000, 'x'));  // in place
+  chmod(host("a.tgz").c_str(), 0600);
+  EXPECT_TRUE(QTest::qWaitFor([&] { return shown(2)[3] == "5 KB " && shown(1)[1] == "-rw-------"; }, 4000));
+  {
+    QMenu menu;
+    menu.popup(QPoint());
+    fs::remove(host("b.txt"));
+    EXPECT_FALSE(QTest::qWaitFor([&] { return shown().size() == 4; }, 1200)) << "under a menu";
+  }
+  EXPECT_TRUE(sees({"zeta", "a.tgz", "C.c", "new.txt"}));
+  EXPECT_EQ(tree()->currentIndex().data().toString(), "C.c") << "its neighbour";
+  EXPECT_EQ(summary(), "0 items (0 files, 0 folders)");
+  busy_.unwatch(held);
+  EXPECT_EQ(held.times, 0) << "nobody waits for it";
+  frame_->openFolder("C:\\zeta");
+  fs::remove_all(host("zeta"));
+  EXPECT_TRUE(sees({"a.tgz", "C.c", "new.txt"}));
+}
+
+TEST_F(Browser, ScatteredChangesKeepSelectionAndPlace) {
+  for (const std::string& name : numbered("f", 400)) write(name);
+  frame_->refreshKeepList();
+  click("b.txt");
+  tree()->verticalScrollBar()->setValue(150);
+  for (int i = 1; i <= 400; i += 2) fs::remove(host(shown()[static_cast<std::size_t>(i + 4)]));
+  const auto rows = [this] { return tree()->model()->rowCount(); };
+  EXPECT_TRUE(QTest::qWaitFor([&] { return rows() == 205; }, 4000)) << rows();
+  EXPECT_EQ(summary(), "1 items (1 files, 0 folders)");
+  EXPECT_NE(tree()->verticalScrollBar()->value(), 0);
 }
 
 TEST_F(Browser, HostileNamesStayThemselves) {
@@ -499,8 +547,23 @@ TEST_F(Browser, HostileNamesStayThemselves) {
   EXPECT_EQ(selection_.selectedPaths, paths);
 }
 
+TEST_F(Browser, TheSizeOfTheSelectionIsCountedWhenAskedFor) {
+  auto* const label = child<QLabel>("lblSelectionText");
+  for (const auto& [selected, size] : {std::pair("b.txt", "5 bytes"), {"sub", "5 bytes"}, {"", "25 bytes"}}) {
+    if (*selected != 0)
+      click(selected);
+    else
+      frame_->openFolder("C:\\");
+    EXPECT_EQ(label->toolTip(), "");
+    QHelpEvent asked(QEvent::ToolTip, {}, {});
+    QApplication::sendEvent(label, &asked);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return label->toolTip() == size; }, 4000)) << selected;
+  }
+}
+
 TEST_F(Browser, FileListMirrorsTheFolder) {
   auto* files = child<platform::desktop::FileList>("File1");
+  files->show();
   files->selectAll();
   emit files->clicked(files->model()->index(0, 0));
   EXPECT_EQ(summary(), "4 items (4 files, 0 folders)");
