@@ -51,8 +51,7 @@ void DirPaneModel::setModes(std::size_t first, std::vector<LsEntry> entries) {
 
 void DirPaneModel::showModes() {
   if (rows_.empty()) return;
-  emit dataChanged(index(0, nameColumn), index(rowCount() - 1, modeColumn),
-                   {Qt::DisplayRole});  // emblems, too
+  emit dataChanged(index(0, modeColumn), index(rowCount() - 1, modeColumn), {Qt::DisplayRole});
 }
 
 void DirPaneModel::sortBy(PaneOrder order) {
@@ -182,6 +181,8 @@ QVariant DirPaneModel::data(const QModelIndex& index, int role) const {
   switch (role) {
     case Qt::DisplayRole:
       return text(row, index.column());
+    case Qt::EditRole:
+      return platform::desktop::toControl(row.name);
     case Qt::DecorationRole:
       return index.column() == nameColumn ? QVariant(icons_.of(row)) : QVariant();
     case Qt::ForegroundRole:
@@ -197,6 +198,17 @@ QVariant DirPaneModel::data(const QModelIndex& index, int role) const {
     default:
       return {};
   }
+}
+
+Qt::ItemFlags DirPaneModel::flags(const QModelIndex& index) const {
+  const Qt::ItemFlags others = QAbstractTableModel::flags(index);
+  return index.column() == nameColumn ? others | Qt::ItemIsEditable | Qt::ItemIsDragEnabled : others;
+}
+
+/// Only the disk changes a name; until then it stays.
+bool DirPaneModel::setData(const QModelIndex& index, const QVariant& value, int role) {
+  if (role == Qt::EditRole) emit nameTyped(data(index, role).toString(), value.toString());
+  return false;
 }
 
 QVariant DirPaneModel::headerData(int section, Qt::Orientation orientation, int role) const {

@@ -112,13 +112,15 @@ void PaneListing::unreadable(const std::string& why) {
 void PaneListing::modesFound(std::size_t first, std::vector<LsEntry> entries) {
   model_.setModes(first, std::move(entries));
   if (sinceShown_.elapsed() < showEvery) return;
-  model_.showModes();
+  pane_.view().viewport()->update();
   sinceShown_.start();
 }
 
-/// All other columns were sorted when the rows came.
+/// All other columns were sorted when the rows came. A view looks at each row whose change it is told of,
+/// however many are in sight: so it is told once, of one column, and painted anew for the emblems.
 void PaneListing::showModes() {
   model_.showModes();
+  pane_.view().viewport()->update();
   if (model_.order().sortColumn == modeColumn) model_.sortBy(model_.order());
 }
 
