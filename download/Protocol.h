@@ -41,6 +41,7 @@ enum class Reply { Undecided, Ok, NoSpace, BadArgs, Unknown };
 class ReplyCollector {
  public:
   Reply add(std::string_view piece);
+  const std::string& start() const { return start_; }  ///< what decided it, as it came
 
  private:
   std::string start_;

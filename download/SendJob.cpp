@@ -52,7 +52,8 @@ SendResult SendJob::run() {
 
 bool SendJob::inputIsValid() {
   const auto isValid = [this](bool valid, const char* message) {
-    return valid || failed(message, cannotSend);
+    if (!valid) services_.user.message(message, runtime::Buttons::Ok, runtime::Icon::Critical, cannotSend);
+    return valid;
   };
   const bool complete = std::none_of(order_.address.begin(), order_.address.end(),
                                      [](const std::string& part) { return part.empty(); });
@@ -73,7 +74,8 @@ bool SendJob::connect() {
   if (aborted()) return false;
   if (connection_.state() == ConnectionState::Connected) return true;
   connection_.close();
-  failed("Unable to connect to remote server", "Connection Error");
+  failed("Unable to connect to remote server", "Connection Error",
+         explainNoConnection(attempt(), connection_.error()));
   services_.log.append(" Unable to connect to " + address_);
   disconnect();
   return false;
@@ -84,8 +86,7 @@ bool SendJob::request() {
   pause(statusPause);
   if (aborted()) return false;
   display_.showStatus("Checking..");
-  return openFile() &&
-         sendChunk(requestBytes({getRemoteName(order_.path), file_->size(), order_.mode, order_.owner}));
+  return openFile() && sendChunk(requestBytes(requested()));
 }
 
 /// From here on the file is the one that was opened, whatever happens to its name.
@@ -98,7 +99,7 @@ bool SendJob::openFile() {
 bool SendJob::awaitReply() {
   ReplyCollector collector;
   const auto start = now_();
-  bool gone = false;
+  std::optional<NoReply> gone;
   for (int tick = 1; tick <= replyTicks; ++tick) {
     while (now_() < start + tick * replyTick) {
       const Reply reply = collector.add(connection_.receive());
@@ -106,22 +107,24 @@ bool SendJob::awaitReply() {
       if (reply != Reply::Undecided && reply != Reply::Unknown) return actOn(reply);
       if (!gone && (reply == Reply::Unknown || connection_.state() != ConnectionState::Connected)) {
         disconnect();
-        gone = true;
+        gone = reply == Reply::Unknown ? NoReply::OtherWords : NoReply::HungUp;
       }
       step(start + tick * replyTick);
     }
     display_.showPercent(percentOf(static_cast<std::uint64_t>(tick), replyTicks));
   }
-  failed("Send file request failed", cannotSendFile);
+  failed("Send file request failed", cannotSendFile,
+         explainNoReply(attempt(), gone.value_or(NoReply::Silence), collector.start()));
   disconnect();
   return false;
 }
 
 bool SendJob::actOn(Reply reply) {
+  result_.answered = true;
   if (reply == Reply::Ok) return true;
   failed(reply == Reply::NoSpace ? "There is not enough free flash space on the Kt500 series unit"
                                  : "Bad arguments in the command packet",
-         cannotSendFile);
+         cannotSendFile, explainRefusal(attempt(), reply));
   disconnect();
   return false;
 }
@@ -154,6 +157,7 @@ bool SendJob::streamFile() {
     // same.
     const bool last = sent_ + *count == size;
     if (last && !file_->unchanged()) return fileFailed(fileChanged);
+    handed_ += *count;
     if (!sendChunk({chunk.data(), *count})) return false;
     sent_ += *count;
     display_.showPercent(percentOf(sent_, size));
@@ -176,7 +180,7 @@ bool SendJob::sendChunk(std::string_view bytes) {
 /// connection, and there is a moment to see that.
 bool SendJob::awaitEnd() {
   connection_.finishSending();
-  if (!waitWhile([this] { return connection_.unsent() > 0; })) return false;
+  if (!waitWhile([this] { return unsent() > 0; })) return false;
   const auto until = now_() + closeWait;
   while (connection_.state() == ConnectionState::Connected && now_() < until) {
     if (aborted()) return false;
@@ -201,21 +205,21 @@ void SendJob::disconnect() {
   display_.showPercent(0);
 }
 
-bool SendJob::failed(const std::string& text, const std::string& title) {
-  services_.user.message(text, runtime::Buttons::Ok, runtime::Icon::Critical, title);
+bool SendJob::failed(const std::string& text, const std::string& title, const std::string& explanation) {
+  services_.user.explainedMessage(text, explanation, runtime::Icon::Critical, title);
   return false;
 }
 
 bool SendJob::fileFailed(const char* why) {
   disconnect();
-  failed(why, cannotSendFile);
+  failed(why, cannotSendFile, explainFile(attempt(), order_.path));
   services_.log.append(" FAILED to send " + runtime::GetFileName(order_.path) + " to " + address_);
   return false;
 }
 
 bool SendJob::socketFailed() {
   const platform::ConnectionError error = connection_.error();
-  failed(error.description, "Error #" + std::to_string(error.number));
+  failed(error.description, "Error #" + std::to_string(error.number), explainLoss(attempt(), error));
   disconnect();
   return false;
 }
@@ -224,21 +228,34 @@ bool SendJob::socketFailed() {
 /// takes something.
 bool SendJob::waitWhile(const std::function<bool()>& waiting) {
   PollBudget polls(now_);
-  std::int64_t left = connection_.unsent();
+  std::int64_t left = unsent();
   while (waiting()) {
     if (aborted()) return false;
     if (polls.spent()) {
-      failed("Send Request Timed Out\rConnection to Unit Lost", "Unable to send");
+      failed("Send Request Timed Out\rConnection to Unit Lost", "Unable to send", explainLoss(attempt(), {}));
       disconnect();
       return false;
     }
     step(now_() + longestNap);
-    const std::int64_t now = connection_.unsent();
+    const std::int64_t now = unsent();
     if (now < left) polls.restart();
     left = now;
   }
   return true;
 }
+
+std::int64_t SendJob::unsent() {
+  const std::int64_t waiting = connection_.unsent();
+  const auto missing = static_cast<std::uint64_t>(std::max<std::int64_t>(waiting, 0));
+  if (waiting >= 0 && missing < handed_) taken_ = std::max(taken_, handed_ - missing);
+  return waiting;
+}
+
+Request SendJob::requested() const {
+  return {getRemoteName(order_.path), file_ ? file_->size() : 0, order_.mode, order_.owner};
+}
+
+Attempt SendJob::attempt() const { return {address_, order_.port, requested(), taken_}; }
 
 void SendJob::pause(milliseconds duration) {
   const auto end = now_() + duration;

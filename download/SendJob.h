@@ -2,6 +2,7 @@
 
 #include <functional>
 
+#include "download/Explanation.h"
 #include "download/PollBudget.h"
 #include "download/Protocol.h"
 #include "platform/Connection.h"
@@ -33,6 +34,7 @@ struct SendOrder {
 
 struct SendResult {
   runtime::JobEnd end = runtime::JobEnd::Failed;
+  bool answered = false;  ///< what is at the address speaks as a unit does, whatever it said
   bool accepted = false;  ///< the unit had agreed: for another try the dialog is opened anew
 };
 
@@ -57,10 +59,13 @@ class SendJob {
 
   bool aborted();
   void disconnect();
-  bool failed(const std::string& text, const std::string& title);
+  bool failed(const std::string& text, const std::string& title, const std::string& explanation);
   bool fileFailed(const char* why);
   bool socketFailed();
   bool waitWhile(const std::function<bool()>& waiting);
+  std::int64_t unsent();
+  Request requested() const;
+  Attempt attempt() const;
   void pause(std::chrono::milliseconds duration);
   void step(std::chrono::steady_clock::time_point until);
   void updateTimeLeft();
@@ -76,6 +81,8 @@ class SendJob {
   SendResult result_;
   std::optional<platform::RegularFile> file_;
   std::uint64_t sent_ = 0;                                           // bytes of the file
+  std::uint64_t handed_ = 0;                                         // with those that wait
+  std::uint64_t taken_ = 0;                                          // that the unit has
   std::uint64_t sentBefore_ = 0;                                     // when the time left was last shown
   std::optional<std::chrono::steady_clock::time_point> nextUpdate_;  // of the time left
 };

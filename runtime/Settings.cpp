@@ -77,4 +77,10 @@ void Settings::setInitDir(const std::string& folder) { setUserValue("initDir", f
 std::string Settings::lastIP() const { return userValue("lastIP"); }
 void Settings::setLastIP(const std::string& address) { setUserValue("lastIP", address); }
 
+std::string Settings::lastAddresses() const { return userValue("lastAddresses"); }
+void Settings::setLastAddresses(const std::string& lines) { setUserValue("lastAddresses", lines); }
+
+std::string Settings::look(std::string_view what) const { return userValue(what); }
+void Settings::setLook(std::string_view what, const std::string& text) { setUserValue(what, text); }
+
 }  // namespace runtime

@@ -31,6 +31,11 @@ class Settings {
   void setInitDir(const std::string& folder);
   std::string lastIP() const;
   void setLastIP(const std::string& address);
+  std::string lastAddresses() const;  ///< in lines; download/KnownAddresses reads them
+  void setLastAddresses(const std::string& lines);
+  /// How the windows were left: what a window keeps there is its own affair.
+  std::string look(std::string_view what) const;
+  void setLook(std::string_view what, const std::string& text);
   void setContextOptions(const std::string& text);
   void setDefaultPermissionMode(const std::string& text);
   void setPermissionOptions(const std::string& text);

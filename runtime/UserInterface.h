@@ -12,7 +12,8 @@ enum class Icon { None, Critical, Information, Exclamation };
 enum class Buttons { Ok, OkCancel, YesNo };
 enum class Answer { Ok, Cancel, Yes, No };
 /// What an OK or a Yes to a question would do; it decides the answer where no window can ask.
-enum class Consequence { Nothing, MakesSomethingNew, ReplacesSomething };
+/// Where one can ask, a key that was meant for something else must not agree to TakesAway.
+enum class Consequence { Nothing, MakesSomethingNew, ReplacesSomething, TakesAway };
 
 /// What refuses, or just ends the box.
 inline Answer refusalOf(Buttons buttons) {
@@ -40,6 +41,12 @@ class UserInterface {
   virtual Answer message(const std::string& text, Buttons buttons, Icon icon,
                          const std::string& title = programTitle,
                          Consequence consequence = Consequence::Nothing) = 0;
+  /// A message that explains itself: below its text stands in plain words what was tried, how far it came and
+  /// what to look at.
+  virtual void explainedMessage(const std::string& text, const std::string& explanation, Icon icon,
+                                const std::string& title) {
+    message(text + ":\n" + explanation, Buttons::Ok, icon, title);
+  }
   /// Shows a text that can be copied (an input box whose answer is not used).
   virtual void showCommand(const std::string& title, const std::string& prompt, const std::string& text) = 0;
   /// Pending events run once, without waiting; while the gate is held, only those that it lets through.

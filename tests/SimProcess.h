@@ -37,8 +37,7 @@ class SimProcess {
   SimProcess(const SimProcess&) = delete;
   SimProcess& operator=(const SimProcess&) = delete;
   ~SimProcess() {
-    kill(child_, SIGKILL);
-    waitpid(child_, nullptr, 0);
+    end(SIGKILL);
     if (output_ != nullptr) fclose(output_);
     std::filesystem::remove_all(folder_);
   }
@@ -47,6 +46,14 @@ class SimProcess {
   std::string root() const { return folder_ + "/root"; }
   std::string folder() const { return folder_; }  ///< around the root
 
+  /// Its status, as wait tells it; 0 when it has ended before.
+  int end(int signal) {
+    int status = 0;
+    if (child_ > 0) kill(child_, signal);
+    if (child_ > 0) waitpid(child_, &status, 0);
+    child_ = -1;
+    return status;
+  }
   /// The next line of its events; empty when it has ended.
   std::string line() {
     std::string text;

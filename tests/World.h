@@ -26,6 +26,11 @@ class Person : public runtime::UserInterface {
     if (buttons == runtime::Buttons::YesNo) return agrees ? runtime::Answer::Yes : runtime::Answer::No;
     return agrees ? runtime::Answer::Ok : runtime::Answer::Cancel;
   }
+  void explainedMessage(const std::string& text, const std::string& explanation, runtime::Icon icon,
+                        const std::string& title) override {
+    explained = explanation;
+    message(text, runtime::Buttons::Ok, icon, title, runtime::Consequence::Nothing);
+  }
   void showCommand(const std::string& title, const std::string&, const std::string& text) override {
     told.push_back(title + "|" + text);
   }
@@ -49,6 +54,7 @@ class Person : public runtime::UserInterface {
   bool agrees = true;
   int yields = 0;
   std::vector<std::string> told;
+  std::string explained;  // by the last message that was
   std::vector<std::string> consoles;
 };
 

@@ -63,6 +63,7 @@ const std::vector<Option>& table() {
       {"--once", false, once},
       {"--count", true, optionalNumber(&Options::count)},
       {"--timeout", true, number(&Options::timeout, std::numeric_limits<std::int32_t>::max())},
+      {"--limit", true, number(&Options::limit, std::numeric_limits<std::int32_t>::max())},
       {"--reply", true, text(&Options::reply)},
       {"--silent", false, flag(&Options::silent)},
       {"--delay", true, number(&Options::delay, std::numeric_limits<std::int32_t>::max())},
@@ -81,14 +82,15 @@ const Option* find(std::string_view name) {
 }  // namespace
 
 const char* const helpText =
-    "kt500sim: a terminal to send files to\n"
+    "kt500sim: a terminal to send files to, by up to 16 clients at once\n"
     "  --listen ADDR     address to listen on (127.0.0.1)\n"
     "  --port N          port (5142; 0: any free one, printed)\n"
     "  --root DIR        where files go (kt500), made when missing\n"
     "  --free BYTES      flash that is left (what the root's file system has)\n"
     "  --install         unpack received archives below ROOT/home, print what they hold\n"
     "  --once, --count N end after one connection, after N\n"
-    "  --timeout MS      how long a stalled sender is waited for (30000)\n"
+    "  --timeout MS      how long a client that says nothing is waited for (30000)\n"
+    "  --limit MS        how long a client is served in all (3600000)\n"
     "faults:\n"
     "  --reply TEXT      answer this whatever was asked\n"
     "  --silent          never answer\n"

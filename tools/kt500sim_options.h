@@ -14,10 +14,11 @@ struct Options {
   std::string listenAddress = "127.0.0.1";
   std::uint16_t port = 5142;  ///< 0: any free one
   std::string root = "kt500";
-  std::optional<std::uint64_t> free;   ///< bytes; without it what the root's file system has left
-  bool install = false;                ///< unpacks received archives
-  std::optional<std::uint64_t> count;  ///< connections to serve; without it no end
-  std::chrono::milliseconds timeout{30000};
+  std::optional<std::uint64_t> free;           ///< bytes; without it what the root's file system has left
+  bool install = false;                        ///< unpacks received archives
+  std::optional<std::uint64_t> count;          ///< connections to serve; without it no end
+  std::chrono::milliseconds timeout{30000};    ///< of a client that says nothing
+  std::chrono::milliseconds limit{3'600'000};  ///< for all that one client may take
 
   std::optional<std::string> reply;  ///< instead of the terminal's own
   bool silent = false;

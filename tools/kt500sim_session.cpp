@@ -5,11 +5,7 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
-#include <limits>
-#include <thread>
 
-#include "tools/kt500sim_event.h"
 #include "tools/kt500sim_installer.h"
 
 namespace kt500sim {
@@ -29,28 +25,29 @@ std::string count(std::uint64_t bytes) { return std::to_string(bytes) + " bytes"
 void Session::serve() {
   const std::optional<Request> request = receiveRequest();
   if (request && options_.silent) {
-    event("silent");
-    waitFor(POLLRDHUP, steady_clock::now() + options_.timeout);
+    event_("silent");
+    waitForClient(POLLRDHUP, soonest(options_.timeout));
   } else if (request) {
     const bool fits = request->size <= bytesFree();
     const std::string text = options_.reply.value_or(fits ? "OK" : "NOSPACE");
     if (reply(text) && text.starts_with("OK")) receiveFile(*request);
   }
-  event("closed");
+  if (steady_clock::now() >= last_) event_("out of time");
+  event_("closed");
 }
 
 std::optional<Request> Session::receiveRequest() {
-  const Moment until = steady_clock::now() + options_.timeout;
+  const Moment until = soonest(options_.timeout);
   std::string bytes;
   while (true) {
     const std::string more = receiveSome(longestRequest, until);
     if (more.empty()) {
-      event("no request");
+      event_("no request");
       return std::nullopt;
     }
     const ReadRequest read = readRequest(bytes += more, accounts_);
     if (read.state == RequestState::Bad) {
-      event("refused: " + read.reason);
+      event_("refused: " + read.reason);
       reply("BADARGS");
       return std::nullopt;
     }
@@ -58,24 +55,25 @@ std::optional<Request> Session::receiveRequest() {
     const Request& request = read.request;
     const std::string mode = std::to_string(request.mode >> 6) + std::to_string(request.mode >> 3 & 7) +
                              std::to_string(request.mode & 7);
-    event("request " + shown(request.name) + " size " + std::to_string(request.size) + " mode " + mode +
-          " owner " + request.owner + " group " + request.group);
+    event_("request " + shown(request.name) + " size " + std::to_string(request.size) + " mode " + mode +
+           " owner " + request.owner + " group " + request.group);
     return request;
   }
 }
 
 bool Session::reply(const std::string& text) {
-  std::this_thread::sleep_for(options_.delay);
+  pause(options_.delay);
   const std::size_t piece = options_.splitReply ? 1 : std::max<std::size_t>(text.size(), 1);
   for (std::size_t at = 0; at < text.size(); at += piece) {
-    if (at > 0) std::this_thread::sleep_for(betweenPieces);
+    if (at > 0) pause(betweenPieces);
     const std::string part = text.substr(at, piece);
-    if (send(client_.get(), part.data(), part.size(), MSG_NOSIGNAL) != static_cast<ssize_t>(part.size())) {
-      event("reply not delivered");
+    if (send(client_.get(), part.data(), part.size(), MSG_NOSIGNAL | MSG_DONTWAIT) !=
+        static_cast<ssize_t>(part.size())) {
+      event_("reply not delivered");
       return false;
     }
   }
-  event("reply " + shown(text));
+  event_("reply " + shown(text));
   return true;
 }
 
@@ -87,7 +85,7 @@ void Session::receiveFile(const Request& request) {
 
 /// Whoever sent the file must not take it for kept: the connection will be reset.
 void Session::lose(const std::string& why) {
-  event(why);
+  event_(why);
   const linger atOnce{1, 0};
   setsockopt(client_.get(), SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
 }
@@ -105,14 +103,14 @@ bool Session::receiveData(std::uint64_t size, IncomingFile& file) {
   const std::uint64_t last = std::min(size, options_.closeAfter.value_or(size));
   const Moment start = steady_clock::now();
   std::uint64_t received = 0;
-  Moment until = start + options_.timeout;
-  while (received < last && steady_clock::now() < until) {
+  Moment until = soonest(options_.timeout);
+  while (received < last && steady_clock::now() < until && !isToEnd()) {
     const std::size_t most = std::min<std::uint64_t>(last - received, allowedNow(start, received));
     if (most == 0) {
       // A sender that closes its side has more on its way.
       if (options_.readRate != 0U)
-        std::this_thread::sleep_for(rateStep);
-      else if (waitFor(POLLRDHUP, std::min(until, steady_clock::now() + rateStep)))
+        pause(rateStep);
+      else if (waitForClient(POLLRDHUP, std::min(until, soonest(rateStep))))
         break;
       continue;
     }
@@ -123,30 +121,25 @@ bool Session::receiveData(std::uint64_t size, IncomingFile& file) {
       break;
     }
     received += bytes.size();
-    until = steady_clock::now() + options_.timeout;
+    until = soonest(options_.timeout);
   }
-  event((received == size ? "received " : "broken off after ") + count(received));
+  event_((received == size ? "received " : "broken off after ") + count(received));
   return received == size && last == size;
 }
 
 void Session::store(const Request& request, IncomingFile& file) {
   if (!file.keepAs(request.name, request.mode)) return lose("cannot store " + shown(request.name));
-  event("stored " + shown(request.name) + " owner " + accounts_.userNumber(request.owner).value_or("?") +
-        "/" + accounts_.groupNumber(request.group).value_or("?"));
+  event_("stored " + shown(request.name) + " owner " + accounts_.userNumber(request.owner).value_or("?") +
+         "/" + accounts_.groupNumber(request.group).value_or("?"));
   if (options_.install && isInstallable(request.name))
-    install(store_, bytesFree(), request.name, request.owner);
+    install(store_, {request.name, request.owner, bytesFree(), last_}, event_);
 }
 
-bool Session::waitFor(short what, Moment until) {
-  const auto left = std::chrono::ceil<milliseconds>(until - steady_clock::now()).count();
-  pollfd wanted{client_.get(), what, 0};
-  return left > 0 &&
-         poll(&wanted, 1, static_cast<int>(std::min<long>(left, std::numeric_limits<int>::max()))) > 0;
-}
+Moment Session::soonest(milliseconds wait) const { return std::min(last_, steady_clock::now() + wait); }
 
 std::string Session::receiveSome(std::size_t most, Moment until) {
   std::array<char, blockSize> buffer;
-  if (!waitFor(POLLIN, until)) return "";
+  if (!waitForClient(POLLIN, until)) return "";
   const ssize_t got = recv(client_.get(), buffer.data(), std::min(most, buffer.size()), MSG_DONTWAIT);
   return got > 0 ? std::string(buffer.data(), static_cast<std::size_t>(got)) : "";
 }

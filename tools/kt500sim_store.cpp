@@ -47,6 +47,11 @@ std::string Store::homeOf(const std::string& account) const {
   return homes && makeFolder(homes.get(), account) ? folder_ + "/home/" + account : "";
 }
 
+std::string Store::newFolder() const {
+  std::string path = folder_ + "/.installing-XXXXXX";
+  return mkdtemp(path.data()) != nullptr ? path : "";
+}
+
 IncomingFile::IncomingFile(const Store& store) : store_(store) {
   for (int i = 0; !file_; ++i) {
     name_ = ".incoming-" + std::to_string(getpid()) + "-" + std::to_string(i);

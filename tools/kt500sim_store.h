@@ -3,6 +3,7 @@
 #include <sys/types.h>
 
 #include <cstdint>
+#include <mutex>
 #include <string>
 #include <string_view>
 
@@ -20,11 +21,15 @@ class Store {
 
   /// The home of an account below home/, made when missing; empty when something else is in its place.
   std::string homeOf(const std::string& account) const;
+  std::string newFolder() const;  ///< a host path for the time being; empty: none could be made
+  /// While one holds this, what is in the homes is nobody else's to change.
+  std::unique_lock<std::mutex> lockHomes() const { return std::unique_lock(homes_); }
 
  private:
   friend class IncomingFile;
   std::string folder_;
   platform::Descriptor root_;
+  mutable std::mutex homes_;
 };
 
 /// A file on its way in, under a name of its own; gone again unless it is kept.

@@ -1,48 +1,50 @@
 #include "tools/kt500sim_tar.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <signal.h>
+#include <sys/prctl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/syscall.h>
 #include <sys/wait.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstdlib>
 
 #include "platform/Descriptor.h"
+#include "platform/Pointers.h"
 
 namespace kt500sim {
 namespace {
 
 constexpr std::size_t longestLine = 64 * 1024;  // bytes; a listing with more is not worth reading
 
+constexpr int noProgram = 127;
 constexpr rlim_t mostMemory = rlim_t{256} << 20;  // bytes; a small archive may ask for any amount
 
-[[noreturn]] void becomeTar(const std::vector<std::string>& arguments, int output) {
-  std::vector<char*> words{const_cast<char*>("tar")};
-  for (const std::string& argument : arguments) words.push_back(const_cast<char*>(argument.c_str()));
-  words.push_back(nullptr);
-  dup2(open("/dev/null", O_RDONLY), STDIN_FILENO);
+/// Behind the fork of a process with threads: nothing here may allocate.
+[[noreturn]] void becomeTar(char* const* words, int output) {
+  setpgid(0, 0);
+  prctl(PR_SET_PDEATHSIG, SIGKILL);
+  signal(SIGPIPE, SIG_DFL);  // so that a decompressor ends with its tar
+  dup2(open("/dev/null", O_RDONLY | O_CLOEXEC), STDIN_FILENO);
   dup2(output, STDOUT_FILENO);
   dup2(output, STDERR_FILENO);
-  setenv("LC_ALL", "C", 1);
-  unsetenv("TAR_OPTIONS");
   const rlimit memory{mostMemory, mostMemory};
   setrlimit(RLIMIT_AS, &memory);
   umask(0);  // modes as the archive has them
-  execvp("tar", words.data());
-  _exit(127);
+  execvp("tar", words);
+  _exit(noProgram);
 }
 
-/// Cuts what arrives into lines; false when `line` wants no more or a line has no end.
-bool passLines(int input, const std::function<bool(std::string_view)>& line) {
+/// Cuts what arrives into lines; false when `line` wants no more, a line has no end, or it takes too long.
+bool passLines(int input, Moment until, const std::function<bool(std::string_view)>& line) {
   std::string waiting;
   std::array<char, 4096> buffer;
-  while (true) {
+  while (waitFor(input, POLLIN, until)) {
     const ssize_t count = read(input, buffer.data(), buffer.size());
-    if (count < 0 && errno == EINTR) continue;
     if (count <= 0) return waiting.empty() || line(waiting);
     waiting.append(buffer.data(), static_cast<std::size_t>(count));
     std::size_t start = 0;
@@ -51,6 +53,22 @@ bool passLines(int input, const std::function<bool(std::string_view)>& line) {
     waiting.erase(0, start);
     if (waiting.size() > longestLine) return false;
   }
+  return false;
+}
+
+/// Ends all that tar has started, which is over or unwanted; tar's status.
+int endGroup(pid_t tar) {
+  kill(-tar, SIGKILL);
+  int status = 0;
+  while (waitpid(tar, &status, 0) < 0 && errno == EINTR) {
+  }
+  return status;
+}
+
+std::string howEnded(int status) {
+  if (WIFSIGNALED(status)) return "tar was ended by signal " + std::to_string(WTERMSIG(status));
+  if (WEXITSTATUS(status) == noProgram) return "there is no tar";
+  return WEXITSTATUS(status) == 0 ? "" : "tar ended with " + std::to_string(WEXITSTATUS(status));
 }
 
 bool hasComponent(std::string_view path, std::string_view component) {
@@ -89,21 +107,26 @@ std::vector<std::string_view> pieces(std::string_view text, std::string_view sep
 
 }  // namespace
 
-bool runTar(const std::vector<std::string>& arguments, const std::function<bool(std::string_view)>& line) {
+std::string runTar(const std::vector<std::string>& arguments, Moment until,
+                   const std::function<bool(std::string_view)>& line) {
+  std::vector<std::string> words{"tar"};
+  words.insert(words.end(), arguments.begin(), arguments.end());
+  const std::vector<char*> pointers = platform::pointersTo(words);
   int ends[2];
-  if (pipe2(ends, O_CLOEXEC) != 0) return false;
+  if (pipe2(ends, O_CLOEXEC) != 0) return "tar cannot be started";
   const platform::Descriptor input(ends[0]);
   platform::Descriptor output(ends[1]);
   const pid_t child = fork();
-  if (child == 0) becomeTar(arguments, output.get());
+  if (child == 0) becomeTar(pointers.data(), output.get());
   output.closeNow();
-  if (child < 0) return false;
-  const bool passed = passLines(input.get(), line);
-  if (!passed) kill(child, SIGTERM);
-  int status = 0;
-  while (waitpid(child, &status, 0) < 0 && errno == EINTR) {
-  }
-  return passed && WIFEXITED(status) && WEXITSTATUS(status) == 0;
+  if (child < 0) return "tar cannot be started";
+  setpgid(child, child);
+  const platform::Descriptor process(static_cast<int>(syscall(SYS_pidfd_open, child, 0)));
+  const bool passed = passLines(input.get(), until, line) && waitFor(process.get(), POLLIN, until);
+  const int status = endGroup(child);
+  if (passed) return howEnded(status);
+  if (isToEnd()) return "the simulator was ended";
+  return std::chrono::steady_clock::now() < until ? "tar was stopped" : "tar took too long";
 }
 
 bool readMember(std::string_view line, Member& member) {

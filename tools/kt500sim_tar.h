@@ -5,11 +5,15 @@
 #include <string_view>
 #include <vector>
 
+#include "tools/kt500sim_wait.h"
+
 namespace kt500sim {
 
 /// Runs the host's tar; each line of its output, errors among them, goes to `line`, which ends the run by
-/// returning false. True when tar ended well.
-bool runTar(const std::vector<std::string>& arguments, const std::function<bool(std::string_view)>& line);
+/// returning false. Empty when tar ended well, else how it ended. Nothing of it runs on afterwards, nor when
+/// the simulator is killed.
+std::string runTar(const std::vector<std::string>& arguments, Moment until,
+                   const std::function<bool(std::string_view)>& line);
 
 /// How an archive names what belongs to the home of usr8.
 constexpr std::string_view besideHome = "../usr8";

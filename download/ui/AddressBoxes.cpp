@@ -47,6 +47,14 @@ void AddressBoxes::setEnabled(bool enabled) {
   for (AddressBox* box : boxes_) box->setEnabled(enabled);
 }
 
+bool AddressBoxes::focusFirstEmpty() {
+  const auto empty =
+      std::find_if(boxes_.begin(), boxes_.end(), [](const AddressBox* box) { return box->text().isEmpty(); });
+  if (empty == boxes_.end()) return false;
+  (*empty)->setFocus(Qt::OtherFocusReason);
+  return true;
+}
+
 bool AddressBoxes::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::KeyRelease && isDot(static_cast<const QKeyEvent&>(*event))) {
     const auto box = std::find(boxes_.begin(), boxes_.end(), watched);

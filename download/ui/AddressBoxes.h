@@ -19,6 +19,7 @@ class AddressBoxes : public QObject {
   Address address() const;
   void fill(const Address& address);
   void setEnabled(bool enabled);
+  bool focusFirstEmpty();  ///< false when none is empty
 
  signals:
   void portPasted(const QString& port);  ///< with an address

@@ -61,10 +61,46 @@ frmNetloader::frmNetloader(runtime::Services services, const std::string& sendFi
     ui_->txtPort->setText(port);
     setPortShown(true);
   });
+  wireAddresses();
   load(sendFilePath);
 }
 
 frmNetloader::~frmNetloader() = default;
+
+void frmNetloader::wireAddresses() {
+  AddressList* const list = ui_->listAddresses;
+  connect(list, &AddressList::chosen, this, &frmNetloader::fillAddress);
+  connect(list, &AddressList::accepted, ui_->cmdSend,
+          [this] { ui_->cmdSend->setFocus(Qt::OtherFocusReason); });
+  // What was being typed when a job began is not lost.
+  connect(list, &AddressList::renamed, this,
+          [this](const KnownAddress& entry) { changeAddresses(&KnownAddresses::rename, entry); });
+  connect(list, &AddressList::forgetWanted, this, [this](const KnownAddress& entry) {
+    if (services_.system.busy.held()) return;
+    changeAddresses(&KnownAddresses::forget, entry);
+    showAddresses();
+  });
+}
+
+void frmNetloader::fillAddress(const KnownAddress& entry) {
+  if (services_.system.busy.held()) return;
+  boxes_->fill(entry.address);
+  ui_->txtPort->setText(toControl(entry.port));
+  if (entry.port != defaultPort) setPortShown(true);
+}
+
+/// Of what is stored now: another Pakrune may have added to it.
+void frmNetloader::changeAddresses(void (KnownAddresses::*change)(const KnownAddress&),
+                                   const KnownAddress& entry) {
+  KnownAddresses known(services_.settings.lastAddresses());
+  (known.*change)(entry);
+  services_.settings.setLastAddresses(known.stored());
+}
+
+void frmNetloader::showAddresses() {
+  ui_->listAddresses->setEntries(KnownAddresses(services_.settings.lastAddresses()).all());
+  fitHeight();
+}
 
 void frmNetloader::load(const std::string& sendFilePath) {
   ui_->txtfile->setText(toControl(sendFilePath));
@@ -82,6 +118,8 @@ void frmNetloader::load(const std::string& sendFilePath) {
   const bool plainFile = !isArchive(sendFilePath);
   if (plainFile) loadFileMode();
   placeBottom(plainFile);
+  showAddresses();
+  if (!boxes_->focusFirstEmpty()) ui_->cmdSend->setFocus(Qt::OtherFocusReason);
 }
 
 void frmNetloader::loadFileMode() {
@@ -103,20 +141,25 @@ void frmNetloader::loadFileMode() {
   ui_->checkEE->setChecked((mode.everyone & PermissionMode::execute) != 0);
 }
 
-/// The sizes are the least ones: the layout asks for more where the font needs it.
+int frmNetloader::pixels(int twips) const {
+  return static_cast<int>(std::lround(double(twips) * logicalDpiY() / twipsAnInch));
+}
+
 void frmNetloader::placeBottom(bool withPermissions) {
-  const auto pixels = [this](int twips) {
-    return static_cast<int>(std::lround(double(twips) * logicalDpiY() / twipsAnInch));
-  };
   const int digitWidth = fontMetrics().horizontalAdvance(QLatin1Char('0'));
   ui_->txtfile->setMinimumWidth(shownPathLength * digitWidth);
   ui_->listNetO->setMinimumWidth(shownOwnerLength * digitWidth);
   keepPlaceWhenHidden({ui_->lblPort, ui_->txtPort, ui_->lbletl, ui_->lblTime});
   ui_->framePerms->setVisible(withPermissions);
   ui_->frameBottom->setMinimumHeight(pixels(bottomHeight));
-  const int height = pixels(withPermissions ? plainFileHeight : archiveHeight);
+}
+
+/// The sizes are the least ones: the layout asks for more where the font or the list needs it.
+void frmNetloader::fitHeight() {
+  const int height = pixels(ui_->framePerms->isHidden() ? archiveHeight : plainFileHeight);
+  layout()->activate();
   setMinimumHeight(std::max(height, minimumSizeHint().height()));
-  resize(sizeHint().width(), minimumHeight());
+  resize(std::max(width(), sizeHint().width()), minimumHeight());
 }
 
 runtime::PermissionMode frmNetloader::chosenMode() const {
@@ -136,6 +179,11 @@ SendOrder frmNetloader::chosenOrder() const {
 
 void frmNetloader::cmdSend_Click() {
   const SendResult result = send();
+  if (result.answered) {
+    const SendOrder order = chosenOrder();
+    changeAddresses(&KnownAddresses::use, {order.address, order.port, ""});
+    showAddresses();
+  }
   if (result.accepted || result.end == runtime::JobEnd::Stopped) unload();
 }
 
@@ -153,7 +201,7 @@ SendResult frmNetloader::send() {
 void frmNetloader::setInputEnabled(bool enabled) {
   boxes_->setEnabled(enabled);
   for (QWidget* control : std::initializer_list<QWidget*>{ui_->txtfile, ui_->txtPort, ui_->listNetO,
-                                                          ui_->framePerms, ui_->cmdSend})
+                                                          ui_->listAddresses, ui_->framePerms, ui_->cmdSend})
     control->setEnabled(enabled);
 }
 

@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 
+#include "download/KnownAddresses.h"
 #include "download/SendJob.h"
 #include "download/ui/AddressBoxes.h"
 
@@ -32,6 +33,12 @@ class frmNetloader : public QDialog, private SendDisplay {
   void load(const std::string& sendFilePath);
   void loadFileMode();
   void placeBottom(bool withPermissions);
+  int pixels(int twips) const;
+  void fitHeight();
+  void wireAddresses();
+  void fillAddress(const KnownAddress& entry);
+  void showAddresses();
+  void changeAddresses(void (KnownAddresses::*change)(const KnownAddress&), const KnownAddress& entry);
   runtime::PermissionMode chosenMode() const;
   SendOrder chosenOrder() const;
   SendResult send();

@@ -1,5 +1,6 @@
 #include "platform/desktop/MessageBox.h"
 
+#include <QLabel>
 #include <QMessageBox>
 #include <QPointer>
 
@@ -42,15 +43,20 @@ BoxAnswer answerOf(QMessageBox::StandardButton button) {
 
 }  // namespace
 
-BoxAnswer messageBox(std::string_view text, std::string_view title, BoxIcon icon, BoxButtons buttons) {
+BoxAnswer messageBox(std::string_view text, std::string_view title, BoxIcon icon, BoxButtons buttons,
+                     std::string_view explanation, bool refusalPreset) {
   // Its window may be unloaded while the box waits and takes the box along, hence the guarded pointer.
   const QPointer<QMessageBox> box = new QMessageBox(activeWindow());
-  box->setTextFormat(Qt::PlainText);
   box->setText(toShown(text));
+  box->setInformativeText(toShown(explanation));
+  // The box's own switch is for its text alone.
+  for (QLabel* const label : box->findChildren<QLabel*>()) label->setTextFormat(Qt::PlainText);
   box->setWindowTitle(toShown(title));
   box->setIcon(iconOf(icon));
   box->setStandardButtons(buttonsOf(buttons));
-  box->setDefaultButton(buttons == BoxButtons::YesNo ? QMessageBox::Yes : QMessageBox::Ok);
+  const QMessageBox::StandardButton agreed =
+      buttons == BoxButtons::YesNo ? QMessageBox::Yes : QMessageBox::Ok;
+  box->setDefaultButton(refusalPreset ? refusalOf(buttons) : agreed);
   box->setEscapeButton(refusalOf(buttons));
   box->exec();
   if (box.isNull()) return answerOf(refusalOf(buttons));

@@ -1,7 +1,5 @@
 #include "shell/ui/DesktopUser.h"
 
-#include <QApplication>
-
 #include "platform/desktop/ActiveWindow.h"
 #include "platform/desktop/Events.h"
 #include "platform/desktop/InputBox.h"
@@ -47,24 +45,24 @@ runtime::Answer answerOf(BoxAnswer answer) {
   return runtime::Answer::Cancel;
 }
 
-/// Also while another program's window is the active one.
-QWidget* windowAtWork() {
-  if (QWidget* const window = platform::desktop::activeWindow()) return window;
-  for (QWidget* const window : QApplication::topLevelWidgets())
-    if (window->isVisible() && window->windowType() == Qt::Window) return window;
-  return nullptr;
-}
-
 }  // namespace
 
 DesktopUser::~DesktopUser() { delete progress_; }
 
 runtime::Answer DesktopUser::message(const std::string& text, runtime::Buttons buttons, runtime::Icon icon,
-                                     const std::string& title, runtime::Consequence) {
+                                     const std::string& title, runtime::Consequence consequence) {
   if (busy_.held() && busy_.stopRequested()) return runtime::refusalOf(buttons);
   if (agrees_ && buttons != runtime::Buttons::Ok)
     return buttons == runtime::Buttons::YesNo ? runtime::Answer::Yes : runtime::Answer::Ok;
-  return answerOf(platform::desktop::messageBox(text, title, boxIcon(icon), boxButtons(buttons)));
+  const bool refusalPreset = consequence == runtime::Consequence::TakesAway;
+  return answerOf(
+      platform::desktop::messageBox(text, title, boxIcon(icon), boxButtons(buttons), {}, refusalPreset));
+}
+
+void DesktopUser::explainedMessage(const std::string& text, const std::string& explanation,
+                                   runtime::Icon icon, const std::string& title) {
+  if (busy_.held() && busy_.stopRequested()) return;
+  platform::desktop::messageBox(text, title, boxIcon(icon), BoxButtons::Ok, explanation);
 }
 
 void DesktopUser::showCommand(const std::string& title, const std::string& prompt, const std::string& text) {
@@ -84,7 +82,7 @@ void DesktopUser::consoleOutput(std::string_view bytes) {
 void DesktopUser::consoleOpened(const runtime::VisibleRun& run) {
   delete progress_;
   if (run.counted) return;
-  progress_ = new frmProgress(run, windowAtWork());
+  progress_ = new frmProgress(run, platform::desktop::activeWindow());
   QObject::connect(progress_, &frmProgress::stopWanted, progress_, [this] { busy_.requestStop(); });
 }
 

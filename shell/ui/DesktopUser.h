@@ -18,6 +18,8 @@ class DesktopUser : public runtime::UserInterface {
   runtime::Answer message(const std::string& text, runtime::Buttons buttons, runtime::Icon icon,
                           const std::string& title = runtime::programTitle,
                           runtime::Consequence consequence = runtime::Consequence::Nothing) override;
+  void explainedMessage(const std::string& text, const std::string& explanation, runtime::Icon icon,
+                        const std::string& title) override;
   void showCommand(const std::string& title, const std::string& prompt, const std::string& text) override;
   void letEventsRun() override;
   bool agrees() const override { return agrees_; }

@@ -53,11 +53,12 @@ std::string answerTo(const SimProcess& sim, const std::string& request) {
 std::vector<std::string> names(const std::string& folder) {
   std::vector<std::string> found;
   for (const auto& entry : fs::directory_iterator(folder)) found.push_back(entry.path().filename());
+  std::sort(found.begin(), found.end());
   return found;
 }
 
-/// Sends an archive that shell commands make in a folder of their own, as out.tgz; the simulator's events.
-std::string sendArchive(SimProcess& sim, const std::string& commands) {
+/// Sends an archive that shell commands make in a folder of their own, as out.tgz.
+void sendArchive(const SimProcess& sim, const std::string& commands) {
   const std::string folder = sim.folder() + "/src";
   fs::create_directories(folder + "/pkg");
   EXPECT_EQ(std::system(("cd '" + folder + "/pkg' && " + commands).c_str()), 0);
@@ -66,7 +67,7 @@ std::string sendArchive(SimProcess& sim, const std::string& commands) {
   tell(client, asks("out.tgz", std::to_string(archive.size()), "400", "usr1"));
   EXPECT_EQ(hear(client, 2), "OK");
   tell(client, archive);
-  return sim.rest();
+  EXPECT_EQ(hear(client), "");
 }
 
 }  // namespace
@@ -132,11 +133,13 @@ TEST(Kt500sim, NoSpaceBrokenOffAndStalled) {
 
 TEST(Kt500sim, InstallsAsATerminalDoes) {
   SimProcess sim("--once --install");
-  const std::string events =
-      sendArchive(sim,
-                  "mkdir -p d ../usr8 && echo 1 > 'd/a b' && echo 2 > ../usr8/s && ln -s 'd/a b' link && "
-                  "chmod 4755 'd/a b' && chmod 700 d && chmod 640 ../usr8/s && "
-                  "tar -zcPf ../out.tgz --owner=500 --group=1 --numeric-owner d link ../usr8");
+  fs::create_directories(sim.root() + "/home/usr1/d/kept");
+  fs::create_symlink(sim.folder(), sim.root() + "/home/usr1/link");
+  sendArchive(sim,
+              "mkdir -p d ../usr8 && echo 1 > 'd/a b' && echo 2 > ../usr8/s && ln -s 'd/a b' link && "
+              "chmod 4755 'd/a b' && chmod 700 d && chmod 640 ../usr8/s && "
+              "tar -zcPf ../out.tgz --owner=500 --group=1 --numeric-owner d link ../usr8");
+  const std::string events = sim.rest();
   EXPECT_TRUE(has(events,
                   "installed out.tgz in home/usr1\nmember drwx------ 500/1 0 home/usr1/d/\n"
                   "member -rwsr-xr-x 500/1 2 home/usr1/d/a b\n"
@@ -144,28 +147,94 @@ TEST(Kt500sim, InstallsAsATerminalDoes) {
   EXPECT_TRUE(has(events, "member -rw-r----- 500/1 2 home/usr8/s\nclosed\n"));
   EXPECT_EQ(bytesOf(sim.root() + "/home/usr1/link") + bytesOf(sim.root() + "/home/usr8/s"), "1\n2\n");
   EXPECT_EQ(tests::modeOf(sim.root() + "/home/usr1/d/a b"), 0755U);
+  EXPECT_EQ(tests::modeOf(sim.root() + "/home/usr1/d"), 0700U);
+  EXPECT_EQ(names(sim.root() + "/home/usr1/d"), (std::vector<std::string>{"a b", "kept"}));
 }
 
-TEST(Kt500sim, ArchivesThatLeadElsewhereAreNotInstalled) {
-  const char* const makers[] = {
-      "echo x > ../x && tar -zcPf ../out.tgz ../x",
-      "echo x > x && tar -zcPf ../out.tgz --transform 's,^,/tmp/kt500sim-escape/,' x",
-      "echo x > x && tar -zcPf ../out.tgz --transform 's,^,../usr8/../../../,' x",
-      "ln -s /etc out && tar -zcf ../out.tgz out", "mkdir d && ln -s .. d/up && tar -zcf ../out.tgz d",
-      "ln -s / 'a -> b' && tar -zcf ../out.tgz 'a -> b'", "mkfifo f && tar -zcf ../out.tgz f",
+TEST(Kt500sim, WhatIsNotInstalledLeavesNothingAndSaysWhy) {
+  const std::pair<const char*, const char*> cases[] = {
+      {"echo x > ../x && tar -zcPf ../out.tgz ../x", "leads elsewhere: ../x"},
+      {"echo x > x && tar -zcPf ../out.tgz --transform 's,^,/tmp/kt500sim-escape/,' x", "leads elsewhere: /"},
+      {"echo x > x && tar -zcPf ../out.tgz --transform 's,^,../usr8/../../../,' x",
+       "leads elsewhere: ../usr8"},
+      {"ln -s /etc out && tar -zcf ../out.tgz out", "leads elsewhere: out -> /etc"},
+      {"mkdir d && ln -s .. d/up && tar -zcf ../out.tgz d", "leads elsewhere: d/up -> .."},
+      {"ln -s / 'a -> b' && tar -zcf ../out.tgz 'a -> b'", "leads elsewhere: a -> b -> /"},
+      {"mkfifo f && tar -zcf ../out.tgz f", "leads elsewhere: f"},
       // Times that tar shows in another form: in a word less, in a wider column.
-      "echo x > x && tar -zcPf ../out.tgz --format=pax --pax-option=mtime:=90000000000000000 "
-      "--transform 's,x,../../../escaped x,' x",
-      "echo x > x && tar -cf a.tar --format=pax --pax-option=mtime:=253402400000 x && "
-      "tar -rPf a.tar --format=pax --transform 's,x,/tmp/kt500sim-escape,' x && gzip -c a.tar > ../out.tgz",
-      "head -c 10000001 /dev/zero > x && tar -zcf ../out.tgz x", "echo no archive > ../out.tgz"};
-  for (const char* maker : makers) {
+      {"echo x > x && tar -zcPf ../out.tgz --format=pax --pax-option=mtime:=90000000000000000 "
+       "--transform 's,x,../../../escaped x,' x",
+       "tar was stopped: "},
+      {"echo x > x && tar -cf a.tar --format=pax --pax-option=mtime:=253402400000 x && "
+       "tar -rPf a.tar --format=pax --transform 's,x,/tmp/kt500sim-escape,' x && gzip -c a.tar > ../out.tgz",
+       ""},
+      {"head -c 10000001 /dev/zero > x && tar -zcf ../out.tgz x", "no space for: x"},
+      {"echo no archive > ../out.tgz", "gzip: stdin: not in gzip format"},
+      {"echo 1 > a && ln a b && echo 2 > first && tar -cf a.tar first a b && tar --delete -f a.tar a && "
+       "gzip -c a.tar > ../out.tgz",
+       "tar ended with 2: tar: b: Cannot hard link to 'a': No such file or directory"},
+      {"echo 1 > a && echo 2 > kept && tar -zcf ../out.tgz a kept", "a folder is in the way: usr1/kept"}};
+  for (const auto& [maker, why] : cases) {
     SimProcess sim("--once --install --free 10000000");
-    const std::string events = sendArchive(sim, maker);
-    EXPECT_TRUE(has(events, "not installed: out.tgz\n")) << maker;
-    for (const char* home : {"/home/usr1", "/home/usr8"})
-      EXPECT_TRUE(fs::is_empty(sim.root() + home)) << maker;
+    fs::create_directories(sim.root() + "/home/usr1/kept/x");
+    sendArchive(sim, maker);
+    const std::string events = sim.rest();
+    EXPECT_TRUE(has(events, "not installed: out.tgz: ")) << maker;
+    EXPECT_TRUE(has(events.substr(events.find("not installed: ")), why));
+    EXPECT_EQ(names(sim.root()), (std::vector<std::string>{"home", "out.tgz"})) << maker;
+    EXPECT_EQ(names(sim.root() + "/home/usr1"), (std::vector<std::string>{"kept"})) << maker;
+    EXPECT_TRUE(fs::is_empty(sim.root() + "/home/usr8")) << maker;
     EXPECT_FALSE(fs::exists(sim.folder() + "/escaped x")) << maker;
   }
   EXPECT_FALSE(fs::exists("/tmp/kt500sim-escape"));
+}
+
+TEST(Kt500sim, OneClientHoldsUpNoOther) {
+  SimProcess sim("--timeout 400 --limit 1200");
+  const auto silent = connectTo(sim);
+  const auto slow = connectTo(sim);
+  tell(slow, asks("slow", "1000"));
+  EXPECT_EQ(hear(slow, 2), "OK");
+  EXPECT_EQ(answerTo(sim, "x"), "BADARGS");
+  char c = 0;
+  EXPECT_EQ(recv(silent.get(), &c, 1, MSG_DONTWAIT), -1);  // is still waited for
+  for (int i = 0; i < 200 && recv(slow.get(), &c, 1, MSG_DONTWAIT) == -1 && errno == EAGAIN; ++i) {
+    tell(slow, "1");
+    usleep(20'000);
+  }
+  EXPECT_EQ(hear(silent), "");
+  const auto half = connectTo(sim);
+  tell(half, asks("half", "1000"));
+  EXPECT_EQ(hear(half, 2), "OK");
+  EXPECT_EQ(sim.end(SIGTERM), (128 + SIGTERM) << 8);
+  const std::string events = sim.rest();
+  EXPECT_TRUE(has(events, "no request\n") && has(events, "out of time\n")) << events;
+  EXPECT_TRUE(names(sim.root()).empty());
+}
+
+TEST(Kt500sim, AnEndLeavesNeitherFilesNorChildren) {
+  std::string tools = fs::temp_directory_path() / "kt500sim-tools-XXXXXX";
+  tools = mkdtemp(tools.data());
+  std::ofstream(tools + "/tar") << "#!/bin/sh\n[ $2 = -P ] && exit\necho x >$6/x\nsleep 100 &\ncd " << tools
+                                << "\necho $! >new\nmv new sleeper\nwait\n";
+  fs::permissions(tools + "/tar", fs::perms(0755));
+  const std::string path = getenv("PATH");
+  for (const auto& [limit, why] :
+       {std::pair("600000", "the simulator was ended"), {"700", "tar took too long"}}) {
+    setenv("PATH", (tools + ":" + path).c_str(), 1);
+    SimProcess sim("--once --install --limit " + std::string(limit));
+    setenv("PATH", path.c_str(), 1);
+    const auto client = connectTo(sim);
+    tell(client, asks("out.tar", "1"));
+    EXPECT_EQ(hear(client, 2), "OK");
+    tell(client, "x");
+    for (int i = 0; i < 1000 && !fs::exists(tools + "/sleeper"); ++i) usleep(10'000);
+    const std::string sleeper = bytesOf(tools + "/sleeper");
+    if (limit[0] == '6') sim.end(SIGTERM);
+    EXPECT_TRUE(has(sim.rest(), std::string("not installed: out.tar: ") + why));
+    EXPECT_EQ(bytesOf("/proc/" + std::to_string(std::stoi(sleeper)) + "/cmdline"), "");
+    EXPECT_EQ(names(sim.root()), (std::vector<std::string>{"home", "out.tar"}));
+    fs::remove(tools + "/sleeper");
+  }
+  fs::remove_all(tools);
 }

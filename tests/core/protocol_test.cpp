@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "download/Explanation.h"
+#include "download/KnownAddresses.h"
 #include "platform/InternetAddress.h"
 #include "runtime/IsExecutable.h"
 #include "tests/SimProcess.h"
@@ -105,4 +107,28 @@ TEST(Protocol, Addresses) {
     EXPECT_FALSE(addressIn(text)) << text;
   EXPECT_EQ(platform::ipv4Of("127.0.0.010"), 0x7F00000AU);
   EXPECT_TRUE(isOctet("007") && !isOctet("1234") && !isOctet("") && !isOctet("1a"));
+}
+
+TEST(KnownAddresses, TheLastEightTheNewestFirstAndNamesStay) {
+  KnownAddresses known(
+      "1.1.1.1:5142 Lab 3\nnonsense\n1.1.1.256:1\n2.2.2.2:0\n1.1.1.001:05142 again\n3.3.3.3:80");
+  EXPECT_EQ(known.stored(), "1.1.1.1:5142 Lab 3\n3.3.3.3:80\n");
+  EXPECT_EQ(known.all()[0].text() + "|" + known.all()[1].text(), "Lab 3  1.1.1.1|3.3.3.3:80");
+  known.use({{"x", "1", "1", "1"}, "5142", ""});
+  known.use({{"3", "3", "3", "3"}, "81", ""});
+  known.use({{"1", "1", "1", "1"}, "5142", ""});
+  known.rename({{"3", "3", "3", "3"}, "80", "Bench"});
+  EXPECT_EQ(known.stored(), "1.1.1.1:5142 Lab 3\n3.3.3.3:81\n3.3.3.3:80 Bench\n");
+  known.forget({{"3", "3", "3", "3"}, "81", ""});
+  for (int i = 1; i <= 7; ++i) known.use({{"9", "9", "9", std::to_string(i)}, "1", ""});
+  EXPECT_EQ(known.all().size(), 8U);
+  EXPECT_EQ(known.all().front().text() + "|" + known.all().back().text(), "9.9.9.7:1|Lab 3  1.1.1.1");
+}
+
+TEST(Explanation, OfWhatIsNoPlaceToConnectTo) {
+  for (const auto& [address, port, error, said] :
+       {std::tuple("1.2.3.400", "5142", EINVAL, "\"1.2.3.400\" is no IP"),
+        {"1.2.3.4", "x", EINVAL, "\"x\" is no port"},
+        {"a.b.c.d", "1", EHOSTUNREACH, "no name that is known here"}})
+    EXPECT_TRUE(testworld::has(explainNoConnection({address, port, {}, 0}, {error, ""}), said));
 }

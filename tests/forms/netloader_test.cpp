@@ -81,8 +81,8 @@ TEST_F(NetloaderTest, APlainFileIsSentWithItsModeAndTheOwnerAtTheTop) {
 }
 
 TEST_F(NetloaderTest, WhileATransferRunsOnlyCancelActs) {
-  const char* const controls[] = {"txtfile", "txtIP_0", "txtIP_1",  "txtIP_2",    "txtIP_3",
-                                  "txtPort", "checkOW", "listNetO", "framePerms", "cmdSend"};
+  const char* const controls[] = {"txtfile", "txtIP_0",  "txtIP_1",    "txtIP_2", "txtIP_3",      "txtPort",
+                                  "checkOW", "listNetO", "framePerms", "cmdSend", "listAddresses"};
   write("plain");
   SimProcess sim("--once --free 0 --delay 100");
   open("C:\\plain", sim.port());
@@ -97,6 +97,8 @@ TEST_F(NetloaderTest, WhileATransferRunsOnlyCancelActs) {
   for (const char* name : controls) EXPECT_TRUE(the(name).isEnabled()) << name;
   EXPECT_TRUE(form_->isVisible() && box(2).hasFocus() && !busy_.held());
   EXPECT_EQ(status(), "Disconnected");
+  EXPECT_EQ(stored_.lastAddresses(), "127.0.0.1:" + std::to_string(sim.port()) + "\n");
+  EXPECT_TRUE(the("listAddresses").isVisible());
 }
 
 TEST_F(NetloaderTest, CancelEscapeAndTheCloseBoxEndATransfer) {
@@ -135,6 +137,7 @@ TEST_F(NetloaderTest, AddressBoxesAndKeys) {
   form_->show();
   ASSERT_TRUE(QTest::qWaitForWindowActive(form_.get()));
   EXPECT_EQ(address(), "10.20..");
+  EXPECT_TRUE(box(2).hasFocus());
   box(0).setFocus();
   box(0).selectAll();
   QTest::keyClicks(&box(0), "1924");
@@ -159,6 +162,42 @@ TEST_F(NetloaderTest, AddressBoxesAndKeys) {
   form_->close();
   press("cmdExit");
   EXPECT_EQ(stored_.lastIP(), "7.8.9.10");
+}
+
+TEST_F(NetloaderTest, KnownAddressesFillTheBoxesAndAreNamedAndForgotten) {
+  stored_.setLastIP("7.8.9.10");
+  form_ = std::make_unique<frmNetloader>(services(), "C:\\app.tgz");
+  const int without = form_->height();
+  stored_.setLastAddresses("1.2.3.4:5142 <b>Lab\n5.6.7.8:80\n5.6.7.8:81\n5.6.7.8:82\n5.6.7.8:83\n");
+  form_ = std::make_unique<frmNetloader>(services(), "C:\\app.tgz");
+  form_->show();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(form_.get()));
+  tests::checkTexts(*form_);
+  auto& list = the<QListView>("listAddresses");
+  QAbstractItemModelTester tester(list.model());
+  EXPECT_TRUE(the("cmdSend").hasFocus() && form_->height() > without);
+  list.setFocus(Qt::TabFocusReason);
+  EXPECT_EQ(address(), "7.8.9.10");  // to come by is not to choose
+  QTest::keyClick(&list, Qt::Key_Down);
+  EXPECT_EQ(address() + ":" + the<QLineEdit>("txtPort").text(), "5.6.7.8:80");
+  EXPECT_TRUE(the("txtPort").isVisible());
+  fill({});
+  QTest::keyClick(&list, Qt::Key_Return);
+  EXPECT_TRUE(address() == "5.6.7.8" && the("cmdSend").hasFocus());
+  tests::leftClick(list.viewport(), list.visualRect(list.model()->index(0, 0)).center());
+  EXPECT_EQ(address() + ":" + the<QLineEdit>("txtPort").text(), "1.2.3.4:5142");
+  QTest::keyClick(&list, Qt::Key_F2);
+  auto* const editor = list.viewport()->findChild<QLineEdit*>();
+  EXPECT_EQ(editor->text(), "<b>Lab");
+  QTest::keyClicks(editor, "Bench");
+  QTest::keyClick(editor, Qt::Key_Return);
+  QTRY_COMPARE(list.model()->index(0, 0).data().toString(), "Bench  1.2.3.4");
+  EXPECT_TRUE(stored_.lastAddresses().starts_with("1.2.3.4:5142 Bench\n5.6.7.8:80\n"));
+  QTest::keyClick(&list, Qt::Key_Delete);
+  EXPECT_TRUE(stored_.lastAddresses().starts_with("5.6.7.8:80\n"));
+  for (int i = 0; i < 4; ++i) QTest::keyClick(&list, Qt::Key_Delete);
+  EXPECT_EQ(stored_.lastAddresses(), "");
+  EXPECT_TRUE(!list.isVisible() && form_->height() == without && told().empty());
 }
 
 TEST_F(NetloaderTest, AnAddressIsTakenOutOfWhatIsPasted) {
