@@ -1,5 +1,6 @@
 #include "browser/Layout.h"
 
+#include <algorithm>
 #include <initializer_list>
 
 namespace browser {
@@ -17,12 +18,12 @@ const std::map<std::string, Rect, std::less<>>& design() {
       // frameMain
       {"Label5", {105, 75, 600, 330}},
       {"Drive1", {720, 60, 1380, 375}},
-      {"optShowHidden", {2145, 75, 1560, 330}},
-      {"optShowSystem", {3720, 75, 1575, 330}},
-      {"txtLocation", {5325, 60, 6420, 375}},
+      {"optShowHidden", {2220, 75, 1530, 330}},
+      {"optShowSystem", {3780, 75, 1560, 330}},
+      {"txtLocation", {5385, 60, 6375, 375}},
       {"Label3", {105, 510, 2535, 330}},
       {"lblSelectionText", {2740, 510, 900, 330}},
-      {"Frame1", {9500, 465, 2160, 390}},
+      {"Frame1", {9500, 480, 2160, 360}},
       {"Dir1", {105, 870, 2535, 5755}},
       {"File1", {105, 870, 2535, 5755}},
       {"divider", {2640, 870, 60, 5755}},
@@ -32,7 +33,7 @@ const std::map<std::string, Rect, std::less<>>& design() {
       {"frameAction", {105, 7100, 11555, 1095}},
       // frameSelected
       {"Label4", {0, 60, 840, 345}},
-      {"txtSelect", {855, 45, 8300, 375}},
+      {"txtSelect", {900, 45, 8255, 375}},
       // frameAction
       {"cmdSetPerms", {120, 285, 1620, 375}},
       {"cmdDos2Unix", {120, 675, 1620, 375}},
@@ -40,18 +41,18 @@ const std::map<std::string, Rect, std::less<>>& design() {
       {"cmdSetGroup", {1800, 675, 1380, 375}},
       {"frameTarButtons", {9775, 285, 1680, 765}},
       // frameUntar
-      {"Label1", {240, 255, 4800, 225}},
-      {"txtFileIn", {240, 480, 9280, 345}},
-      {"cmdGetFile", {9520, 480, 420, 345}},
-      {"cmdRefresh", {9980, 480, 1700, 345}},
-      {"lblOutLocation", {240, 840, 4800, 225}},
-      {"txtOutLocation", {240, 1065, 9280, 345}},
-      {"cmdSelectOut", {9520, 1065, 420, 345}},
-      {"Label7", {240, 1425, 4800, 225}},
-      {"tarTree", {240, 1665, 11440, 5515}},
-      {"TreeView1", {240, 1665, 11440, 5515}},
-      {"frameTarSelector", {240, 7180, 2700, 405}},
-      {"cmdBack", {3030, 7210, 1275, 345}},
+      {"Label1", {240, 315, 4800, 225}},
+      {"txtFileIn", {240, 555, 9280, 330}},
+      {"cmdGetFile", {9520, 555, 420, 330}},
+      {"cmdRefresh", {9980, 555, 1700, 330}},
+      {"lblOutLocation", {240, 915, 4800, 225}},
+      {"txtOutLocation", {240, 1155, 9280, 330}},
+      {"cmdSelectOut", {9520, 1155, 420, 330}},
+      {"Label7", {240, 1515, 4800, 225}},
+      {"tarTree", {240, 1755, 11440, 5515}},
+      {"TreeView1", {240, 1755, 11440, 5515}},
+      {"frameTarSelector", {240, 7270, 2700, 330}},
+      {"cmdBack", {3030, 7270, 1275, 330}},
       {"frameUntarButtons", {3460, 7600, 5000, 480}},
       {"frameTarRefreshLabel", {3860, 4000, 4200, 390}},
       {"pbTarRefresh", {3860, 4400, 4200, 330}},
@@ -65,7 +66,9 @@ void setExtent(int& extent, int value) {
 
 }  // namespace
 
-Layout::Layout() : rects_(design()) { resize(startWidth, startHeight, false); }
+Layout::Layout() : rects_(design()), dividerPlace_(at("divider").left) {
+  resize(startWidth, startHeight, false);
+}
 
 const Rect& Layout::operator[](std::string_view name) const {
   static const Rect nowhere;
@@ -97,15 +100,28 @@ void Layout::placeWindow(int width, int height, bool logShown) {
 
 void Layout::placeBrowser() {
   const Rect& frame = at("frameMain");
-  const Rect& divider = at("divider");
   Rect& action = at("frameAction");
   setExtent(action.width, frame.width - 260 - action.left);
   action.top = frame.height - 1100;
   at("frameTarButtons").left = action.width - 1780;
+  placeDivider();
   Rect& pane = at("DirPane");
-  setExtent(pane.width, frame.width - divider.left - divider.width - 200);
   setExtent(pane.height, frame.height - 2445);
   for (const char* name : {"Dir1", "divider"}) at(name).height = pane.height;
+  Rect& location = at("txtLocation");
+  setExtent(location.width, pane.left + pane.width - location.left);
+}
+
+void Layout::placeDivider() {
+  const Rect& frame = at("frameMain");
+  Rect& bar = at("divider");
+  bar.left = std::clamp(dividerPlace_, leastDivider, mostDivider());
+  Rect& folders = at("Dir1");
+  Rect& pane = at("DirPane");
+  setExtent(folders.width, bar.left - folders.left);
+  pane.left = bar.left + bar.width + 40;
+  setExtent(pane.width, frame.width - bar.left - bar.width - 200);
+  at("lblSelectionText").left = pane.left;
 }
 
 void Layout::placeSelection() {
@@ -117,7 +133,6 @@ void Layout::placeSelection() {
   setExtent(selected.width, buttons.left - selected.left - 20);
   Rect& text = at("txtSelect");
   setExtent(text.width, selected.width - text.left - 20);
-  at("lblSelectionText").left = pane.left;
 }
 
 void Layout::placeArchive() {
@@ -131,7 +146,7 @@ void Layout::placeArchive() {
     setExtent(tree.height, frame.height - 2685);
   }
   at("frameTarSelector").top = at("tarTree").top + at("tarTree").height;
-  at("cmdBack").top = at("frameTarSelector").top + 30;
+  at("cmdBack").top = at("frameTarSelector").top;
   for (const char* name : {"txtFileIn", "txtOutLocation"}) setExtent(at(name).width, frame.width - 2640);
   at("cmdGetFile").left = at("txtFileIn").left + at("txtFileIn").width;
   at("cmdSelectOut").left = at("txtOutLocation").left + at("txtOutLocation").width;
@@ -149,24 +164,19 @@ void Layout::placeProgress() {
   centre(at("pbTarRefresh"), 200);
 }
 
+int Layout::mostDivider() const {
+  constexpr int leastRight = 800;  // of the frame, the bar included
+  return std::max(leastDivider, (*this)["frameMain"].width - leastRight);
+}
+
+void Layout::setDividerPlace(int left) {
+  dividerPlace_ = left;
+  placeDivider();
+}
+
 void Layout::dragDivider(int x) {
-  constexpr int leastLeft = 400;
-  constexpr int leastRight = 800;
-  const Rect& frame = at("frameMain");
-  Rect& bar = at("divider");
-  const int delta = x - bar.width / 2;
-  int left = bar.left + delta;
-  if (left < leastLeft && delta < 0)
-    left = leastLeft;
-  else if (frame.width - left < leastRight && delta > 0)
-    left = frame.width - leastRight;
-  bar.left = left;
-  Rect& folders = at("Dir1");
-  Rect& pane = at("DirPane");
-  setExtent(folders.width, bar.left - folders.left);
-  pane.left = bar.left + bar.width + 40;
-  setExtent(pane.width, frame.width - bar.left - bar.width - 200);
-  at("lblSelectionText").left = pane.left;
+  const Rect& bar = at("divider");
+  setDividerPlace(std::clamp(bar.left + x - bar.width / 2, leastDivider, mostDivider()));
 }
 
 }  // namespace browser

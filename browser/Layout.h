@@ -17,7 +17,8 @@ struct Rect {
 
 /// The main window's layout: a table of rectangles by control name, and the rules that change it. Frames and
 /// the log pane are placed in the area directly below the menu bar. A rule that would make a width or a
-/// height negative is skipped; what no rule names keeps its design position.
+/// height negative is skipped; what no rule names keeps its design position. The splitter stays inside its
+/// frame: where that is too narrow for the place it was given, it comes back there once there is room.
 class Layout {
  public:
   static constexpr int startWidth = 12000;  ///< of the main window, menu bar included
@@ -31,6 +32,12 @@ class Layout {
   /// The pointer is at horizontal position `x` inside the splitter while it is dragged.
   void dragDivider(int x);
 
+  /// Where the splitter's left edge was put, also while there is no room for it.
+  int dividerPlace() const { return dividerPlace_; }
+  void setDividerPlace(int left);
+  static constexpr int leastDivider = 400;  ///< its left edge at the left end
+  int mostDivider() const;                  ///< and at the right end
+
   const Rect& operator[](std::string_view name) const;  ///< a name that is not in the table: all 0
   const std::map<std::string, Rect, std::less<>>& rects() const { return rects_; }
 
@@ -38,11 +45,13 @@ class Layout {
   Rect& at(const char* name) { return rects_.find(name)->second; }
   void placeWindow(int width, int height, bool logShown);
   void placeBrowser();
+  void placeDivider();
   void placeSelection();
   void placeArchive();
   void placeProgress();
 
   std::map<std::string, Rect, std::less<>> rects_;
+  int dividerPlace_;
 };
 
 }  // namespace browser

@@ -49,12 +49,21 @@ FoundEntry describe(int folder, const std::string& folderPath, const dirent& ent
   return found;
 }
 
+/// One of these, of which the name may tell that it is hidden.
+bool hasAttribute(const DriveTable& drives, std::string_view path, std::uint32_t attributes) {
+  if (path.substr(path.rfind('\\') + 1).starts_with('.')) return true;
+  const std::optional<std::string> host = drives.toHost(path);
+  return host && (notedAttributes(*host) & attributes) != 0;
+}
+
 }  // namespace
 
 bool isHiddenOrSystem(const DriveTable& drives, std::string_view path) {
-  if (path.substr(path.rfind('\\') + 1).starts_with('.')) return true;
-  const std::optional<std::string> host = drives.toHost(path);
-  return host && (notedAttributes(*host) & (attributeHidden | attributeSystem)) != 0;
+  return hasAttribute(drives, path, attributeHidden | attributeSystem);
+}
+
+bool isHidden(const DriveTable& drives, std::string_view path) {
+  return hasAttribute(drives, path, attributeHidden);
 }
 
 DirectorySearch::DirectorySearch(const DriveTable& drives, std::string_view pattern) {

@@ -26,6 +26,7 @@ struct FoundEntry {
 
 /// What an ordinary listing leaves out: hidden and system files.
 bool isHiddenOrSystem(const DriveTable& drives, std::string_view path);
+bool isHidden(const DriveTable& drives, std::string_view path);
 
 /// The system's directory search: entries of a folder in the order that the system returns them,
 /// "." and ".." included. The pattern is a folder path followed by "*".

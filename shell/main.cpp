@@ -7,6 +7,7 @@
 #include "platform/StandardStreams.h"
 #include "platform/desktop/DisplayCheck.h"
 #include "platform/desktop/Gate.h"
+#include "platform/desktop/ProgramStyle.h"
 #include "shell/BatchExtract.h"
 #include "shell/BatchPack.h"
 #include "shell/BatchTools.h"
@@ -86,6 +87,7 @@ int runWindows(shell::Host& host, const CommandLine& commandLine, const shell::H
   char* names[] = {name, nullptr};
   QApplication application(one, names);
   QApplication::setApplicationName(QString::fromLatin1(runtime::programTitle));
+  platform::desktop::dressApplication();
   QApplication::setQuitOnLastWindowClosed(false);
   host.confineTools();
   shell::DesktopUser user(host.busy, arguments.yes && isQuiet(commandLine.form));

@@ -11,6 +11,7 @@
 #include "platform/TypedPath.h"
 #include "platform/desktop/CommandConsole.h"
 #include "platform/desktop/DisplayCheck.h"
+#include "platform/desktop/ProgramStyle.h"
 
 namespace {
 
@@ -28,6 +29,7 @@ int runConsole(char* name, const char* command) {
   char* names[] = {name, nullptr};
   const QApplication application(one, names);
   QApplication::setQuitOnLastWindowClosed(false);
+  platform::desktop::dressApplication();
   platform::desktop::CommandConsole console(drives(), command);
   QObject::connect(&console, &platform::desktop::CommandConsole::closed, &console,
                    [&console] { QApplication::exit(console.exitStatus()); });

@@ -5,6 +5,7 @@
 
 #include "platform/desktop/HelpWindow.h"
 #include "platform/desktop/MessageBox.h"
+#include "platform/desktop/ProgramStyle.h"
 #include "platform/desktop/Text.h"
 #include "tools/hh_instance.h"
 
@@ -31,6 +32,7 @@ int refuse(const QString& why) {
 
 int main(int argc, char** argv) {
   QApplication application(argc, argv);
+  platform::desktop::dressApplication();
   if (argc != 2) return refuse(QStringLiteral("Usage: hh.exe FILE[::/PAGE]"));
   const Wanted wanted = wantedBy(QFile::decodeName(argv[1]));
   const platform::desktop::HelpFile file(wanted.file);

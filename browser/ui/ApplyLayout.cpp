@@ -4,6 +4,8 @@
 #include <QWidget>
 #include <algorithm>
 
+#include "browser/ui/Divider.h"
+
 namespace browser {
 namespace {
 
@@ -33,6 +35,8 @@ double pixelsPerTwip(const QWidget& widget) {
 }
 
 void applyLayout(QWidget& root, const Layout& layout, double scale) {
+  if (auto* const divider = root.findChild<Divider*>())
+    divider->setWay(pixels(Layout::leastDivider, scale), pixels(layout.mostDivider(), scale));
   applyRects(root, layout.rects(), scale);
 }
 

@@ -7,6 +7,7 @@
 #include "platform/HeldName.h"
 #include "platform/ResolvedPath.h"
 #include "platform/TypedPath.h"
+#include "platform/desktop/FolderCompleter.h"
 #include "platform/desktop/Handlers.h"
 #include "platform/desktop/Text.h"
 
@@ -59,6 +60,8 @@ Navigation::Navigation(runtime::Services services, platform::desktop::FilePicker
   folders_.setDrives(services_.system.drives, running);
   showInitialFolder();
   setWhileBusy(&location_, platform::desktop::WhileBusy::Remembered);
+  new platform::desktop::FolderCompleter(location_, services_.system.drives,
+                                         [this] { return folders_.path(); });
   auto* const escape = new QShortcut(QKeySequence(Qt::Key_Escape), &location_);
   escape->setContext(Qt::WidgetShortcut);
   // A change must never pass unheard: what has to wait for the gate is remembered.

@@ -18,7 +18,9 @@ PaneSelection::PaneSelection(runtime::Services services, runtime::Selection& sel
       model_(model),
       summary_(summary) {
   connect(&summary_, &QLineEdit::textChanged, this, [this](const QString& text) {
-    summary_.setToolTip(platform::desktop::toPlainTip(platform::desktop::fromControl(text)));
+    const std::string inner = platform::desktop::fromControl(text);
+    summary_.setToolTip(platform::desktop::toPlainTip(inner));
+    summary_.setAccessibleDescription(platform::desktop::toShown(inner));  // else the tip with its markup
   });
 }
 

@@ -7,10 +7,13 @@
 #include <QShortcut>
 #include <QWidget>
 
+#include "platform/desktop/CheckInterface.h"
+
 namespace platform::desktop {
 
 ActionTable::ActionTable(QWidget& form, Busy& busy, std::vector<Action> rows)
     : QObject(&form), form_(form), busy_(busy), rows_(std::move(rows)) {
+  makeTogglesClicks();
   for (const Action& row : rows_) wire(row);
   busy_.watch(*this);
   update();
@@ -23,6 +26,7 @@ void ActionTable::wire(const Action& row) {
   if (!row.keys.isEmpty()) {
     auto* shortcut = new QShortcut(row.keys, &form_);
     shortcut->setObjectName(QLatin1String(row.name));
+    if (row.keysWithin) shortcut->setContext(Qt::WidgetWithChildrenShortcut);
     connect(shortcut, &QShortcut::activated, this, act);
     return;
   }

@@ -23,6 +23,7 @@ struct Action {
   Busy::Width width = Busy::Width::Relist;  ///< of a Remembered one
   QKeySequence keys = {};
   const char* caption = nullptr;  ///< where no .ui file holds it
+  bool keysWithin = false;        ///< they act only while the form, or what is in it, has the focus
 };
 
 /// The table by which a form wires its menus, buttons and keys. While a job holds the gate a row's handler

@@ -1,16 +1,19 @@
 #pragma once
 
 #include <QComboBox>
+#include <optional>
 #include <string>
 #include <string_view>
 
+#include "platform/DiskSpace.h"
 #include "platform/DriveTable.h"
 
 namespace platform::desktop {
 
 /// The drop-down list of the drives: "C: [user]", the last name of the drive's host folder in brackets. The
 /// table is read again when it drops down. A chosen drive that has gone stays until another is chosen. It
-/// works also while a job holds the gate: whoever is told of the change remembers it.
+/// works also while a job holds the gate: whoever is told of the change remembers it. Its tip tells how much
+/// room the chosen drive has, once the drive has answered.
 class DriveList : public QComboBox {
   Q_OBJECT
 
@@ -31,13 +34,19 @@ class DriveList : public QComboBox {
  public slots:
   void showPopup() override;
 
+ protected:
+  bool event(QEvent* event) override;
+
  private:
+  void askForSpace(QPoint at);
+  void showSpace(const QString& drive, const std::optional<DiskSpace>& space, QPoint at);
   void readAgain();
   void fill();
   void noteChange();
 
   DriveTable* drives_ = nullptr;
   QString known_;  // the drive that was last told of
+  QString asked_;  // the drive whose answer is awaited
 };
 
 }  // namespace platform::desktop

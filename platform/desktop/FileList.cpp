@@ -28,9 +28,20 @@ FileList::FileList(QWidget* parent) : QListView(parent), names_(new QStringListM
 }
 
 void FileList::setPath(const std::string& folder) {
+  folder_ = folder;
+  names_->setStringList({});
+  if (isVisible()) readFolder();
+}
+
+void FileList::showEvent(QShowEvent* event) {
+  QListView::showEvent(event);
+  readFolder();
+}
+
+void FileList::readFolder() {
   QStringList names;
   if (drives_ != nullptr)
-    for (const Files::Entry& entry : Files(*drives_).entries(folder).value_or(std::vector<Files::Entry>()))
+    for (const Files::Entry& entry : Files(*drives_).entries(folder_).value_or(std::vector<Files::Entry>()))
       if (!entry.isFolder) names.append(toControl(entry.name));
   names_->setStringList(names);
 }

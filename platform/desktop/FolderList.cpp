@@ -102,7 +102,14 @@ void FolderList::showHighlight() {
 /// A path set before the list had its size was scrolled for another one.
 void FolderList::showEvent(QShowEvent* event) {
   QListView::showEvent(event);
+  model_->setSeen(true);
+  refresh();
   showHighlight();
+}
+
+void FolderList::hideEvent(QHideEvent* event) {
+  QListView::hideEvent(event);
+  model_->setSeen(false);
 }
 
 void FolderList::click(const std::string& path) {

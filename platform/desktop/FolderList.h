@@ -12,9 +12,12 @@ namespace platform::desktop {
 /// The folder list: the path down to the open folder, root first, each part indented below the one before,
 /// and below them its subfolders. One row is highlighted. A click or Enter opens the highlighted folder,
 /// Backspace its parent, and letters and arrows move the highlight; every other key is the window's. While a
-/// job holds the gate what opens a folder is remembered, and the highlight stays.
+/// job holds the gate what opens a folder is remembered, and the highlight stays. While it is not visible it
+/// reads no subfolders.
 class FolderList : public QListView {
   Q_OBJECT
+  /// Whether hidden subfolders are in the list (they are): from the next reading on.
+  Q_PROPERTY(bool hiddenShown READ hiddenShown WRITE setHiddenShown)
 
  public:
   explicit FolderList(QWidget* parent = nullptr);
@@ -29,6 +32,10 @@ class FolderList : public QListView {
   std::string highlighted() const;  ///< the path of the highlighted row; the open folder's when there is none
   bool isCurrentFolder(int row) const { return row == model_->openRow(); }
   void refresh();  ///< reads the subfolders again; path and highlight stay
+  bool hiddenShown() const { return model_->hiddenShown(); }
+
+ public slots:
+  void setHiddenShown(bool shown) { model_->setHiddenShown(shown); }
 
  signals:
   void changed();            ///< another folder is open, by any means
@@ -37,6 +44,7 @@ class FolderList : public QListView {
 
  protected:
   void showEvent(QShowEvent* event) override;
+  void hideEvent(QHideEvent* event) override;
   void keyPressEvent(QKeyEvent* event) override;
   void mousePressEvent(QMouseEvent* event) override;
   void mouseMoveEvent(QMouseEvent* event) override;

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "platform/Files.h"
+#include "platform/DirectorySearch.h"
 #include "platform/desktop/ImageList.h"
 #include "platform/desktop/Text.h"
 
@@ -65,6 +65,7 @@ bool FolderListModel::setPath(const std::string& path) {
 }
 
 void FolderListModel::readAgain() {
+  if (!seen_) return;
   std::vector<std::string> below = subfolders(parts_).value_or(std::vector<std::string>());
   if (below == subfolders_) return;
   beginResetModel();
@@ -75,13 +76,21 @@ void FolderListModel::readAgain() {
 std::optional<std::vector<std::string>> FolderListModel::subfolders(
     const std::vector<std::string>& parts) const {
   if (drives_ == nullptr || parts.empty()) return std::nullopt;
-  auto entries = Files(*drives_).entries(joined(parts));
+  const std::string folder = joined(parts);
+  const Files files(*drives_);
+  if (!seen_)
+    return files.readProblem(folder) == 0 ? std::optional(std::vector<std::string>()) : std::nullopt;
+  auto entries = files.entries(folder);
   if (!entries) return std::nullopt;
   std::vector<std::string> names;
   for (Files::Entry& entry : *entries)
-    if (entry.isFolder) names.push_back(std::move(entry.name));
+    if (entry.isFolder && !leftOut(entry, folder)) names.push_back(std::move(entry.name));
   sortByName(names);
   return names;
+}
+
+bool FolderListModel::leftOut(const Files::Entry& entry, const std::string& folder) const {
+  return !hiddenShown_ && isHidden(*drives_, folder + '\\' + entry.name);
 }
 
 const std::string& FolderListModel::nameOf(int row) const {

@@ -32,4 +32,9 @@ QIcon emblemIcon(Emblem emblem) {
                                       : QStringLiteral(":/icons/emblem-run.svg"));
 }
 
+QIcon programIcon() {
+  keepPictures();
+  return QIcon(QStringLiteral(":/icons/pakrune.svg"));
+}
+
 }  // namespace platform::desktop

@@ -13,4 +13,6 @@ enum class Emblem { Link, Executable };
 /// A small sign to be drawn over a picture of the same size; the rest of it is transparent.
 QIcon emblemIcon(Emblem emblem);
 
+QIcon programIcon();  ///< of the windows, at any size
+
 }  // namespace platform::desktop

@@ -15,10 +15,8 @@ double luminance(const QColor& colour) {
   return 0.2126 * linear(colour.redF()) + 0.7152 * linear(colour.greenF()) + 0.0722 * linear(colour.blueF());
 }
 
-QColor lightened(const QColor& colour, double part) {
-  const auto towardsWhite = [part](double value) { return static_cast<float>(value + (1 - value) * part); };
-  return QColor::fromRgbF(towardsWhite(colour.redF()), towardsWhite(colour.greenF()),
-                          towardsWhite(colour.blueF()));
+bool isLight(const QColor& background) {
+  return contrast(Qt::black, background) > contrast(Qt::white, background);
 }
 
 }  // namespace
@@ -29,13 +27,25 @@ double contrast(const QColor& one, const QColor& other) {
   return (lighter + 0.05) / (darker + 0.05);
 }
 
-QColor readableColour(const QColor& wanted, const QColor& background) {
-  const bool light = contrast(Qt::black, background) > contrast(Qt::white, background);
-  for (int step = 0; step < steps && !light; ++step) {
-    const QColor colour = lightened(wanted, static_cast<double>(step) / steps);
+QColor mixedColour(const QColor& one, const QColor& other, double share) {
+  const auto mixed = [share](double part, double rest) {
+    return static_cast<float>(part * share + rest * (1 - share));
+  };
+  return QColor::fromRgbF(mixed(one.redF(), other.redF()), mixed(one.greenF(), other.greenF()),
+                          mixed(one.blueF(), other.blueF()));
+}
+
+QColor contrastingColour(const QColor& wanted, const QColor& background) {
+  const QColor away = isLight(background) ? Qt::black : Qt::white;
+  for (int step = 0; step < steps; ++step) {
+    const QColor colour = mixedColour(away, wanted, static_cast<double>(step) / steps);
     if (contrast(colour, background) >= readable) return colour;
   }
-  return light ? wanted : QColor(Qt::white);
+  return away;
+}
+
+QColor readableColour(const QColor& wanted, const QColor& background) {
+  return isLight(background) ? wanted : contrastingColour(wanted, background);
 }
 
 }  // namespace platform::desktop

@@ -12,4 +12,10 @@ double contrast(const QColor& one, const QColor& other);
 /// it takes to be read (4.5 to 1).
 QColor readableColour(const QColor& wanted, const QColor& background);
 
+/// A colour for text on any background: lightened or darkened as far as it takes to be read (4.5 to 1).
+QColor contrastingColour(const QColor& wanted, const QColor& background);
+
+/// `share` (0 to 1) of a colour, the rest of another one.
+QColor mixedColour(const QColor& one, const QColor& other, double share);
+
 }  // namespace platform::desktop

@@ -13,13 +13,55 @@ namespace {
 
 constexpr int textMargin = 4;  // pixels between the frame and the text
 
-/// The kind of Qt's own lists speaks of rows and a current row, which this list has not.
-class ScrollListInterface : public QAccessibleWidget {
+/// A spin box: its number is the entry's index, its text the entry, read as one line. The scroll bar is how
+/// it looks, not something more to walk through.
+class ScrollListInterface : public QAccessibleWidget,
+                            public QAccessibleValueInterface,
+                            public QAccessibleTextInterface {
  public:
-  explicit ScrollListInterface(ScrollList* list) : QAccessibleWidget(list, QAccessible::List), list_(list) {}
+  explicit ScrollListInterface(ScrollList* list)
+      : QAccessibleWidget(list, QAccessible::SpinBox), list_(list) {}
+
+  void* interface_cast(QAccessible::InterfaceType type) override {
+    if (type == QAccessible::ValueInterface) return static_cast<QAccessibleValueInterface*>(this);
+    if (type == QAccessible::TextInterface) return static_cast<QAccessibleTextInterface*>(this);
+    return QAccessibleWidget::interface_cast(type);
+  }
+  int childCount() const override { return 0; }
+  QAccessibleInterface* child(int) const override { return nullptr; }
+  QAccessibleInterface* childAt(int, int) const override { return nullptr; }
   QString text(QAccessible::Text kind) const override {
     return kind == QAccessible::Value ? list_->topEntry() : QAccessibleWidget::text(kind);
   }
+
+  QVariant currentValue() const override { return list_->topIndex(); }
+  void setCurrentValue(const QVariant& value) override {
+    if (list_->isEnabled()) list_->setTopIndex(value.toInt());
+  }
+  QVariant minimumValue() const override { return 0; }
+  QVariant maximumValue() const override {
+    return std::max(0, static_cast<int>(list_->entries().size()) - 1);
+  }
+  QVariant minimumStepSize() const override { return 1; }
+
+  QString text(int start, int end) const override { return list_->topEntry().mid(start, end - start); }
+  int characterCount() const override { return static_cast<int>(list_->topEntry().size()); }
+  QRect characterRect(int) const override { return rect(); }
+  int offsetAtPoint(const QPoint&) const override { return 0; }
+  QString attributes(int, int* start, int* end) const override {
+    *start = 0;
+    *end = characterCount();
+    return {};
+  }
+  /// Nothing in it is edited or selected.
+  int cursorPosition() const override { return 0; }
+  void setCursorPosition(int) override {}
+  int selectionCount() const override { return 0; }
+  void selection(int, int* start, int* end) const override { *start = *end = 0; }
+  void addSelection(int, int) override {}
+  void removeSelection(int) override {}
+  void setSelection(int, int, int) override {}
+  void scrollToSubstring(int, int) override {}
 
  private:
   ScrollList* list_;
@@ -142,9 +184,11 @@ void ScrollList::search(const QString& typed) {
 
 void ScrollList::showTop() {
   viewport()->update();
-  setAccessibleDescription(topEntry());
-  QAccessibleValueChangeEvent changed(this, topEntry());
-  QAccessible::updateAccessibility(&changed);
+  QAccessibleValueChangeEvent value(this, topIndex());
+  QAccessible::updateAccessibility(&value);
+  QAccessibleTextUpdateEvent text(this, 0, told_, topEntry());
+  QAccessible::updateAccessibility(&text);
+  told_ = topEntry();
 }
 
 }  // namespace platform::desktop

@@ -7,8 +7,8 @@
 namespace platform::desktop {
 
 /// A list one entry high that is turned by its scroll bar, the wheel and the keys (arrows, Page Up and Down,
-/// Home, End, letters). The entry that it shows, the one at the top, is the choice. Its accessible value and
-/// description name that entry; the accessible name says what is chosen.
+/// Home, End, letters). The entry that it shows, the one at the top, is the choice. To assistive tools it is
+/// a spin box: the entry is its text, the index its value; the accessible name says what is chosen.
 class ScrollList : public QAbstractScrollArea {
   Q_OBJECT
   Q_PROPERTY(QStringList entries READ entries WRITE setEntries)
@@ -42,6 +42,7 @@ class ScrollList : public QAbstractScrollArea {
   void search(const QString& typed);
 
   QStringList entries_;
+  QString told_;   // the entry that assistive tools last heard of
   QString typed_;  // letters typed in quick succession
   QElapsedTimer sinceTyped_;
 };

@@ -2,6 +2,7 @@
 
 #include <QByteArrayView>
 #include <QStringList>
+#include <QTextDocument>
 
 #include "platform/HeldName.h"
 
@@ -41,7 +42,9 @@ QString toShown(std::string_view inner) {
 }
 
 QString toPlainTip(std::string_view inner) {
-  const QString escaped = toShown(inner).toHtmlEscaped().replace(QLatin1Char('\n'), QStringLiteral("<br>"));
+  const QString shown = toShown(inner);
+  if (!Qt::mightBeRichText(shown)) return shown;
+  const QString escaped = shown.toHtmlEscaped().replace(QLatin1Char('\n'), QStringLiteral("<br>"));
   return QStringLiteral("<span style=\"white-space:pre\">%1</span>").arg(escaped);
 }
 

@@ -18,7 +18,8 @@ std::string fromControl(const QString& text);
 /// shown as themselves. The control must be told that it is plain text.
 QString toShown(std::string_view inner);
 
-/// A text for places that Qt guesses to be HTML and that offer no switch (tool tips): escaped.
+/// A text for places that Qt guesses to be HTML and that offer no switch (tool tips): escaped where it would
+/// be taken for that.
 QString toPlainTip(std::string_view inner);
 
 }  // namespace platform::desktop

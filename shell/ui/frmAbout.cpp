@@ -3,6 +3,7 @@
 #include <QLabel>
 #include <QPushButton>
 
+#include "platform/desktop/ImageList.h"
 #include "runtime/UserInterface.h"
 #include "ui_frmAbout.h"
 
@@ -12,6 +13,9 @@ frmAbout::frmAbout(QWidget* parent) : QDialog(parent), ui_(std::make_unique<Ui::
   ui_->setupUi(this);
   const QString title = QString::fromLatin1(runtime::programTitle);
   setWindowTitle(QStringLiteral("About ") + title);
+  constexpr int pictureSide = 48;  // pixels
+  ui_->lblPicture->setPixmap(
+      platform::desktop::programIcon().pixmap(QSize(pictureSide, pictureSide), devicePixelRatioF()));
   ui_->lblTitle->setText(title);
   ui_->lblVersion->setText(QStringLiteral("Version " PAKRUNE_VERSION));
   connect(ui_->cmdOK, &QPushButton::clicked, this, &frmAbout::cmdOK_Click);

@@ -3,6 +3,7 @@
 #include <QCloseEvent>
 #include <QPlainTextEdit>
 #include <QPointer>
+#include <QTreeView>
 
 #include "archive/ui/frmTar.h"
 #include "browser/ui/ApplyLayout.h"
@@ -49,7 +50,8 @@ frmMain::frmMain(Program& program, platform::desktop::FilePickers& pickers)
   frameUntar_->setEnabled(false);
   wireActions();
   wireFrames();
-  resize(browser::startSize(browser::pixelsPerTwip(*this)));
+  memory_.emplace(program.settings, *this, layout_, *frameMain_->findChild<QTreeView*>("DirPane")->header());
+  memory_->restore();
 }
 
 frmMain::~frmMain() { program_.log.setOnEntry({}); }
@@ -367,7 +369,9 @@ void frmMain::closeEvent(QCloseEvent* event) {
 
 void frmMain::end() {
   ended_ = true;
-  if (isVisible()) program_.settings.setInitDir(frameMain_->dir1Path());  // else nobody has chosen it
+  if (!isVisible()) return;  // nobody has chosen what it shows
+  program_.settings.setInitDir(frameMain_->dir1Path());
+  memory_->keep();
 }
 
 bool frmMain::eventFilter(QObject* watched, QEvent* event) {

@@ -17,6 +17,7 @@
 #include "shell/CommandLine.h"
 #include "shell/Program.h"
 #include "shell/ui/PaneMenu.h"
+#include "shell/ui/WindowMemory.h"
 
 namespace Ui {
 class frmMain;
@@ -101,6 +102,7 @@ class frmMain : public QMainWindow, public runtime::FilePane, public runtime::Do
   browser::frameMain* frameMain_;
   archive::frameUntar* frameUntar_;
   browser::Layout layout_;
+  std::optional<WindowMemory> memory_;
   platform::desktop::ActionTable* actions_ = nullptr;  // a child
   PaneMenu paneMenu_{*this};
   std::optional<perms::PermissionUndo> undo_;  // of the latest run

@@ -1,7 +1,11 @@
+#include "platform/desktop/ColumnWidths.h"
 #include "platform/desktop/DriveList.h"
 #include "platform/desktop/FileList.h"
+#include "platform/desktop/FolderCompleter.h"
 #include "platform/desktop/FolderList.h"
 #include "platform/desktop/ImageList.h"
+#include "platform/desktop/ProgramStyle.h"
+#include "platform/desktop/ReadableColour.h"
 #include "platform/desktop/ScrollList.h"
 #include "tests/forms/Forms.h"
 
@@ -18,6 +22,42 @@ TEST(ImageList, TwentyOnePicturesAreDrawn) {
     seen.append(picture);
   }
   EXPECT_TRUE(imageIcon(0).isNull() && imageIcon(22).isNull());
+  EXPECT_FALSE(programIcon().pixmap(16).isNull());
+}
+
+/// One row, selected and with a colour of its own.
+TEST(ProgramStyle, TheFocusShowsAndASelectedRowKeepsAReadableColour) {
+  QWidget window;
+  QLineEdit box(&window);
+  QListWidget list(&window);
+  list.setStyle(new ProgramStyle);
+  list.style()->setParent(&list);
+  list.addItem("\u2588\u2588\u2588\u2588");
+  list.item(0)->setForeground(Qt::red);
+  list.setCurrentRow(0);
+  window.show();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+  std::vector<QColor> selection;
+  for (QWidget* const focused : std::initializer_list<QWidget*>{&box, &list}) {
+    focused->setFocus();
+    const QImage picture = list.grab().toImage();
+    EXPECT_EQ(picture.pixelColor(0, 30) == list.palette().color(QPalette::Highlight), focused == &list);
+    const QPoint row = list.viewport()->pos() + list.visualItemRect(list.item(0)).center();
+    selection.push_back(picture.pixelColor(list.width() - 8, row.y()));
+    EXPECT_GE(contrast(picture.pixelColor(list.viewport()->x() + 12, row.y()), selection.back()), 4.4);
+  }
+  const QColor base = list.palette().color(QPalette::Base);
+  EXPECT_LT(contrast(selection[0], base) + 1, contrast(selection[1], base));
+}
+
+TEST(ColumnWidths, AreGivenBackUnlessTheyAreNonsense) {
+  QTableWidget table(0, 4);
+  QHeaderView& header = *table.horizontalHeader();
+  header.setStretchLastSection(true);
+  for (const char* text : {"40 50 60", "", "40 50 60 70", "0 50 60", "40 x 60", "40 50 99999"}) {
+    setColumnWidths(header, text);
+    EXPECT_EQ(columnWidths(header), "40 50 60") << text;
+  }
 }
 
 TEST(ScrollList, EveryWayOfTurningIt) {
@@ -51,9 +91,10 @@ TEST(ScrollList, TypedLettersFindTheEntryAndAssistiveToolsReadIt) {
   list.setTopIndex(7);
   QAccessibleInterface* access = QAccessible::queryAccessibleInterface(&list);
   EXPECT_EQ(access->text(QAccessible::Value), QString("root"));
+  access->valueInterface()->setCurrentValue(1);
+  EXPECT_EQ(list.topEntry(), QString("usr2"));
   list.setEntries({"KT500"});
-  EXPECT_EQ(access->text(QAccessible::Value), QString("KT500"));
-  EXPECT_EQ(access->text(QAccessible::Description), QString("KT500"));
+  EXPECT_EQ(access->textInterface()->text(0, 9), QString("KT500"));
 }
 
 /// A disk with C:\a\b, C:\a\B2, C:\a\c (a link to a folder), C:\a\file, C:\Zoo and a folder of an odd name.
@@ -87,6 +128,34 @@ TEST_F(Disk, DriveListTellsOfEachChangeOnce) {
   QTest::keyClick(&list, Qt::Key_Down);
   EXPECT_EQ(list.drive(), "Z:");
   EXPECT_EQ(changes.size(), 2);
+  list.setAttribute(Qt::WA_UnderMouse);
+  QHelpEvent tip(QEvent::ToolTip, {2, 2}, {2, 2});
+  QApplication::sendEvent(&list, &tip);
+  EXPECT_TRUE(QTest::qWaitFor([] { return QToolTip::text().contains(" free of "); }));
+}
+
+TEST_F(Disk, FoldersAreOfferedAsTheyAreTyped) {
+  QDir(folder.path()).mkpath("c/a/.h");
+  QLineEdit box;
+  FolderCompleter completer(box, drives, [] { return "C:\\a"; });
+  const auto offered = [&](const QString& typed) {
+    box.clear();
+    QTest::keyClicks(&box, typed);
+    completer.setCompletionPrefix(typed);
+    QStringList texts;
+    for (int row = 0; completer.setCurrentRow(row); ++row) texts += completer.currentCompletion();
+    return texts;
+  };
+  const QString host = folder.filePath("c/a/");
+  const std::pair<QString, QStringList> cases[] = {
+      {"C:\\z", {"C:\\Zoo"}},
+      {"c:/a/B", {"c:/a/B2", "c:/a/b"}},
+      {"x", {"x\uF05Cy"}},
+      {host + "x", {host + "x\\y"}},
+      {"C:\\a\\.", {"C:\\a\\.h"}},
+      {"c:/a/", {"c:/a/B2", "c:/a/b", "c:/a/c", "c:/a/x\uF05Cy"}},
+      {"Q:\\", {}}};
+  for (const auto& [typed, folders] : cases) EXPECT_EQ(offered(typed), folders) << typed.toStdString();
 }
 
 TEST_F(Disk, DriveListKeepsAVolumeThatHasGone) {
@@ -242,10 +311,27 @@ TEST_F(Folders, WhileAJobRunsTheLastFolderChosenIsRemembered) {
   }
 }
 
-TEST_F(Disk, FileListHoldsFilesByExactName) {
+TEST_F(Folders, HiddenOnesAreLeftOutWhereWantedAndNothingIsReadUnseen) {
+  QDir(folder.path()).mkpath("c/a/.h");
+  for (const bool shown : {false, true}) {
+    list.setHiddenShown(shown);
+    list.refresh();
+    EXPECT_EQ(rows().contains(".h"), shown);
+  }
+  list.hide();
+  EXPECT_TRUE(list.setPath("C:\\"));
+  EXPECT_FALSE(list.setPath("C:\\none"));
+  EXPECT_EQ(rows(), QStringList({"C:\\"}));
+  list.show();
+  EXPECT_EQ(rows(), QStringList({"C:\\", "a", "Zoo"}));
+}
+
+TEST_F(Disk, FileListHoldsFilesByExactNameOnceItShows) {
   FileList list;
   list.setDrives(drives);
   list.setPath("C:\\a");
+  EXPECT_EQ(list.model()->rowCount(), 0);
+  list.show();
   EXPECT_EQ(list.model()->rowCount(), 2);
   list.selectAll();
   EXPECT_EQ(list.selectedNames(), std::vector<std::string>({"file", "two\xEF\x80\xBAx"}));

@@ -28,31 +28,34 @@ TEST(Text, LineEndsAndNamesSurviveTheControl) {
 
 TEST(DesktopUser, BoxIsExactlyTheGivenOne) {
   using Box = QMessageBox;
-  struct Case {
-    Buttons buttons;
-    Icon icon;
-    Box::Icon shown;
-    Box::StandardButton pressed;  // NoButton: Escape
-    Answer answer;
-  };
-  const Case cases[] = {{Buttons::Ok, Icon::None, Box::NoIcon, Box::NoButton, Answer::Ok},
-                        {Buttons::OkCancel, Icon::Critical, Box::Critical, Box::NoButton, Answer::Cancel},
-                        {Buttons::OkCancel, Icon::Information, Box::Information, Box::Ok, Answer::Ok},
-                        {Buttons::YesNo, Icon::Exclamation, Box::Warning, Box::Yes, Answer::Yes},
-                        {Buttons::YesNo, Icon::None, Box::NoIcon, Box::NoButton, Answer::No}};
+  constexpr auto escape = Box::NoButton;
+  const std::tuple<Buttons, Icon, Box::Icon, Box::StandardButton, Answer> cases[] = {
+      {Buttons::Ok, Icon::None, Box::NoIcon, escape, Answer::Ok},
+      {Buttons::OkCancel, Icon::Critical, Box::Critical, escape, Answer::Cancel},
+      {Buttons::OkCancel, Icon::Information, Box::Information, Box::Ok, Answer::Ok},
+      {Buttons::YesNo, Icon::Exclamation, Box::Warning, Box::Yes, Answer::Yes},
+      {Buttons::YesNo, Icon::None, Box::NoIcon, escape, Answer::No}};
   platform::Busy busy;
   shell::DesktopUser user(busy);
-  for (const Case& c : cases) {
-    onNextModal<QMessageBox>([&](QMessageBox& box) {
-      EXPECT_EQ(box.text(), QString("<b>one</b>\ntwo & three"));
-      EXPECT_EQ(box.textFormat(), Qt::PlainText);
-      EXPECT_EQ(box.windowTitle(), QString("Warning.."));
-      EXPECT_EQ(box.icon(), c.shown);
-      EXPECT_EQ(box.buttons().size(), c.buttons == Buttons::Ok ? 1 : 2);
-      c.pressed == Box::NoButton ? QTest::keyClick(&box, Qt::Key_Escape) : box.button(c.pressed)->click();
+  for (const auto& [buttons, icon, shown, pressed, answer] : cases) {
+    onNextModal<Box>([&, count = buttons == Buttons::Ok ? 1 : 2, picture = shown, key = pressed](Box& box) {
+      EXPECT_EQ((box.windowTitle() + '|' + box.text()), "Warning..|<b>one</b>\ntwo & three");
+      EXPECT_TRUE(box.textFormat() == Qt::PlainText && box.icon() == picture);
+      EXPECT_EQ(box.buttons().size(), count);
+      key == escape ? QTest::keyClick(&box, Qt::Key_Escape) : box.button(key)->click();
     });
-    EXPECT_EQ(user.message("<b>one</b>\rtwo & three", c.buttons, c.icon, "Warning.."), c.answer);
+    EXPECT_EQ(user.message("<b>one</b>\rtwo & three", buttons, icon, "Warning.."), answer);
   }
+}
+
+TEST(DesktopUser, AnExplanationStandsBelowAsPlainText) {
+  platform::Busy busy;
+  onNextModal<QMessageBox>([](QMessageBox& box) {
+    EXPECT_EQ(box.text() + "|" + box.informativeText(), "text|<b>a</b>\nb");
+    for (const QLabel* label : box.findChildren<QLabel*>()) EXPECT_EQ(label->textFormat(), Qt::PlainText);
+    box.close();
+  });
+  shell::DesktopUser(busy).explainedMessage("text", "<b>a</b>\rb", Icon::Critical, "title");
 }
 
 TEST(DesktopUser, BoxOutlivesItsWindowBeingUnloaded) {
@@ -92,11 +95,14 @@ TEST(FilePickers, FilterTextsBecomeNameFilters) {
   EXPECT_TRUE(nameFilters("").isEmpty());
 }
 
-TEST(FilePickers, ChosenFileIsAWindowsPath) {
+struct FilePickersTest : testing::Test {
   QTemporaryDir folder;
+  platform::DriveTable drives{{{'C', folder.path().toStdString()}}};
+  DesktopFilePickers pickers{drives};
+};
+
+TEST_F(FilePickersTest, ChosenFileIsAWindowsPath) {
   ASSERT_TRUE(QFile(folder.filePath("old.tgz")).open(QIODevice::WriteOnly));
-  const platform::DriveTable drives({{'C', folder.path().toStdString()}});
-  DesktopFilePickers pickers(drives);
   const FileRequest request{"Create Tar File", "C:\\", "A (*.tgz)|*.tgz|All files (*.*)|*.*|", 2, ""};
   for (const bool accept : {true, false}) {
     onNextModal<QFileDialog>([&](QFileDialog& dialog) {
@@ -104,8 +110,7 @@ TEST(FilePickers, ChosenFileIsAWindowsPath) {
       EXPECT_EQ(dialog.directory().path(), folder.path());
       EXPECT_EQ(dialog.selectedNameFilter(), QString("All files (*.*)"));
       dialog.selectFile("old.tgz");  // an existing name: no question of Qt's own
-      QDialog& base = dialog;
-      accept ? base.accept() : base.reject();
+      static_cast<QDialog&>(dialog).done(accept);
     });
     EXPECT_EQ(pickers.saveFile(request), accept ? "C:\\old.tgz" : "");
   }
@@ -113,10 +118,7 @@ TEST(FilePickers, ChosenFileIsAWindowsPath) {
   EXPECT_EQ(pickers.folder("Please select an output folder.", "C:\\"), "C:\\");
 }
 
-TEST(FilePickers, WhatIsTypedIsReadAsEverywhere) {
-  const QTemporaryDir folder;
-  const platform::DriveTable drives({{'C', folder.path().toStdString()}});
-  DesktopFilePickers pickers(drives);
+TEST_F(FilePickersTest, WhatIsTypedIsReadAsEverywhere) {
   ASSERT_TRUE(QDir(folder.path()).mkpath("sub"));
   ASSERT_TRUE(QFile(folder.filePath("x\\y.tgz")).open(QIODevice::WriteOnly));
   const auto typed = [&](const char* text) {
@@ -168,7 +170,8 @@ void checkForm(QDialog& form, const char* caption) {
   form.show();
   tests::checkTexts(form);
   for (const auto* label : form.findChildren<QLabel*>())
-    EXPECT_TRUE(label->textFormat() == Qt::PlainText && !label->text().isEmpty())
+    EXPECT_TRUE(!label->pixmap().isNull() ||
+                (label->textFormat() == Qt::PlainText && !label->text().isEmpty()))
         << label->objectName().toStdString();
   EXPECT_EQ(form.windowTitle(), QString(caption));
   EXPECT_EQ(QAccessible::queryAccessibleInterface(&form)->text(QAccessible::Name), QString(caption));
@@ -186,29 +189,22 @@ TEST(frmAbout, CaptionsAndOkHandsOverTheFocus) {
   EXPECT_TRUE(mainWindow.hasFocus());
 }
 
-class NoticeTest : public testworld::World {
- protected:
-  template <typename Notice>
-  void check(const char* caption) {
+class NoticeTest : public testworld::World {};
+
+TEST_F(NoticeTest, ATickedBoxSilencesItAndOnlyOkWrites) {
+  const auto check = [this](QDialog&& notice, const char* caption) {
     stored_.RegWriteString(platform::Hive::LocalMachine, "SOFTWARE\\Halvoren Inc\\Pakrune", "FirstRun", "1");
     for (const bool tick : {false, true}) {
-      Notice notice(stored_);
       checkForm(notice, caption);
-      auto& box = the<QCheckBox>(notice, "checkNoShow");
-      box.setChecked(tick);
+      the<QCheckBox>(notice, "checkNoShow").setChecked(tick);
       notice.reject();
-      EXPECT_TRUE(stored_.firstRun());  // only OK writes
-      notice.show();
+      EXPECT_TRUE(stored_.firstRun());
       press(notice, "OKButton");
-      EXPECT_FALSE(notice.isVisible());
       EXPECT_EQ(stored_.firstRun(), !tick);
     }
-  }
-};
-
-TEST_F(NoticeTest, ATickedBoxSilencesIt) {
-  check<shell::Dialog>("Pakrune: Admin Error");
-  check<shell::frmPermsError>("Pakrune: Notice");
+  };
+  check(shell::Dialog(stored_), "Pakrune: Admin Error");
+  check(shell::frmPermsError(stored_), "Pakrune: Notice");
 }
 
 }  // namespace
