@@ -1,7 +1,6 @@
 #include "browser/FolderListing.h"
 
 #include <algorithm>
-#include <span>
 #include <system_error>
 
 #include "browser/ModePass.h"
@@ -72,11 +71,17 @@ ListingResult FolderListing::passModes() {
   return {JobEnd::Remarks};
 }
 
+std::span<const std::string> FolderListing::batchAt(std::size_t first) const {
+  return std::span(names_).subspan(first, std::min(modeBatch, names_.size() - first));
+}
+
 /// False when asking for more makes no sense.
 bool FolderListing::readBatch(std::size_t first) {
-  const auto names = std::span(names_).subspan(first, std::min(modeBatch, names_.size() - first));
+  const auto names = batchAt(first);
+  const auto next = batchAt(first + names.size());
+  const platform::RunManner manner{.next = next.empty() ? std::string() : modeCommand(next)};
   const runtime::ToolResult run = services_.api.RunCapture(services_.cygwin.cygwinBin(), modeCommand(names),
-                                                           runtime::withTrailingBackslash(folder_));
+                                                           runtime::withTrailingBackslash(folder_), manner);
   if (run.stopped) return false;
   BatchModes batch = modesOf(run.text, names);
   if (!run.ended() || (!run.good() && batch.withoutLine > batch.complaints)) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <span>
 #include <string>
 #include <vector>
 
@@ -44,6 +45,7 @@ class FolderListing {
   bool driveReady() const;
   void tellUnreadable();
   ListingResult passModes();
+  std::span<const std::string> batchAt(std::size_t first) const;  ///< empty at the end
   bool readBatch(std::size_t first);
 
   runtime::Services services_;

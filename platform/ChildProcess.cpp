@@ -141,6 +141,8 @@ ChildProcess::ChildProcess(pid_t pid, Descriptor output)
   passSignalsTo(pid);
 }
 
+void ChildProcess::receiveSignals() const { passSignalsTo(pid_); }
+
 ChildProcess::ChildProcess(ChildProcess&& other) noexcept
     : pid_(std::exchange(other.pid_, 0)),
       output_(std::move(other.output_)),

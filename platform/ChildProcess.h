@@ -46,6 +46,7 @@ class ChildProcess {
 
   /// Ends the group: SIGTERM, and SIGKILL for what is left after half a second. What was still written.
   std::string end();
+  void receiveSignals() const;  ///< the end signals, in place of another one that lives
   int status();  ///< waits for the end of the program: its status, 128 + n for death by signal n
 
  private:

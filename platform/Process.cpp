@@ -126,6 +126,11 @@ HostCommandRunner::HostCommandRunner(const DriveTable& drives, const Environment
                                      std::string programFolder)
     : drives_(drives), environment_(environment), programFolder_(std::move(programFolder)) {}
 
+void HostCommandRunner::endNext() {
+  if (next_) next_->child.end();
+  next_.reset();
+}
+
 std::optional<std::string> HostCommandRunner::findProgram(std::string_view word,
                                                           std::string_view toolFolder) const {
   const std::size_t folderEnd = word.find_last_of("/\\");
@@ -178,9 +183,26 @@ std::optional<ChildProcess> HostCommandRunner::start(const StartRequest& request
   return child;
 }
 
+/// A run that was begun by the one before it, or a new one; and begins the one behind.
+std::optional<ChildProcess> HostCommandRunner::startOrTake(const StartRequest& request, RunResult& result) {
+  const bool begun = next_ && next_->request.commandLine == request.commandLine &&
+                     next_->request.workingFolder == request.workingFolder &&
+                     next_->request.toolFolder == request.toolFolder;
+  if (!begun) endNext();
+  std::optional<ChildProcess> child = begun ? std::move(next_->child) : start(request, result);
+  next_.reset();
+  if (!child || request.manner.next.empty()) return child;
+  StartRequest next = request;
+  next.commandLine = std::exchange(next.manner.next, {});
+  RunResult unheard;  // whoever then asks for that run hears why it did not start
+  if (auto started = start(next, unheard)) next_.emplace(std::move(next), std::move(*started));
+  child->receiveSignals();
+  return child;
+}
+
 RunResult HostCommandRunner::capture(const StartRequest& request, const WaitStep& step) {
   RunResult result;
-  auto child = start(request, result);
+  auto child = startOrTake(request, result);
   if (!child) return result;
   Pace pace(step);
   bool goesOn = true;
@@ -197,6 +219,7 @@ RunResult HostCommandRunner::capture(const StartRequest& request, const WaitStep
   }
   result.stopped = !goesOn;
   if (!goesOn) result.text += child->end();
+  if (!goesOn) endNext();
   result.status = child->status();
   return result;
 }

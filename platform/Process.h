@@ -4,15 +4,16 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
+#include "platform/ChildProcess.h"
 #include "platform/Confinement.h"
 #include "platform/DriveTable.h"
 #include "platform/Environment.h"
 
 namespace platform {
 
-class ChildProcess;
 struct ChildSettings;
 
 constexpr int notStarted = -1;
@@ -35,6 +36,9 @@ std::vector<std::string> splitCommandLine(std::string_view commandLine);
 struct RunManner {
   std::optional<MayChange> mayChange = {};  ///< confined to it, as far as the system can; none: not confined
   std::string tarOptions = {};              ///< further ones for the environment
+  /// The command of the capture that will come next, in the same folders and manner: begun already now, so
+  /// that two processors work. Any other one comes instead: then it is ended. For tools that only look.
+  std::string next = {};
 };
 
 struct StartRequest {
@@ -69,6 +73,7 @@ class CommandRunner {
 class HostCommandRunner : public CommandRunner {
  public:
   HostCommandRunner(const DriveTable& drives, const Environment& environment, std::string programFolder);
+  ~HostCommandRunner() override { endNext(); }
   /// From now on tools are confined as their runs say; lent for as long as this object lives.
   void confine(const Confinement& confinement) { confinement_ = &confinement; }
 
@@ -78,12 +83,20 @@ class HostCommandRunner : public CommandRunner {
   std::optional<std::string> findProgram(std::string_view word, std::string_view toolFolder) const;
 
  private:
+  struct Begun {
+    Begun(StartRequest what, ChildProcess running) : request(std::move(what)), child(std::move(running)) {}
+    StartRequest request;
+    ChildProcess child;
+  };
   std::optional<ChildProcess> start(const StartRequest& request, RunResult& result) const;
+  void endNext();
+  std::optional<ChildProcess> startOrTake(const StartRequest& request, RunResult& result);
   bool launched(ChildSettings& settings, const MayChange& mayChange) const;
   const DriveTable& drives_;
   const Environment& environment_;
   std::string programFolder_;
   const Confinement* confinement_ = nullptr;
+  std::optional<Begun> next_;
 };
 
 }  // namespace platform

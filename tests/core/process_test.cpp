@@ -75,6 +75,24 @@ TEST_F(ProcessTest, BothStreamsArriveInOrderWithTheStatusAndTheirBytes) {
   EXPECT_TRUE(capture("head -c 100000000 /dev/zero").text == std::string(100'000'000, '\0'));
 }
 
+TEST_F(ProcessTest, TheNextRunBeginsMeanwhileAndIsTheOneThatIsAskedFor) {
+  script("tools/t", "echo $1 >> ../began; echo $1; [ $1 != long ] || exec sleep 60");
+  const auto captureBefore = [this](const char* command, const char* next) {
+    platform::StartRequest wanted = request(command);
+    wanted.manner.next = next;
+    return runner_.capture(wanted).text;
+  };
+  EXPECT_EQ(captureBefore("t a", "t b"), "a\n");
+  EXPECT_TRUE(appears("began"));
+  EXPECT_EQ(captureBefore("t b", "t long"), "b\n");
+  const auto start = Clock::now();
+  EXPECT_EQ(captureBefore("t c", ""), "c\n");
+  EXPECT_LT(Clock::now() - start, 20s) << "another one was asked for: it is ended";
+  std::ifstream file(host("began"));
+  const std::string began{std::istreambuf_iterator<char>(file), {}};
+  for (const char* name : {"a\n", "b\n", "c\n"}) EXPECT_EQ(began.find(name), began.rfind(name)) << name;
+}
+
 TEST_F(ProcessTest, WhatCannotStartSaysWhy) {
   script("tools/closed.exe", "", 0644);
   std::ofstream(host("tools/noformat")) << "text";
