@@ -139,10 +139,10 @@ bool Files::createFolder(std::string_view path) const {
   return host && (mkdir(host->c_str(), 0777) == 0 || folderExists(path));
 }
 
-int Files::createFolderExclusively(std::string_view path) const {
+int Files::createFolderExclusively(std::string_view path, mode_t mode) const {
   const std::optional<std::string> host = drives_.toHost(path);
   if (!host) return ENOENT;
-  return mkdir(host->c_str(), S_IRWXU) == 0 ? 0 : errno;
+  return mkdir(host->c_str(), mode) == 0 ? 0 : errno;
 }
 
 int Files::writeProblem(std::string_view folder) const {

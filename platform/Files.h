@@ -33,8 +33,9 @@ class Files {
 
   int readProblem(std::string_view folder) const;  ///< why it cannot be listed: the system's error, or 0
 
-  bool createFolder(std::string_view path) const;            ///< one level; true when it is there afterwards
-  int createFolderExclusively(std::string_view path) const;  ///< mode 0700; 0, or the system's error
+  bool createFolder(std::string_view path) const;  ///< one level; true when it is there afterwards
+  /// The mode is that before the umask. 0, or the system's error; EEXIST: something stands there.
+  int createFolderExclusively(std::string_view path, mode_t mode = S_IRWXU) const;
   int writeProblem(
       std::string_view folder) const;  ///< why no file can be made in it: the system's error, or 0
   bool deleteFile(std::string_view path) const;

@@ -3,23 +3,13 @@
 #include <algorithm>
 #include <cstring>
 
+#include "platform/TextBytes.h"
+
 namespace dos2unix {
 namespace {
 
 constexpr char endMark = 0x1A;
 constexpr std::string_view lookedFor[] = {"done.", "skipping binary file"};
-
-/// Without a branch, so that the compiler takes many bytes at a time.
-bool holdsControls(std::string_view block) {
-  unsigned found = 0;
-  for (const char c : block) {
-    const auto byte = static_cast<unsigned char>(c);
-    const unsigned low = byte < 0x20;
-    const unsigned text = (byte >= '\b') & (byte <= '\r');
-    found |= (low & (text ^ 1U) & (byte != 0x1B)) | (byte == 0x7F);
-  }
-  return found != 0;
-}
 
 std::string escaped(char c) {
   constexpr std::string_view digits = "0123456789ABCDEF";
@@ -37,7 +27,7 @@ void Scan::add(std::string_view block) {
   endsInCr_ = block.back() == '\r';
   dosLines_ = dosLines_ || block.find("\r\n") != block.npos;
   if (endMark_) block.remove_suffix(1);
-  binary_ = binary_ || holdsControls(block);
+  binary_ = binary_ || platform::holdsControls(block);
 }
 
 std::size_t convert(char* block, std::size_t size, bool& carriedCr) {

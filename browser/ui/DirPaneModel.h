@@ -38,6 +38,12 @@ class DirPaneModel : public QAbstractTableModel {
   int columnCount(const QModelIndex& parent = {}) const override;
   QVariant data(const QModelIndex& index, int role = Qt::DisplayRole) const override;
   QVariant headerData(int section, Qt::Orientation orientation, int role = Qt::DisplayRole) const override;
+  Qt::ItemFlags flags(const QModelIndex& index) const override;
+  bool setData(const QModelIndex& index, const QVariant& value, int role = Qt::EditRole) override;
+
+ signals:
+  void nameTyped(const QString& name,
+                 const QString& typed);  ///< for a row; it keeps its name until it is listed
 
  private:
   QString text(const PaneRow& row, int column) const;

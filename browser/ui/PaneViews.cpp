@@ -7,10 +7,10 @@
 #include <QPainter>
 #include <QScrollBar>
 #include <QShortcut>
-#include <QStyledItemDelegate>
 #include <algorithm>
 #include <utility>
 
+#include "browser/ui/NameEditor.h"
 #include "platform/desktop/Handlers.h"
 #include "platform/desktop/Text.h"
 
@@ -57,15 +57,19 @@ class HeardView : public View {
     if (!event->isAutoRepeat() && std::exchange(pressedKey_, 0) == event->key())
       emit pane_.keyReleased(event->key());
   }
+  /// A name is dragged; from all other places rows are selected.
   void mousePressEvent(QMouseEvent* event) override {
     if (event->button() == Qt::BackButton || event->button() == Qt::ForwardButton)
       return emit pane_.sideButtonPressed(event->button());
     pressedAt_ = event->position().toPoint();
+    const QModelIndex pressed = this->indexAt(pressedAt_);
+    this->setDragEnabled(event->button() == Qt::LeftButton && pressed.isValid() && pressed.column() == 0);
     if (!pane_.busy()) View::mousePressEvent(event);
   }
   void mouseMoveEvent(QMouseEvent* event) override {
     if (!pane_.busy()) View::mouseMoveEvent(event);
   }
+  void startDrag(Qt::DropActions) override { emit pane_.dragBegun(); }
   /// A second click of another button is a click like the first.
   void mouseDoubleClickEvent(QMouseEvent* event) override {
     if (event->button() != Qt::LeftButton) return mousePressEvent(event);
@@ -115,9 +119,9 @@ class HeardView : public View {
 };
 
 /// Every item fills its cell, so that no text need be measured.
-class CellDelegate : public QStyledItemDelegate {
+class CellDelegate : public NameEditor {
  public:
-  explicit CellDelegate(QListView* view) : QStyledItemDelegate(view), view_(view) {}
+  explicit CellDelegate(QListView* view) : NameEditor(view), view_(view) {}
   QSize sizeHint(const QStyleOptionViewItem&, const QModelIndex&) const override { return view_->gridSize(); }
 
  private:
@@ -151,6 +155,7 @@ PaneViews::PaneViews(QWidget* parent) : QStackedWidget(parent) {
 /// A header takes no keys: Ctrl+1 to Ctrl+4 stand for clicks on it.
 void PaneViews::buildDetails() {
   prepare(*details_, "DirPane");
+  details_->setItemDelegate(new NameEditor(details_));
   details_->setRootIsDecorated(false);
   details_->setItemsExpandable(false);
   details_->setUniformRowHeights(true);
@@ -185,8 +190,12 @@ void PaneViews::setModel(DirPaneModel& model) {
   connect(details_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
           &PaneViews::selectionChanged);
   const int letter = fontMetrics().averageCharWidth();
-  const int widths[] = {34, 14, 15, 22};
-  for (int i = 0; i < 4; ++i) details_->header()->resizeSection(i, widths[i] * letter);
+  const int widths[] = {10, 14, 13, 22};
+  QHeaderView& header = *details_->header();
+  for (int i = 0; i < 4; ++i) header.resizeSection(i, widths[i] * letter);
+  header.setMinimumSectionSize(widths[0] * letter);
+  header.setStretchLastSection(false);
+  header.setSectionResizeMode(0, QHeaderView::Stretch);  // the name has what the others leave
 }
 
 void PaneViews::setBusy(const platform::Busy& busy) {
@@ -255,6 +264,12 @@ PaneViews::Place::~Place() {
 }
 
 int PaneViews::currentRow() const { return view().currentIndex().row(); }
+
+int PaneViews::chosenRow() const {
+  const std::vector<int> selected = selectedRows();
+  if (selected.empty()) return -1;
+  return std::binary_search(selected.begin(), selected.end(), currentRow()) ? currentRow() : selected.front();
+}
 
 std::vector<int> PaneViews::selectedRows() const {
   std::vector<int> rows;

@@ -49,7 +49,8 @@ class PaneViews : public QStackedWidget {
 
   void setViewMode(int mode);  ///< 0 icons, 2 list, 3 details
   QAbstractItemView& view() const;
-  int currentRow() const;                         ///< -1: none
+  int currentRow() const;  ///< -1: none
+  int chosenRow() const;   ///< the current one, where it is selected, otherwise the first that is; -1: none
   std::vector<int> selectedRows() const;          ///< in list order
   void selectRows(const std::vector<int>& rows);  ///< adds them, as one change
   void makeCurrent(int row);                      ///< selected or not; nothing scrolls
@@ -72,6 +73,7 @@ class PaneViews : public QStackedWidget {
   void menuKeyPressed(QPoint at);                  ///< global pixels, at the current row's text
   void sideButtonPressed(Qt::MouseButton button);  ///< the mouse's Back or Forward
   void columnClicked(int column);                  ///< 1 to 4
+  void dragBegun();                                ///< the selected rows are to leave the pane
 
  private:
   void buildDetails();

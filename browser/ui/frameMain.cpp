@@ -3,10 +3,11 @@
 #include <QPointer>
 #include <QShortcut>
 #include <QStyle>
-#include <algorithm>
 #include <system_error>
 #include <utility>
 
+#include "browser/ui/FileDrops.h"
+#include "browser/ui/PaneDeeds.h"
 #include "browser/ui/SelectionSize.h"
 #include "browser/ui/frmPattern.h"
 #include "browser/ui/frmShowFiles.h"
@@ -51,6 +52,8 @@ frameMain::frameMain(runtime::Services services, runtime::Selection& selection,
           [this] { whenFree(Busy::Width::OpenFolder, [this] { refreshKeepList(); }); });
   navigation_ = new Navigation(services_, pickers, *ui_->Drive1, *ui_->Dir1, *ui_->txtLocation, this);
   ui_->txtLocation->setText(toControl(dir1Path()));
+  new PaneDeeds(services_, *this, *ui_->DirPaneViews, model_, *selection_);
+  new FileDrops(services_, *this, *ui_->DirPaneViews, model_, *selection_, {ui_->txtLocation});
   wireActions();
   wireFolders();
   wirePane();
@@ -99,6 +102,8 @@ void frameMain::wireActions() {
               "keyBack", [this] { navigation_->goBack(); }, Qt::ALT | Qt::Key_Left),
           travels(
               "keyForward", [this] { navigation_->goForward(); }, Qt::ALT | Qt::Key_Right),
+          {.name = "keyPattern", .handler = [this] { choosePattern(); }, .keys = Qt::CTRL | Qt::Key_F},
+          {.name = "keyLocation", .handler = [this] { typeLocation(); }, .keys = Qt::CTRL | Qt::Key_L},
       });
 }
 
@@ -317,14 +322,12 @@ void frameMain::DirPane_KeyUp(int key) {
 
 /// Enter: the current row, where it is selected, otherwise the first one that is.
 void frameMain::openCurrent() {
-  const std::vector<int> selected = ui_->DirPaneViews->selectedRows();
-  if (selected.empty()) return;
-  const int current = ui_->DirPaneViews->currentRow();
-  const int row = std::binary_search(selected.begin(), selected.end(), current) ? current : selected.front();
+  const int row = ui_->DirPaneViews->chosenRow();
+  if (row < 0) return;
   const PaneRow& chosen = model_.rows()[static_cast<std::size_t>(row)];
   if (isFolderRow(chosen))
     openRow(row);
-  else if (!busy() && selected.size() == 1 && runtime::IsArchiveName(chosen.name))
+  else if (!busy() && ui_->DirPaneViews->selectedRows().size() == 1 && runtime::IsArchiveName(chosen.name))
     emit extractTar();
 }
 
@@ -376,6 +379,16 @@ void frameMain::Filter_Click() {
   }
   refreshKeepList();
   focusDirPane();
+}
+
+void frameMain::choosePattern() {
+  ui_->Filter->setCurrentIndex(ui_->Filter->count() - 1);
+  Filter_Click();
+}
+
+void frameMain::typeLocation() {
+  ui_->txtLocation->setFocus(Qt::ShortcutFocusReason);
+  ui_->txtLocation->selectAll();
 }
 
 void frameMain::File1_Click() {

@@ -107,6 +107,8 @@ class frameMain : public QFrame {
   void cmdDirPaneUp_Click();
   void cmdRefreshFiles_Click();
   void Filter_Click();
+  void choosePattern();
+  void typeLocation();
   void File1_Click();
   void File1_DblClick();
 
