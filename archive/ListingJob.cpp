@@ -66,8 +66,8 @@ Listing fillTree(const runtime::Services& services, ArchiveKind kind, const std:
   const std::size_t count = builder.lineCount();
   for (std::size_t i = 0; !stop.requested() && builder.addNextLine(); ++i)
     if (pace.due() || i + 1 == count) progress.showPercent(listingPercent(i, count));
-  if (stop.requested()) return {JobEnd::Stopped, Focus::None, builder.finish()};
-  if (sizeRun.good()) return {JobEnd::Done, Focus::None, builder.finish()};
+  if (stop.requested()) return {JobEnd::Stopped, builder.finish()};
+  if (sizeRun.good()) return {JobEnd::Done, builder.finish()};
   tellListingProblem(services.user, *listingProblem(sizeRun, kind, path, services.system.files));
   return {JobEnd::Failed};
 }
@@ -88,7 +88,7 @@ Listing listArchive(const runtime::Services& services, ArchiveKind kind, const s
 
 Listing ListingJob::run() {
   const CheckedArchive checked = checkArchive(services_, path_, "Please select a Tar file first");
-  if (!checked.kind) return {JobEnd::Refused, checked.focus};
+  if (!checked.kind) return {JobEnd::Refused};
   progress_.reading();
   Listing listing = listArchive(services_, *checked.kind, path_, progress_);
   if (listing.end == JobEnd::Done && runtime::archiveKind(path_) == ArchiveKind::Ipk) {

@@ -36,7 +36,6 @@ bool toolFound(const runtime::Services& services, runtime::ArchiveKind kind);
 /// any other none.
 struct Listing {
   runtime::JobEnd end = runtime::JobEnd::Refused;
-  Focus focus = Focus::None;
   ArchiveTree tree = {};
 };
 

@@ -75,10 +75,16 @@ QVariant ArchiveTreeModel::memberData(NodeId node, int role) const {
                                               Qt::red, QGuiApplication::palette().color(QPalette::Base))
                                         : QVariant();
     case Qt::AccessibleDescriptionRole:
-      return tree_.partlySelected(node) ? tr("partly selected") : QVariant();
+      return tickText(node);
     default:
       return {};
   }
+}
+
+/// A colour is no text, and an unticked box has no state that is read out.
+QString ArchiveTreeModel::tickText(NodeId node) const {
+  if (tree_.partlySelected(node)) return QStringLiteral("partly ticked");
+  return tree_.checked(node) ? QStringLiteral("ticked") : QStringLiteral("not ticked");
 }
 
 bool ArchiveTreeModel::setData(const QModelIndex& index, const QVariant& value, int role) {
@@ -91,7 +97,7 @@ bool ArchiveTreeModel::setData(const QModelIndex& index, const QVariant& value, 
 
 Qt::ItemFlags ArchiveTreeModel::flags(const QModelIndex& index) const {
   const Qt::ItemFlags usual = QAbstractItemModel::flags(index);
-  return node(index) == 0 ? usual : usual | Qt::ItemIsUserCheckable;
+  return node(index) == 0 ? usual : usual | Qt::ItemIsUserCheckable | Qt::ItemIsDragEnabled;
 }
 
 void ArchiveTreeModel::childrenChanged(NodeId parent) {

@@ -35,6 +35,7 @@ class ArchiveTreeModel : public QAbstractItemModel {
 
  private:
   QVariant memberData(NodeId node, int role) const;
+  QString tickText(NodeId node) const;
   void childrenChanged(NodeId parent);
   void changedBelow(NodeId node);
 

@@ -4,25 +4,14 @@
 #include <QMouseEvent>
 
 #include "archive/ExtractCommand.h"
-#include "archive/ui/frmGetOutFolder.h"
 #include "archive/ui/frmOverwriteFile.h"
-#include "platform/HeldName.h"
-#include "platform/TypedPath.h"
+#include "platform/desktop/ImageList.h"
 #include "platform/desktop/Text.h"
+#include "runtime/ImageKeys.h"
 #include "runtime/ShowLogged.h"
 #include "ui_frameUntar.h"
 
 namespace archive {
-namespace {
-
-using platform::desktop::fromControl;
-using platform::desktop::toControl;
-
-constexpr const char* archiveFilter =
-    "TAR File (*.tar)|*.tar|GZIP Compressed (*.tgz, *.gz, *.z, *.taz)|*.tgz; *.tar.gz;  *.z; *.taz|"
-    "BZIP2 Compressed (*.bz2, *.bz, *.tbz2, *.tbz)|*.bz2; *.bz; *.tbz2; *.tbz|All files (*.*)|*.*|";
-
-}  // namespace
 
 /// A listing that goes into the frame's own tree and bar.
 class frameUntar::Progress : public ListingProgress {
@@ -54,13 +43,16 @@ frameUntar::frameUntar(runtime::Services services, runtime::FilePane& pane,
       model_(new ArchiveTreeModel(this)),
       mnuTarTreeRightClick_(new QMenu(QStringLiteral("TAR_RIGHT_CLICK"), this)) {
   ui_->setupUi(this);
+  for (QPushButton* button : {ui_->cmdGetFile, ui_->cmdSelectOut})
+    button->setIcon(platform::desktop::imageIcon(runtime::getImageIndex("fldrOpen")));
   ui_->tarTree->setModel(model_);
   wireTree();
   wire();
   reset();
 }
 
-frameUntar::~frameUntar() = default;
+/// A box that loses the keyboard with its window would still call us.
+frameUntar::~frameUntar() { ui_->txtFileIn->disconnect(this); }
 
 void frameUntar::wire() {
   using platform::desktop::WhileBusy;
@@ -69,7 +61,7 @@ void frameUntar::wire() {
   const auto listed = [this] { return extractable_; };
   actions_ = new platform::desktop::ActionTable(
       *this, services_.system.busy,
-      {{"txtFileIn", {}, idle},
+      {{"txtFileIn", does(&frameUntar::ListArchive), idle},
        {"txtOutLocation"},
        {"cmdGetFile", does(&frameUntar::cmdGetFile_Click), idle},
        {"cmdSelectOut", does(&frameUntar::cmdSelectOut_Click)},
@@ -77,11 +69,17 @@ void frameUntar::wire() {
        {"cmdUnTar", does(&frameUntar::cmdUnTar_Click), listed},
        {"cmdUnTarSelected", does(&frameUntar::cmdUnTarSelected_Click), listed},
        {"cmdCancel", does(&frameUntar::cmdCancel_Click), {}, WhileBusy::Acts},
+       {.name = "keyEscape",
+        .handler = does(&frameUntar::cmdCancel_Click),
+        .whileBusy = WhileBusy::Acts,
+        .keys = Qt::Key_Escape},
        {"cmdSelectAllTar", does(&frameUntar::cmdSelectAllTar_Click), listed},
        {"cmdSelectNoneTar", does(&frameUntar::cmdSelectNoneTar_Click), listed},
        {"cmdBack", does(&frameUntar::cmdBack_Click), idle},
        {"mnuTarTreeProperties", does(&frameUntar::mnuTarTreeProperties_Click)},
        {"mnuTarTreeOpen", does(&frameUntar::mnuTarTreeOpen_Click), [this] { return canOpenInside(); }}});
+  platform::desktop::connectHandler(ui_->txtFileIn, &QLineEdit::editingFinished, this, services_.system.busy,
+                                    &frameUntar::txtFileIn_LostFocus);
 }
 
 void frameUntar::wireTree() {
@@ -96,6 +94,9 @@ void frameUntar::wireTree() {
           [this](const QModelIndex& index) { model_->setFolderImage(index, "fldr"); });
   connect(ui_->tarTree, &QTreeView::expanded, model_,
           [this](const QModelIndex& index) { model_->setFolderImage(index, "fldrOpen"); });
+  connect(ui_->tarTree, &TarTree::toggled, this, &frameUntar::tarTree_Toggle);
+  platform::desktop::connectHandler(ui_->tarTree, &TarTree::dragBegun, this, services_.system.busy,
+                                    &frameUntar::tarTree_StartDrag);
   ui_->tarTree->viewport()->installEventFilter(this);
 }
 
@@ -108,79 +109,51 @@ void frameUntar::reset() {
   model_->showHint(QStringLiteral("Click 'Refresh Contents' to display Tar file contents"));
   listed_.reset();
   rightClickedNode_ = 0;
-  proposal_.clear();
+  proposal_ = noFolderChosen;
 }
 
 void frameUntar::open() {
+  const std::vector<std::string> selected = pane_.selectedPaths();
+  if (selected.size() == 1 && runtime::opensAsArchive(selected.front())) return open(selected.front());
   reset();
   emit shown();
-  const std::vector<std::string> selected = pane_.selectedPaths();
-  if (selected.size() != 1 || !runtime::opensAsArchive(selected.front())) return;
-  ui_->txtFileIn->setText(toControl(selected.front()));
-  ui_->txtOutLocation->setText(toControl(proposedOutFolder(selected.front())));
-  ListArchive();
+  focusOn(Focus::ArchivePath);
 }
 
 void frameUntar::open(const std::string& archivePath) {
   reset();
   emit shown();
-  ui_->txtFileIn->setText(toControl(archivePath));
-  ui_->txtOutLocation->setText(toControl(proposedOutFolder(archivePath)));
+  ui_->txtFileIn->setText(platform::desktop::toControl(archivePath));
+  propose(proposedOutFolder(archivePath));
   ListArchive();
-}
-
-/// What the boxes hold, behind readBox. Their first texts are no paths.
-frameUntar::Paths frameUntar::typedPaths() const {
-  return {fromControl(ui_->txtFileIn->text()), fromControl(ui_->txtOutLocation->text())};
-}
-
-/// What was typed becomes the program's path, which the box then shows; or the user is told why not. An empty
-/// archive box is left to the checks of the job.
-bool frameUntar::readBox(Focus which) {
-  QLineEdit* const box = which == Focus::ArchivePath ? ui_->txtFileIn : ui_->txtOutLocation;
-  const std::string text = fromControl(box->text());
-  if (text == noArchiveChosen || text == noFolderChosen) return true;
-  if (text.empty() && which == Focus::ArchivePath) return true;
-  const platform::TypedPath typed = platform::typedPath(services_.system.drives, text, pane_.GetDir1Path());
-  if (typed) {
-    box->setText(toControl(typed.path));
-    return true;
-  }
-  services_.user.message(typed.problem, runtime::Buttons::Ok, runtime::Icon::Critical, "Error");
-  focusOn(which);
-  return false;
-}
-
-void frameUntar::focusOn(Focus focus) {
-  if (focus == Focus::None) return;
-  QLineEdit* box = focus == Focus::ArchivePath ? ui_->txtFileIn : ui_->txtOutLocation;
-  box->setFocus(Qt::OtherFocusReason);
-  box->selectAll();
 }
 
 void frameUntar::ListArchive() {
   if (!readBox(Focus::ArchivePath)) return;
   const std::string path = archiveToList();
+  proposeFor(typedPaths().archive);
   leaving_ = false;
-  Focus focus = Focus::None;
+  bool whole = false;
   {
     const platform::Busy::Scope busy(services_.system.busy);
-    focus = list(path);
+    whole = list(path);
   }
-  leaving_ ? leave() : focusOn(focus);
+  if (leaving_) return leave();
+  whole ? ui_->cmdUnTar->setFocus(Qt::OtherFocusReason) : focusOn(Focus::ArchivePath);
 }
 
-/// Under the gate of its caller.
-Focus frameUntar::list(const std::string& path) {
+/// Under the gate of its caller. Whether the whole archive is shown.
+bool frameUntar::list(const std::string& path) {
   Progress progress(*this, path);
   Listing listing = ListingJob(services_, path, progress).run();
-  const Focus focus = listing.focus;
+  const bool whole = listing.end == runtime::JobEnd::Done;
   if (listing_) endListing(std::move(listing));
-  return focus;
+  return whole;
 }
 
 void frameUntar::beginListing(const std::string& path) {
   reading_ = listedFile(services_.system.files, path);
+  std::erase_if(dragged_, [&path](const Dragged& one) { return one.file.path != path; });
   rightClickedNode_ = 0;
   listed_.reset();
   model_->clear();
@@ -192,7 +165,6 @@ void frameUntar::beginListing(const std::string& path) {
   actions_->update();
 }
 
-/// The controls that had the keyboard focus may have been off meanwhile: it goes where the work goes on.
 void frameUntar::endListing(Listing listing) {
   const bool whole = listing.end == runtime::JobEnd::Done;
   listing_ = false;
@@ -202,10 +174,8 @@ void frameUntar::endListing(Listing listing) {
   ui_->frameTarRefreshLabel->hide();
   model_->setTree(std::move(listing.tree));
   ui_->tarTree->show();
-  (whole ? static_cast<QWidget*>(ui_->tarTree) : ui_->txtFileIn)->setFocus(Qt::OtherFocusReason);
   if (!whole) return;
   listed_ = reading_;
-  if (inside_.empty()) proposal_ = proposedOutFolder(listed_->path);
 }
 
 /// Only where the tree shows a whole archive.
@@ -215,11 +185,13 @@ bool frameUntar::showsOlderFile() const {
 
 /// Box, ticks and tree as they are now; a tree that shows another archive, or an older one, is listed again.
 void frameUntar::ExtractArchive(Extract what) {
-  if (!readBox(Focus::ArchivePath) || !readBox(Focus::OutputFolder)) return;
-  const Paths paths = typedPaths();
-  if (!inside_.empty() && inside_.outermost().file.path != paths.archive) closeInside();
-  const std::string archive = inside_.empty() ? paths.archive : inside_.path();
-  ExtractRequest request{what, archive, paths.outFolder};
+  if (!readBox(Focus::ArchivePath)) return;
+  const std::string named = typedPaths().archive;
+  if (!inside_.empty() && inside_.outermost().file.path != named) closeInside();
+  proposeFor(named);
+  if (!readBox(Focus::OutputFolder)) return;
+  const std::string archive = inside_.empty() ? named : inside_.path();
+  ExtractRequest request{what, archive, typedPaths().outFolder};
   if (!inside_.empty()) request.shownAs = inside_.name();
   if (listed_ && listed_->path == archive && !showsOlderFile()) request.tree = model_->tree();
   Progress progress(*this, archive);
@@ -232,8 +204,9 @@ void frameUntar::ExtractArchive(Extract what) {
     end = ExtractJob(services_, asker, progress, std::move(request)).run();
     showEnd(end, logged);
   }
-  if (leaving_ && !end.toolRan) return leave();
-  if (!end.toolRan) focusOn(end.focus);
+  if (end.toolRan) return;
+  if (leaving_) return leave();
+  focusOn(end.focus == Focus::None && !extractable_ ? Focus::ArchivePath : end.focus);
 }
 
 /// After a stop no listing begins any more under the same gate; it is made up for.
@@ -255,26 +228,11 @@ void frameUntar::cmdUnTarSelected_Click() {
                          runtime::Icon::None);
 }
 
-void frameUntar::cmdGetFile_Click() {
-  const std::string chosen = pickers_.openFile(
-      {"Select Tar File", runtime::getFilePath(typedPaths().archive), archiveFilter, 4, ""});
-  if (chosen.empty()) return;
-  closeInside();
-  ui_->txtFileIn->setText(toControl(chosen));
-  ListArchive();
-}
-
-void frameUntar::cmdSelectOut_Click() {
-  const std::string start = runtime::getFilePath(typedPaths().archive);
-  std::string chosen;
-  if (pickers_.canAskForFolder()) {
-    chosen = pickers_.folder("Please select an output folder.", start);
-  } else {
-    frmGetOutFolder dialog(services_, start, window());
-    dialog.exec();
-    chosen = dialog.chosen();
-  }
-  if (!chosen.empty()) ui_->txtOutLocation->setText(toControl(chosen));
+/// Toggle of an assistive tool, which passes the gate's filter.
+void frameUntar::tarTree_Toggle(const QModelIndex& index) {
+  if (services_.system.busy.held()) return;
+  const bool ticked = index.data(Qt::CheckStateRole).toInt() == Qt::Checked;
+  model_->setData(index, ticked ? Qt::Unchecked : Qt::Checked, Qt::CheckStateRole);
 }
 
 /// A job that runs stops first; the frame is left at its end.
@@ -293,13 +251,13 @@ void frameUntar::leave() {
 
 void frameUntar::selectAll(bool state) {
   model_->setAllChecked(state);
-  ui_->tarTree->setCurrentIndex({});
+  ui_->tarTree->selectionModel()->clear();
 }
 
 bool frameUntar::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::MouseButtonRelease) {
     const QPoint position = static_cast<QMouseEvent*>(event)->position().toPoint();
-    if (!ui_->tarTree->indexAt(position).isValid()) ui_->tarTree->setCurrentIndex({});
+    if (!ui_->tarTree->indexAt(position).isValid()) ui_->tarTree->selectionModel()->clear();
   }
   return QGroupBox::eventFilter(watched, event);
 }

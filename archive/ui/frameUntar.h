@@ -7,6 +7,7 @@
 
 #include "archive/ExtractJob.h"
 #include "archive/OpenArchives.h"
+#include "archive/TakeOutJob.h"
 #include "archive/ui/ArchiveTreeModel.h"
 #include "platform/desktop/Actions.h"
 #include "platform/desktop/FilePickers.h"
@@ -49,6 +50,13 @@ class frameUntar : public QGroupBox {
 
  private:
   class Progress;
+  /// Entries that were dragged, and what was unpacked for that.
+  struct Dragged {
+    ListedFile file;
+    std::vector<NodeId> entries;
+    std::vector<std::string> members;
+    TakenOut out;
+  };
   struct Paths {
     std::string archive;
     std::string outFolder;
@@ -58,7 +66,7 @@ class frameUntar : public QGroupBox {
   void wireTree();
   void reset();
   void ListArchive();
-  Focus list(const std::string& path);
+  bool list(const std::string& path);
   void beginListing(const std::string& path);
   void endListing(Listing listing);
   void ExtractArchive(Extract what);
@@ -66,17 +74,24 @@ class frameUntar : public QGroupBox {
   void leave();
   bool showsOlderFile() const;
   bool readBox(Focus which);
+  void proposeFor(const std::string& archivePath);
+  void txtFileIn_LostFocus();
   Paths typedPaths() const;
   void focusOn(Focus focus);
 
   std::string archiveToList();
   bool canOpenInside() const;
-  void enter(UnpackedMember inner);
+  bool enter(UnpackedMember inner);
   void goBack();
   void closeInside();
   void openAgain(const ArchiveTree& tree);
   void propose(const std::string& folder);
   void tellWhatIsShown();
+
+  void tarTree_Toggle(const QModelIndex& index);
+  void tarTree_StartDrag();
+  std::vector<NodeId> selectedEntries() const;
+  const std::vector<std::string>* takeOut(const std::vector<NodeId>& entries);
 
   void cmdGetFile_Click();
   void cmdSelectOut_Click();
@@ -101,8 +116,9 @@ class frameUntar : public QGroupBox {
   platform::desktop::ActionTable* actions_ = nullptr;
   std::optional<ListedFile> listed_;  // of a tree that shows the whole archive
   ListedFile reading_;
-  OpenArchives inside_;   // the way to what is shown, where that is a member of another
-  std::string proposal_;  // the output folder proposed for what is shown
+  OpenArchives inside_;           // the way to what is shown, where that is a member of another
+  std::string proposal_;          // the output folder proposed for what is shown, or the box's first text
+  std::vector<Dragged> dragged_;  // out of the archive that is shown; others may still copy from there
   NodeId rightClickedNode_ = 0;
   bool listing_ = false;
   bool extractable_ = true;  // the extract buttons; off from a listing's begin until one went well

@@ -7,7 +7,6 @@
 
 namespace archive {
 
-using platform::desktop::fromControl;
 using platform::desktop::toControl;
 
 /// What is shown, as long as the box names the file around it and that is still the one that was opened; else
@@ -27,25 +26,28 @@ bool frameUntar::canOpenInside() const {
 void frameUntar::mnuTarTreeOpen_Click() {
   if (showsOlderFile()) return ListArchive();
   leaving_ = false;
+  bool entered = false;
   {
     const platform::Busy::Scope busy(services_.system.busy);
     ui_->frameTarRefreshLabel->show();
     UnpackedMember inner =
         InnerArchiveJob(services_, listed_->path, model_->tree().memberPath(rightClickedNode_)).run();
     ui_->frameTarRefreshLabel->hide();
-    if (inner.end == runtime::JobEnd::Done) enter(std::move(inner));
+    if (inner.end == runtime::JobEnd::Done) entered = enter(std::move(inner));
   }
-  if (leaving_) leave();
+  if (leaving_) return leave();
+  if (entered) ui_->cmdUnTar->setFocus(Qt::OtherFocusReason);
 }
 
 /// A member that turns out to be no archive is left at once.
-void frameUntar::enter(UnpackedMember inner) {
+bool frameUntar::enter(UnpackedMember inner) {
   inside_.enter({*listed_, model_->takeTree(), rightClickedNode_, proposal_}, std::move(inner));
   listed_.reset();
   propose(inside_.proposal());
   tellWhatIsShown();
-  list(inside_.path());
-  if (!listed_) goBack();
+  if (list(inside_.path())) return true;
+  goBack();
+  return false;
 }
 
 void frameUntar::cmdBack_Click() {
@@ -86,12 +88,6 @@ void frameUntar::closeInside() {
     model_->clear();
   }
   tellWhatIsShown();
-}
-
-/// Only in the place of what was proposed before.
-void frameUntar::propose(const std::string& folder) {
-  if (fromControl(ui_->txtOutLocation->text()) == proposal_) ui_->txtOutLocation->setText(toControl(folder));
-  proposal_ = folder;
 }
 
 void frameUntar::tellWhatIsShown() {

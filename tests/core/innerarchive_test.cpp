@@ -3,6 +3,7 @@
 #include "archive/ArchiveTreeBuilder.h"
 #include "archive/ListingJob.h"
 #include "archive/PackageControl.h"
+#include "archive/TakeOutJob.h"
 #include "tests/OnDisk.h"
 
 namespace fs = std::filesystem;
@@ -157,6 +158,43 @@ TEST_F(InnerArchiveTest, APackageIsToldInTheLog) {
   EXPECT_FALSE(fs::exists(host("unpacked")));
   EXPECT_EQ(log_.all, "");
   EXPECT_TRUE(person_.told.empty() && nothingLeft());
+}
+
+TEST_F(InnerArchiveTest, TakesOutWhatIsTickedBelowTheOutermostEntries) {
+  shell("rm in/*.tgz; tar -C in -cf a.tar ./sub ./folder.tar; touch in/sub/y; tar -C in -rf a.tar ./sub/y");
+  shell("tar -cPf c.tar --transform s,in,/etc, in/sub/y; tar -cPf up.tar in/sub/y in/../in/sub/x.tgz");
+  struct Row {
+    const char* archive;
+    std::vector<std::string> entries;
+    const char* unticked;
+    const char* offered;  // "": refused, which is told
+    const char* files;
+  };
+  for (const Row& row :
+       std::initializer_list<Row>{{"a.tar", {"./sub/y", "./sub"}, "", "\\.\\sub", "./sub/x.tgz ./sub/y "},
+                                  {"a.tar",
+                                   {"./sub", "./folder.tar/f"},
+                                   "./sub/y",
+                                   "\\.\\sub\\.\\folder.tar\\f",
+                                   "./folder.tar/f ./sub/x.tgz "},
+                                  {"c.tar", {""}, "", "\\etc", "./etc/sub/y "},
+                                  {"up.tar", {"in"}, "", "", ""}}) {
+    ArchiveTree tree = list(row.archive).tree;
+    if (*row.unticked != 0) tree.setChecked(find(tree, row.unticked), false);
+    std::vector<NodeId> entries;
+    for (const std::string& entry : row.entries) entries.push_back(find(tree, entry));
+    const platform::Busy::Scope busy(busy_);
+    const TakenOut out = TakeOutJob(services(), std::string("C:\\") + row.archive, "it", tree, entries).run();
+    const bool refused = *row.offered == 0;
+    ASSERT_EQ(out.end == JobEnd::Done, !refused) << log_.all;
+    EXPECT_EQ(nothingLeft() && !person_.told.empty(), refused);
+    if (refused) continue;
+    const std::string folder = out.place->path() + "\\contents";
+    std::string offered;
+    for (const std::string& path : out.paths) offered += path.substr(folder.size());
+    EXPECT_EQ(offered, row.offered);
+    EXPECT_EQ(output("cd " + *drives_.toHost(folder) + " && find -type f | sort | tr '\\n' ' '"), row.files);
+  }
 }
 
 }  // namespace

@@ -64,7 +64,10 @@ class Pickers : public platform::desktop::FilePickers {
     answers.erase(answers.begin());
     return next;
   }
-  std::string saveFile(const platform::desktop::FileRequest& request) override { return openFile(request); }
+  std::string saveFile(const platform::desktop::FileRequest& request) override {
+    if (request.chosenFilter != nullptr) *request.chosenFilter = filter;
+    return openFile(request);
+  }
   std::string folder(const std::string& title, const std::string& startFolder) override {
     return openFile({title, startFolder, "", 1, ""});
   }
@@ -73,6 +76,7 @@ class Pickers : public platform::desktop::FilePickers {
   platform::desktop::FileRequest asked;
   std::vector<std::string> answers;  // in turn
   std::string answer;                // then
+  int filter = 1;                    // chosen with each name to save
   bool works = true;
 };
 
