@@ -74,6 +74,8 @@ QVariant ArchiveTreeModel::memberData(NodeId node, int role) const {
       return tree_.partlySelected(node) ? platform::desktop::readableColour(
                                               Qt::red, QGuiApplication::palette().color(QPalette::Base))
                                         : QVariant();
+    case Qt::FontRole:
+      return tree_.partlySelected(node) ? QVariant(platform::desktop::slantedFont()) : QVariant();
     case Qt::AccessibleDescriptionRole:
       return tickText(node);
     default:

@@ -1,6 +1,5 @@
 #include "browser/ui/DirPaneModel.h"
 
-#include <QFont>
 #include <QGuiApplication>
 #include <QPalette>
 #include <unordered_map>
@@ -25,13 +24,6 @@ QColor rowColour(const PaneRow& row) {
   if (row.system) colour = platform::desktop::readableColour(Qt::blue, palette.color(QPalette::Base));
   if (row.hidden) colour.setAlphaF(static_cast<float>(dimming));
   return colour;
-}
-
-/// A second sign beside the colour, for whoever does not see it.
-QFont slanted() {
-  QFont font = QGuiApplication::font();
-  font.setItalic(true);
-  return font;
 }
 
 }  // namespace
@@ -188,7 +180,7 @@ QVariant DirPaneModel::data(const QModelIndex& index, int role) const {
     case Qt::ForegroundRole:
       return row.system || row.hidden ? QVariant(rowColour(row)) : QVariant();
     case Qt::FontRole:
-      return row.system ? QVariant(slanted()) : QVariant();
+      return row.system ? QVariant(platform::desktop::slantedFont()) : QVariant();
     case Qt::ToolTipRole:
       return platform::desktop::toPlainTip(row.name + '\n' + rowDetails(row));
     case Qt::AccessibleDescriptionRole:

@@ -116,6 +116,7 @@ void frameMain::wireFolders() {
   connect(navigation_, &Navigation::relistWanted, this,
           [this] { whenFree(Busy::Width::Relist, [this] { openDirPane(); }); });
   connect(navigation_, &Navigation::fileWanted, this, &frameMain::selectFile);
+  connect(ui_->Dir1, &platform::desktop::FolderList::refused, this, &frameMain::tellUnopened);
   connect(ui_->divider, &Divider::dragged, this, &frameMain::dividerDragged);
 }
 

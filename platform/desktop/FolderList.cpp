@@ -119,7 +119,7 @@ void FolderList::click(const std::string& path) {
 
 void FolderList::openWhenFree(const std::string& path) {
   const auto open = [list = QPointer<FolderList>(this), path] {
-    if (!list.isNull()) list->setPath(path);
+    if (!list.isNull() && !list->setPath(path)) emit list->refused(path);
   };
   busy_ == nullptr ? open() : busy_->whenFree(Busy::Width::OpenFolder, open);
 }

@@ -38,7 +38,8 @@ class FolderList : public QListView {
   void setHiddenShown(bool shown) { model_->setHiddenShown(shown); }
 
  signals:
-  void changed();            ///< another folder is open, by any means
+  void changed();                         ///< another folder is open, by any means
+  void refused(const std::string& path);  ///< somebody wanted to open it; it is not there or cannot be read
   void openFolderClicked();  ///< the left button was released on the folder that was open already
   void rightClicked();       ///< the right button was released over the list, or the menu key pressed
 

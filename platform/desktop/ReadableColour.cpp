@@ -1,5 +1,6 @@
 #include "platform/desktop/ReadableColour.h"
 
+#include <QGuiApplication>
 #include <cmath>
 
 namespace platform::desktop {
@@ -46,6 +47,12 @@ QColor contrastingColour(const QColor& wanted, const QColor& background) {
 
 QColor readableColour(const QColor& wanted, const QColor& background) {
   return isLight(background) ? wanted : contrastingColour(wanted, background);
+}
+
+QFont slantedFont() {
+  QFont font = QGuiApplication::font();
+  font.setItalic(true);
+  return font;
 }
 
 }  // namespace platform::desktop

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QColor>
+#include <QFont>
 
 namespace platform::desktop {
 
@@ -17,5 +18,8 @@ QColor contrastingColour(const QColor& wanted, const QColor& background);
 
 /// `share` (0 to 1) of a colour, the rest of another one.
 QColor mixedColour(const QColor& one, const QColor& other, double share);
+
+/// A second sign beside a colour, for whoever does not see that: the program's font in italics.
+QFont slantedFont();
 
 }  // namespace platform::desktop

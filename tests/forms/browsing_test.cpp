@@ -519,6 +519,16 @@ TEST_F(Browser, FollowsWhatOthersWrite) {
   EXPECT_TRUE(sees({"a.tgz", "C.c", "new.txt"}));
 }
 
+TEST_F(Browser, AFolderThatCannotBeOpenedIsTold) {
+  fs::remove_all(host("zeta"));
+  fs::remove_all(host("sub"));
+  clickFolder("zeta");
+  EXPECT_EQ(log_.all, " Unable to open folder: C:\\zeta (No such file or directory)\n");
+  doubleClick("sub");
+  EXPECT_NE(log_.all.find("open folder: C:\\sub (No such"), std::string::npos);
+  EXPECT_EQ(frame_->dir1Path(), "C:\\");
+}
+
 TEST_F(Browser, ScatteredChangesKeepSelectionAndPlace) {
   for (const std::string& name : numbered("f", 400)) write(name);
   frame_->refreshKeepList();
