@@ -6,6 +6,7 @@
 #include "runtime/ImageKeys.h"
 #include "runtime/LsLine.h"
 #include "tests/OnDisk.h"
+#include "tests/OrdinaryUser.h"
 
 namespace {
 
@@ -148,7 +149,7 @@ class Listing : public testworld::World, public browser::ListingListener {
     rows_ = std::move(rows);
     ++listings_;
   }
-  void unreadable(const std::string&) override {}
+  void unreadable(const std::string& why) override { why_ = why; }
   void modesFound(std::size_t first, std::vector<browser::LsEntry> entries) override {
     for (std::size_t i = 0; i < entries.size(); ++i) rows_[first + i].ls = entries[i];
     ++batches_;
@@ -166,6 +167,7 @@ class Listing : public testworld::World, public browser::ListingListener {
     for (const std::string& name : numbered("f", count)) write(name);
   }
 
+  std::string why_;
   std::vector<PaneRow> rows_;
   int listings_ = 0;
   int batches_ = 0;
@@ -285,6 +287,22 @@ TEST_F(Listing, AStopLeavesTheRowsAndIsLoggedOnce) {
   fs::rename(host(""), root_ + "/away");  // a drive that is not ready
   EXPECT_EQ(list(), JobEnd::Refused);
   EXPECT_EQ(listings_, 0);
+}
+
+TEST_F(Listing, AFolderThatCannotBeReadSaysWhy) {
+  chmod(root_.c_str(), 0755);
+  chmod(host("").c_str(), 0755);
+  fs::create_directory(host("closed"));
+  chmod(host("closed").c_str(), 0);
+  fs::create_directory(host("empty"));
+  const auto told = [this](const char* folder) {
+    browser::FolderListing(services(), folder, {}, *this).listRows();
+    return why_ + log_.all;
+  };
+  EXPECT_TRUE(tests::asOrdinaryUser([&] {
+    return told("C:\\empty").empty() &&
+           told("C:\\closed") == "Permission denied Unable to read folder: C:\\closed (Permission denied)\n";
+  }));
 }
 
 TEST_F(Listing, SelectionsAndBothWaysOfCounting) {
