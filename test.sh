@@ -2,7 +2,7 @@
 # Installs what is missing, builds, and runs all tests, offscreen.
 set -euo pipefail
 cd "$(dirname "$0")"
-tools/setup.sh build
+tools/setup.sh build test
 echo "== building"
 tools/build.sh release
 echo "== testing"

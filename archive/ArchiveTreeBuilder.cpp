@@ -50,7 +50,7 @@ bool ArchiveTreeBuilder::addNextLine() {
 void ArchiveTreeBuilder::addMember(std::string_view line) {
   const std::size_t made = tree_.nodeCount();
   if (line.find('/') == line.npos)
-    AddArchiveNode(platform::holdName(line), 0, false, imageOf(line));
+    addAtTop(platform::holdName(line), imageOf(line));
   else
     place(line, false);
   if (line == packageSizeMember && tree_.nodeCount() > made && packageSize_)
@@ -68,19 +68,24 @@ void ArchiveTreeBuilder::addTarLine(std::string_view line) {
   }
   std::string text = heldName(entry->path);
   const int image = imageOf(text);
-  const NodeId node = AddArchiveNode(std::move(text), 0, false, image);
+  const NodeId node = addAtTop(std::move(text), image);
   tree_.nodes_[node].nameLength = static_cast<std::uint32_t>(heldName(path.name).size());
 }
 
-/// `path` is as printed; every component gets a node, those that only the way needs too.
+/// `path` is as printed; every component gets a node, those that only the way needs too. Most lines stand in
+/// the folder of the line before.
 void ArchiveTreeBuilder::place(std::string_view path, bool isLink) {
   const bool endsInFolder = path.ends_with('/');
   if (endsInFolder) path.remove_suffix(1);
-  NodeId parent = 0;
+  const std::string_view folder = path.substr(0, path.rfind('/') + 1);
+  const bool known = !folder.empty() && folder == folder_.first;
+  if (known) path.remove_prefix(folder.size());
+  NodeId parent = known ? folder_.second : 0;
   std::string prefix;
   for (bool last = false; !last;) {
     const std::size_t slash = path.find('/');
     last = slash == path.npos;
+    if (last && prefix.empty()) folder_ = {folder, parent};
     const std::string_view component = path.substr(0, slash);
     path.remove_prefix(last ? path.size() : slash + 1);
     if (component == "." || component == "..") {
@@ -96,6 +101,7 @@ void ArchiveTreeBuilder::place(std::string_view path, bool isLink) {
     const bool isFolder = !last || endsInFolder;
     const int image = isFolder ? folderImage_ : isLink ? shortcutImage_ : imageOf(text);
     parent = AddArchiveNode(std::move(text), parent, isFolder, image);
+    byText_.put(parent);
   }
 }
 
@@ -110,7 +116,17 @@ NodeId ArchiveTreeBuilder::AddArchiveNode(std::string text, NodeId parent, bool 
   tree_.nodes_.push_back(std::move(made));
   order_.insert(parent, node, isFolder);
   if (++tree_.nodes_[parent].childCount == 1) order_.gotFirstChild(parent);
-  remember(node);
+  return node;
+}
+
+/// Not looked up before: there may be such a node. A look-up finds the first of siblings that have the same
+/// text.
+NodeId ArchiveTreeBuilder::addAtTop(std::string text, int image) {
+  const NodeId node = AddArchiveNode(std::move(text), 0, false, image);
+  const NodeId first = byText_.find(0, tree_.text(node));
+  if (first != 0 && !order_.standsBefore(node, first)) return node;
+  byText_.put(node);
+  folder_ = {};
   return node;
 }
 
@@ -119,12 +135,6 @@ int ArchiveTreeBuilder::imageOf(std::string_view text) {
   const auto known = images_.find(extension);
   if (known != images_.end()) return known->second;
   return images_.emplace(extension, runtime::ImageIndexForKey(extension)).first->second;
-}
-
-/// A look-up finds the first of siblings that have the same text.
-void ArchiveTreeBuilder::remember(NodeId node) {
-  const NodeId first = byText_.find(tree_.parent(node), tree_.text(node));
-  if (first == 0 || order_.standsBefore(node, first)) byText_.put(node);
 }
 
 ArchiveTree ArchiveTreeBuilder::finish() {

@@ -32,7 +32,7 @@ class ArchiveTreeBuilder {
   void addMember(std::string_view line);
   void place(std::string_view path, bool isLink);
   NodeId AddArchiveNode(std::string text, NodeId parent, bool isFolder, int image);
-  void remember(NodeId node);
+  NodeId addAtTop(std::string text, int image);
   int imageOf(std::string_view text);
 
   ArchiveTree tree_;
@@ -40,8 +40,10 @@ class ArchiveTreeBuilder {
   SiblingOrder order_{tree_.nodes_};
   SiblingTexts byText_{tree_.nodes_};  // the first of equal ones
   std::size_t lineCount_ = 0;
-  std::size_t position_ = 0;                        // where the next line begins
-  std::size_t line_ = 0;                            // where the line that is being added begins
+  std::size_t position_ = 0;  // where the next line begins
+  std::size_t line_ = 0;      // where the line that is being added begins
+  std::pair<std::string_view, NodeId>
+      folder_;  // of the last line, as printed up to its last "/", and its node
   std::map<std::string, int, std::less<>> images_;  // by extension; asking is slow
   int folderImage_;
   int shortcutImage_;

@@ -1,7 +1,9 @@
 #pragma once
 
+#include <functional>
 #include <map>
 #include <optional>
+#include <set>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -9,6 +11,9 @@
 #include "platform/DriveTable.h"
 
 namespace archive {
+
+/// Looked through by parts of longer names.
+using Names = std::set<std::string, std::less<>>;
 
 /// One member as the guard sees it: inner forms, "/" between components.
 struct GuardedMember {

@@ -6,12 +6,12 @@
 #include "archive/ArMembers.h"
 #include "archive/ExtractCommand.h"
 #include "archive/ExtractPackage.h"
-#include "archive/ExtractVerdict.h"
 #include "archive/LeftOut.h"
 #include "archive/ListingLine.h"
 #include "archive/ListingOutput.h"
 #include "archive/NamesFile.h"
 #include "archive/TarEnd.h"
+#include "platform/CompressorWords.h"
 #include "platform/HeldName.h"
 #include "runtime/DirExists.h"
 #include "runtime/Pace.h"
@@ -169,7 +169,7 @@ void ExtractJob::passFewNames() {
 /// What is extracted after the guard and the questions, in the order of the tree.
 std::vector<std::string> ExtractJob::chooseMembers(const ArchiveTree& tree, bool all) {
   std::vector<Contribution> chosen = contributions(tree, all);
-  std::set<std::string> asked;
+  Names asked;
   for (const Contribution& one : chosen) asked.insert(one.members.begin(), one.members.end());
   asked = guardAgainst(isTar() ? membersOf(tree.listing()) : packageMembers(tree.listing()), asked);
   std::vector<std::string> members;
@@ -199,22 +199,22 @@ bool ExtractJob::mayExtract(const std::string& member, const std::string& inTar)
   const std::size_t below = std::min(member.find_first_not_of('/'), member.size());
   question.path = plan_.outFolder + runtime::withBackslashes(member.substr(below));
   while (question.path.ends_with('\\')) question.path.pop_back();
-  question.isFolder = files.folderExists(question.path);
   answer_ = OverwriteAnswer::Yes;
-  if (!question.isFolder && !files.entryExists(question.path)) return true;
+  if (!standing_.at(question.path)) return true;
+  question.isFolder = files.folderExists(question.path);
   question.size = files.fileSize(question.path).value_or(0);
   question.modified = files.modifiedTime(question.path);
   question.member = inTar;
   answer_ = asker_.ask(question);
+  standing_.forget();
   answeredNo_ = answeredNo_ || answer_ == OverwriteAnswer::No;
   return answer_ == OverwriteAnswer::Yes || answer_ == OverwriteAnswer::YesToAll;
 }
 
 /// Only what was asked for counts, with what lies below it. What is left of it: a folder of which every
 /// member is left out is none that tar would find.
-std::set<std::string> ExtractJob::guardAgainst(const std::vector<GuardedMember>& members,
-                                               const std::set<std::string>& asked,
-                                               std::vector<RefusedMember> refused) {
+Names ExtractJob::guardAgainst(const std::vector<GuardedMember>& members, const Names& asked,
+                               std::vector<RefusedMember> refused) {
   ExtractGuard guard(services_.system.drives, plan_.outFolder);
   Verdict verdict = judgeAsked(guard, members, asked);
   refused.insert(refused.end(), verdict.refused.begin(), verdict.refused.end());
@@ -231,7 +231,7 @@ std::set<std::string> ExtractJob::guardAgainst(const std::vector<GuardedMember>&
   plan_.likeRemarks = std::move(verdict.likeRemarks);
   if (!isTar()) plan_.wholly = unpackedWholly(members);
   below_ = std::move(verdict.below);
-  std::set<std::string> left;
+  Names left;
   for (const auto& [name, count] : below_) left.insert(name);
   return left;
 }
@@ -274,10 +274,9 @@ JobEnd ExtractJob::listNames() {
         for (const GuardedMember& member : *members) known->insert(member.name);
       remark = known->count(name) == 0;
     }
-    if (remark)
+    if (!remark && !line.empty()) names_.push_back(name);
+    if (remark && line != platform::tarEndMissing)  // the end of the job tells that
       services_.log.append(std::string(line));
-    else if (!line.empty())
-      names_.push_back(name);
   }
   if (names_.empty()) {
     services_.user.message("Nothing to extract", Buttons::Ok, Icon::Information);
@@ -289,7 +288,7 @@ JobEnd ExtractJob::listNames() {
 /// Links matter only where something may stand already; then the archive is asked about its own. False: it
 /// could not be.
 bool ExtractJob::guardNames() {
-  std::set<std::string> asked;
+  Names asked;
   for (const std::string& name : names_) asked.emplace(withoutSlash(name));
   const bool mayMeetLinks = folderStood_ && mayHoldLinks(services_.system.drives, plan_.outFolder);
   if (!isTar() || (!members_ && !mayMeetLinks)) {
@@ -357,7 +356,8 @@ Extraction ExtractJob::unpack() {
   const runtime::ToolResult run = ExtractRun(services_, plan_).run();
   if (run.stopped) return {JobEnd::Stopped, Focus::None, true};
   if (!run.good()) return {JobEnd::Failed, Focus::None, true, true};
-  const bool cut = plan_.kind == ArchiveKind::Tar && lacksEnd(services_.system.files, plan_.archivePath);
+  const bool cut = plan_.kind == ArchiveKind::Tar ? lacksEnd(services_.system.files, plan_.archivePath)
+                                                  : isTar() && saysEndIsMissing(run.text);
   if (cut) services_.log.append(" Its end is missing, and perhaps more: " + plan_.shownAs);
   const bool whole = excludes_.empty() && !cut;
   return {whole ? JobEnd::Done : JobEnd::Remarks, Focus::None, true, !whole};

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <map>
 #include <optional>
 #include <set>
 #include <string>
@@ -8,8 +7,10 @@
 
 #include "archive/ExtractGuard.h"
 #include "archive/ExtractRun.h"
+#include "archive/ExtractVerdict.h"
 #include "archive/ListingJob.h"
 #include "archive/OverwriteAsker.h"
+#include "archive/Standing.h"
 
 namespace archive {
 
@@ -55,9 +56,8 @@ class ExtractJob {
   runtime::JobEnd listNames();
   const std::vector<GuardedMember>* listedMembers();
   bool isBad(const runtime::ToolResult& run) const;
-  std::set<std::string> guardAgainst(const std::vector<GuardedMember>& members,
-                                     const std::set<std::string>& asked,
-                                     std::vector<RefusedMember> refused = {});
+  Names guardAgainst(const std::vector<GuardedMember>& members, const Names& asked,
+                     std::vector<RefusedMember> refused = {});
   bool guardNames();
   std::vector<std::string> chooseMembers(const ArchiveTree& tree, bool all);
   std::vector<std::string> keptNames();
@@ -73,11 +73,12 @@ class ExtractJob {
   runtime::Services services_;
   OverwriteAsker& asker_;
   ListingProgress& progress_;
+  Standing standing_{services_.system.files};
   ExtractRequest request_;
   ExtractPlan plan_{};
   std::vector<std::string> names_;  // of a quick extraction
-  std::set<std::string> excludes_;
-  std::map<std::string, std::size_t> below_;  // members that a name which was asked for brings along
+  Names excludes_;
+  decltype(Verdict::below) below_;  // members that a name which was asked for brings along
   std::optional<std::vector<GuardedMember>> members_;
   std::set<std::string> labels_;
   OverwriteAnswer answer_ = OverwriteAnswer::NothingAsked;

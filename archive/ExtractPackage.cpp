@@ -38,12 +38,12 @@ std::optional<std::vector<std::string>> unpackedWholly(const std::vector<Guarded
 }
 
 bool PackageMove::some(const std::vector<std::string>& members) const {
-  const std::set<std::string> wanted(members.begin(), members.end());
+  const Names wanted(members.begin(), members.end());
   return moveBelow("", &wanted);
 }
 
 /// `folder` is empty or ends in "/".
-bool PackageMove::moveBelow(const std::string& folder, const std::set<std::string>* wanted) const {
+bool PackageMove::moveBelow(const std::string& folder, const Names* wanted) const {
   const auto entries = services_.system.files.entries(from_ + '\\' + withBackslashes(folder));
   bool all = entries.has_value();
   for (const auto& entry : entries.value_or(std::vector<platform::Files::Entry>())) {

@@ -29,7 +29,7 @@ class PackageMove {
   bool some(const std::vector<std::string>& members) const;
 
  private:
-  bool moveBelow(const std::string& folder, const std::set<std::string>* wanted) const;
+  bool moveBelow(const std::string& folder, const Names* wanted) const;
   bool moveFile(const std::string& name) const;
 
   const runtime::Services& services_;

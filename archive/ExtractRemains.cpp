@@ -5,6 +5,7 @@
 #include <ctime>
 
 #include "archive/ListingLine.h"
+#include "archive/Standing.h"
 #include "runtime/Slashes.h"
 
 namespace archive {
@@ -20,15 +21,16 @@ ExtractRemains::ExtractRemains(const runtime::Services& services, std::string ou
                                const std::vector<std::string>& members)
     : services_(services), outFolder_(std::move(outFolder)) {
   const platform::Files& files = services_.system.files;
+  Standing standing(files);
   for (const std::string& member : members) {
     const std::string path = pathOf(member);
-    if (files.entryExists(path) && !files.folderExists(path)) standing_.insert(member);
+    if (standing.at(path) && !files.folderExists(path)) standing_.insert(member);
   }
   clock_gettime(CLOCK_REALTIME_COARSE, &start_);  // the clock of the files' times
 }
 
 std::string ExtractRemains::pathOf(const std::string& member) const {
-  return runtime::withBackslashes(outFolder_ + member);
+  return runtime::withBackslashes(outFolder_ + std::string(runtime::withoutSlash(member)));
 }
 
 ExtractRemains::Made ExtractRemains::lookAt(const std::string& path, bool last) const {

@@ -10,6 +10,7 @@
 #include "archive/ListingLine.h"
 #include "archive/NamesFile.h"
 #include "archive/ScratchFolder.h"
+#include "platform/CompressorWords.h"
 
 namespace archive {
 namespace {
@@ -104,10 +105,10 @@ runtime::VisibleRun ExtractRun::view() const {
   return {"Extracting " + runtime::GetFileName(plan_.archivePath), plan_.count, {}, plan_.counted};
 }
 
-/// A member may look like a remark.
+/// A member may look like a remark. Of a missing end the job tells itself.
 bool ExtractRun::isToBeLogged(std::string_view line) const {
   if (plan_.kind == runtime::ArchiveKind::Ipk) return isArRemark(line);
-  return isRemark(line) && plan_.likeRemarks.count(heldName(line)) == 0;
+  return isRemark(line) && line != platform::tarEndMissing && plan_.likeRemarks.count(heldName(line)) == 0;
 }
 
 void ExtractRun::logEnd(const runtime::ToolResult& run) {

@@ -3,10 +3,10 @@
 #include <cstddef>
 #include <functional>
 #include <optional>
-#include <set>
 #include <string>
 #include <vector>
 
+#include "archive/ExtractGuard.h"
 #include "archive/ScratchFolder.h"
 #include "runtime/ArchiveKind.h"
 #include "runtime/Services.h"
@@ -17,12 +17,12 @@ namespace archive {
 struct ExtractPlan {
   runtime::ArchiveKind kind;
   std::string archivePath;
-  std::string shownAs;                     ///< what the log calls it
-  std::string outFolder;                   ///< trailing backslash
-  std::vector<std::string> members;        ///< none: everything
-  std::vector<std::string> excludes;       ///< left out with all below
-  std::vector<std::string> spared = {};    ///< names of the output folder, which keeps its mode and owner
-  std::set<std::string> likeRemarks = {};  ///< members that read as a remark of tar
+  std::string shownAs;                   ///< what the log calls it
+  std::string outFolder;                 ///< trailing backslash
+  std::vector<std::string> members;      ///< none: everything
+  std::vector<std::string> excludes;     ///< left out with all below
+  std::vector<std::string> spared = {};  ///< names of the output folder, which keeps its mode and owner
+  Names likeRemarks = {};                ///< members that read as a remark of tar
   /// Where ar does not find each member by its name, it unpacks all, and `members` are moved in: the folders
   /// that it needs for that, each behind the one it lies in.
   std::optional<std::vector<std::string>> wholly = {};

@@ -10,7 +10,7 @@
 namespace archive {
 namespace {
 
-const std::string* coverOfAny(const std::set<std::string>& asked, const GuardedMember& member) {
+const std::string* coverOfAny(const Names& asked, const GuardedMember& member) {
   const std::string* cover = coverOf(asked, member.name);
   for (const GuardedMember& reading : member.otherReadings)
     if (cover == nullptr) cover = coverOf(asked, reading.name);
@@ -45,18 +45,17 @@ void takeReading(GuardedMember& member, std::string_view name) {
 
 }  // namespace
 
-const std::string* coverOf(const std::set<std::string>& names, std::string_view name) {
+const std::string* coverOf(const Names& names, std::string_view name) {
   if (names.empty()) return nullptr;
   name = runtime::withoutSlash(name);
   for (std::size_t slash = name.find('/', 1);; slash = name.find('/', slash + 1)) {
-    const auto found = names.find(std::string(name.substr(0, slash)));
+    const auto found = names.find(name.substr(0, slash));
     if (found != names.end()) return &*found;
     if (slash == name.npos) return nullptr;
   }
 }
 
-Verdict judgeAsked(ExtractGuard& guard, const std::vector<GuardedMember>& members,
-                   const std::set<std::string>& asked) {
+Verdict judgeAsked(ExtractGuard& guard, const std::vector<GuardedMember>& members, const Names& asked) {
   Verdict verdict;
   for (const GuardedMember& member : members) {
     const std::string* const cover = coverOfAny(asked, member);

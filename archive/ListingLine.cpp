@@ -4,6 +4,7 @@
 #include <array>
 #include <charconv>
 
+#include "platform/CompressorWords.h"
 #include "platform/HeldName.h"
 #include "runtime/EscapeQuoting.h"
 
@@ -144,7 +145,8 @@ bool isRemark(std::string_view line) {
 bool isArRemark(std::string_view line) { return line.starts_with("ar: ") || line.starts_with("no entry "); }
 
 bool isHarmlessRemark(std::string_view line) {
-  return line.starts_with("tar: Ignoring unknown extended header keyword") ||
+  return line.starts_with(platform::tarEndMissing) ||
+         line.starts_with("tar: Ignoring unknown extended header keyword") ||
          line.starts_with("tar: Removing leading `");
 }
 

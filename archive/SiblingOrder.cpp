@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <clocale>
 #include <cwctype>
+#include <utility>
 
 #include "platform/Ascii.h"
 
@@ -127,6 +128,32 @@ void SiblingOrder::insert(NodeId parent, NodeId node, bool asFolder) {
     links_.resize(node + 1);
     starts_.resize(node + 1);
   }
+  if (parent != 0 && links_[parent].root == 0) settle(nodes_[parent].parent);  // it stops being a file there
+  if (asFolder) settle(parent);
+  if (links_[parent].settled) return insertSettled(parent, node, asFolder);
+  links_[node].right = std::exchange(links_[parent].root, node);
+}
+
+/// In the order in which they came.
+std::vector<NodeId> SiblingOrder::waiting(NodeId parent) const {
+  std::vector<NodeId> files;
+  for (NodeId file = links_[parent].root; file != 0; file = links_[file].right) files.push_back(file);
+  std::reverse(files.begin(), files.end());
+  return files;
+}
+
+void SiblingOrder::settle(NodeId parent) {
+  if (links_[parent].settled) return;
+  const std::vector<NodeId> files = waiting(parent);
+  links_[parent].settled = true;
+  links_[parent].root = 0;
+  for (const NodeId file : files) {
+    links_[file].right = 0;
+    insertSettled(parent, file, false);
+  }
+}
+
+void SiblingOrder::insertSettled(NodeId parent, NodeId node, bool asFolder) {
   const Newcomer newcomer{nodes_[node].text, starts_[node] = startOf(nodes_[node].text), asFolder};
   Link& own = links_[node];
   own.greatest = own.greatestFile = node;
@@ -208,9 +235,37 @@ std::uint32_t SiblingOrder::rank(NodeId node) const {
   return before;
 }
 
-bool SiblingOrder::standsBefore(NodeId a, NodeId b) const { return rank(a) < rank(b); }
+bool SiblingOrder::standsBefore(NodeId a, NodeId b) const {
+  return links_[nodes_[a].parent].settled ? rank(a) < rank(b) : a < b;
+}
+
+/// What the texts of all begin with.
+std::size_t SiblingOrder::commonStart(const std::vector<NodeId>& files) const {
+  std::string_view common = files.empty() ? std::string_view() : nodes_[files.front()].text;
+  for (const NodeId file : files) {
+    std::string_view rest = common;
+    std::string_view text = nodes_[file].text;
+    skipCommonStart(rest, text);
+    common.remove_suffix(rest.size());
+  }
+  return common.size();
+}
+
+/// Of equal ones the newer stands behind. Nearly all pairs are told apart by what follows the common start.
+void SiblingOrder::appendSorted(const std::vector<NodeId>& files, std::vector<NodeId>& out) const {
+  const std::size_t common = commonStart(files);
+  std::vector<std::pair<Start, NodeId>> keyed;
+  keyed.reserve(files.size());
+  for (const NodeId file : files)
+    keyed.emplace_back(startOf(std::string_view(nodes_[file].text).substr(common)), file);
+  std::stable_sort(keyed.begin(), keyed.end(), [this](const auto& a, const auto& b) {
+    return a.first != b.first ? a.first < b.first : sortsBefore(nodes_[a.second].text, nodes_[b.second].text);
+  });
+  for (const auto& one : keyed) out.push_back(one.second);
+}
 
 void SiblingOrder::appendChildren(NodeId parent, std::vector<NodeId>& out) const {
+  if (parent < links_.size() && !links_[parent].settled) return appendSorted(waiting(parent), out);
   std::vector<NodeId> open;
   NodeId at = parent < links_.size() ? links_[parent].root : 0;
   while (at != 0 || !open.empty()) {

@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <array>
-#include <string_view>
+
+#include "platform/CompressorWords.h"
+#include "runtime/Lines.h"
 
 namespace archive {
 namespace {
@@ -24,6 +26,11 @@ bool lacksEnd(const platform::Files& files, const std::string& path) {
   const auto count = file.readAt(size - bytes.size(), bytes.data(), bytes.size());
   return count == bytes.size() &&
          std::any_of(bytes.begin(), bytes.end(), [](char byte) { return byte != '\0'; });
+}
+
+bool saysEndIsMissing(std::string_view printed) {
+  const auto lines = runtime::completeLines(printed);
+  return std::find(lines.begin(), lines.end(), platform::tarEndMissing) != lines.end();
 }
 
 }  // namespace archive

@@ -13,8 +13,11 @@
 #include <cstdio>
 #include <memory>
 #include <span>
+#include <string_view>
 #include <utility>
 #include <vector>
+
+#include "platform/CompressorWords.h"
 
 namespace {
 
@@ -74,14 +77,37 @@ class Output {
     return (!olderWaits_ || deliver(part(1 - newest_))) && deliver(part(newest_).first(filled_));
   }
   std::size_t delivered() const { return delivered_; }
+  /// Before it is finished: whether it is a tar without its two blocks of zeros.
+  bool isTarWithoutEnd() {
+    const Bytes newer = part(newest_).first(filled_);
+    const Bytes older = olderWaits_ ? part(1 - newest_) : Bytes();
+    if (!(delivered_ > 0 ? tarDelivered_ : beginsAsTar(olderWaits_ ? older : newer))) return false;
+    const std::size_t begin = filled_ % blockSize;  // from the last byte on backwards, as is the end
+    const std::size_t end = begin + 2 * blockSize;
+    const auto isZero = [&](std::size_t at) {
+      return (at < newer.size() ? newer[newer.size() - 1 - at]
+                                : older[older.size() - 1 - (at - newer.size())]) == 0;
+    };
+    if (end > newer.size() + older.size()) return true;
+    for (std::size_t at = begin; at < end; ++at)
+      if (!isZero(at)) return true;
+    return false;
+  }
 
  private:
+  static constexpr std::size_t blockSize = 512;
   static constexpr std::size_t partSize = 1 << 22;
 
   Bytes part(std::size_t number) {
     return Bytes(memory_.get(), 2 * partSize).subspan(number * partSize, partSize);
   }
+  static bool beginsAsTar(Bytes start) {
+    constexpr std::string_view magic = "ustar";
+    constexpr std::size_t magicPlace = 257;
+    return start.size() >= blockSize && std::equal(magic.begin(), magic.end(), start.begin() + magicPlace);
+  }
   bool deliver(Bytes bytes) {
+    if (delivered_ == 0) tarDelivered_ = beginsAsTar(bytes);
     delivered_ += bytes.size();
     return writeAll(bytes);
   }
@@ -92,6 +118,7 @@ class Output {
   std::size_t filled_ = 0;  ///< of the newest part
   bool olderWaits_ = false;
   std::size_t delivered_ = 0;
+  bool tarDelivered_ = false;
 };
 
 /// The bytes of a member's header that holds at most a name (as gzip and pigz write it), 0 for any other.
@@ -117,6 +144,7 @@ class Gunzip {
       input_.consume(header);
       if (!inflateMember()) return false;
     } while (!input_.ahead(1).empty());
+    if (output_.isTarWithoutEnd()) std::fprintf(stderr, "%s\n", platform::tarEndMissing.data());
     return output_.finish();
   }
   std::size_t delivered() const { return output_.delivered(); }

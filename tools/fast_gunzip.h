@@ -8,5 +8,6 @@
 ///
 /// Only a file from its first to its last byte is ours: whatever is damaged, cut, rare or behind the last
 /// member goes to `plainGzip`, which reads the file again. What was delivered by then is dropped from its
-/// output, so that bytes, words and status are always its own.
+/// output, so that bytes, words and status are always its own. Of a tar without its end it says so
+/// (platform/CompressorWords.h).
 std::optional<int> fastGunzip(const std::string& plainGzip);

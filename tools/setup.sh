@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that the commands below need and that are missing. Usage: tools/setup.sh [build|check]...
+# Installs the Debian packages that the commands below need and that are missing. Usage: tools/setup.sh [build|test|check]...
 set -euo pipefail
 export DEBIAN_FRONTEND=noninteractive
 packages=(
@@ -15,7 +15,8 @@ packages=(
 for group in "$@"; do
   case $group in
     build) ;;
-    check) packages+=(clang-format clang-tidy git) ;;
+    test) packages+=(libarchive-tools busybox) ;; # bsdtar and busybox tar, to read and write archives beside ours
+    check) packages+=(clang-format clang-tidy git xvfb dbus at-spi2-core) ;; # from xvfb on: for a11y_test
   esac
 done
 missing=()

@@ -12,12 +12,13 @@ struct Hostile {
   std::string what;
   std::string file;  ///< by its ending the kind
   std::string bytes;
-  std::string comesOut;  ///< the output folder's contents, sorted, each followed by a blank
+  std::string comesOut;  ///< what ExtractWorld::contents gives
   bool done = true;      ///< all came out, and nobody has to be told of anything
   std::string log = {};  ///< a part of it
 };
 
-inline std::vector<Hostile> corpus(const std::string& outside) {
+/// `devices`: whether this machine lets us make device files.
+inline std::vector<Hostile> corpus(const std::string& outside, bool devices) {
   const std::string long255(255, 'n');
   const std::string out = "its name leads out of the output folder: ";
   const std::string below = "it lies below a link: ";
@@ -31,7 +32,11 @@ inline std::vector<Hostile> corpus(const std::string& outside) {
       {"link inside", "h.tar", tarOf({folder("d/"), symlink("l", "d"), "l/x"}), "d/ d/x l "},
       {"hard link out", "h.tar", tarOf({hardLink("h", outside + "/kept"), "a"}), "a ", false, "h"},
       {"hard link up", "h.tar", tarOf({hardLink("h", "../outside/kept"), "a"}), "a ", false, "h"},
-      {"pipe, set-user-id", "h.tar", tarOf({{"p", '6'}, with("s", 100, "0004755")}), "p s "},
+      {"pipe, set-user-id", "h.tar", tarOf({{"p", '6'}, with("s", 100, "0004755")}), "p| s(4755) "},
+      {"device", "h.tar", tarOf({with(with({"n", '3'}, 329, "0000001"), 337, "0000003"), "a"}),
+       devices ? "a n% " : "a ", devices, devices ? "" : "tar: n: Cannot mknod"},
+      {"the terminal's other home", "h.tar", tarOf({folder("../usr8/"), "../usr8/set.ini", "../usr8/x", "a"}),
+       "a ", false, "it belongs to another home on the terminal: ../usr8\n Extracted"},
       {"duplicates: the last wins", "h.tar", tarOf({holding("x", "1"), holding("x", "x")}), "x "},
       {"differ in case", "h.tar", tarOf({"x", "X"}), "X x "},
       {"long names", "h.tar", tarOf({gnuName(long255), "cut", paxPath('p' + long255.substr(1)), "cut"}),

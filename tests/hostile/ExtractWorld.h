@@ -85,12 +85,20 @@ class ExtractWorld : public testworld::World {
     fs::remove_all(host("out"));
     fs::create_directory(host("out"));
   }
-  /// What stands in the output folder, sorted, "/" behind a folder.
+  /// Behind a name: "/" of a folder, "|" of a pipe, "%" of a device, the mode where it gives rights.
+  static std::string mark(const fs::directory_entry& entry) {
+    if (entry.is_symlink()) return "";
+    if (entry.is_directory()) return "/";
+    if (entry.is_fifo()) return "|";
+    if (entry.is_character_file()) return "%";
+    const unsigned mode = tests::modeOf(entry.path());
+    return mode < 01000 ? "" : '(' + output("printf %o " + std::to_string(mode)) + ')';
+  }
+  /// What stands in the output folder, sorted, with a mark and a blank behind each.
   std::string contents(const std::string& folder = "out") const {
     Texts names;
     for (const auto& entry : fs::recursive_directory_iterator(host(folder)))
-      names.push_back(entry.path().lexically_relative(host(folder)).string() +
-                      (entry.is_directory() && !entry.is_symlink() ? "/" : ""));
+      names.push_back(entry.path().lexically_relative(host(folder)).string() + mark(entry));
     std::sort(names.begin(), names.end());
     std::string text;
     for (const std::string& name : names) text += name + ' ';
