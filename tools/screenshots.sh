@@ -6,22 +6,11 @@ build=$(realpath "${1:-build}")
 home=$(mktemp -d)
 trap 'rm -rf "$home"' EXIT
 
-# A disk that looks alike each time.
 disk=$home/disk
-mkdir -p "$disk"
-cp -r "$build/examples/kt500-app" "$disk/"
-chmod 644 "$disk/kt500-app/run.sh"
-mkdir -p "$disk/tools" "$home/data/pakrune"
-cat >"$disk/tools/wdx.exe" <<'EOF'
-#!/bin/sh
-echo "Connecting on COM$2 at $4"
-printf 'Sending %s: 40%%\rSending %s: 100%%\n' "$6" "$6"
-EOF
-chmod +x "$disk/tools/wdx.exe"
+tools/every_window.sh "$build" "$disk"
+mkdir -p "$home/data/pakrune"
 cp "$disk/tools/wdx.exe" "$build/wdx.exe"
 trap 'rm -rf "$home" "$build/wdx.exe"' EXIT
-find "$disk" -exec touch -d '2026-05-28 20:26:40' {} +
-tar -C "$disk/kt500-app" --owner=500 --group=1 --numeric-owner -czf "$disk/kt500-app.tgz" .
 
 for scale in 1 2; do
   for look in light dark; do

@@ -15,8 +15,13 @@ packages=(
 for group in "$@"; do
   case $group in
     build) ;;
-    test) packages+=(libarchive-tools busybox) ;; # bsdtar and busybox tar, to read and write archives beside ours
-    check) packages+=(clang-format clang-tidy git xvfb dbus at-spi2-core) ;; # from xvfb on: for a11y_test
+    test)
+      packages+=(
+        libarchive-tools busybox # bsdtar and busybox tar, to read and write archives beside ours
+        xvfb dbus at-spi2-core   # a screen and the accessibility bus, for a11y_test
+      )
+      ;;
+    check) packages+=(clang-format clang-tidy git) ;;
   esac
 done
 missing=()

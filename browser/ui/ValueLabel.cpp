@@ -6,7 +6,8 @@
 namespace browser {
 
 ValueLabel::ValueLabel(QWidget* parent) : PathLabel(parent) {
-  setTextInteractionFlags(Qt::TextSelectableByMouse);
+  setTextInteractionFlags(Qt::TextSelectableByMouse | Qt::TextSelectableByKeyboard);
+  setFocusPolicy(Qt::StrongFocus);  // the flags alone leave Tab out
 }
 
 bool ValueLabel::isCut() const { return fontMetrics().horizontalAdvance(text()) > contentsRect().width(); }

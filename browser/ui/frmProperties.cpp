@@ -45,6 +45,7 @@ frmProperties::frmProperties(const runtime::Services& services, const Properties
            record.propModified ? locale_.dateTimeText(*record.propModified) : "");
   setValue(ui_->lblPermissionsTitle, ui_->lblPermissions, record.propPermissions);
   doLayout();
+  ui_->cmdOK->setFocus();
   connect(ui_->cmdOK, &QPushButton::clicked, this, &QDialog::accept);
   connect(look_, &QTimer::timeout, this, &frmProperties::showSize);
   connect(tmrSize_, &QTimer::timeout, this, &frmProperties::tmrSize_Timer);

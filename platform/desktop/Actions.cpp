@@ -7,13 +7,10 @@
 #include <QShortcut>
 #include <QWidget>
 
-#include "platform/desktop/CheckInterface.h"
-
 namespace platform::desktop {
 
 ActionTable::ActionTable(QWidget& form, Busy& busy, std::vector<Action> rows)
     : QObject(&form), form_(form), busy_(busy), rows_(std::move(rows)) {
-  makeTogglesClicks();
   for (const Action& row : rows_) wire(row);
   busy_.watch(*this);
   update();

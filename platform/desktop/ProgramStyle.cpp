@@ -6,6 +6,7 @@
 #include <QStyleOption>
 #include <utility>
 
+#include "platform/desktop/CheckInterface.h"
 #include "platform/desktop/ImageList.h"
 #include "platform/desktop/ReadableColour.h"
 
@@ -132,6 +133,7 @@ int ProgramStyle::pixelMetric(PixelMetric metric, const QStyleOption* option, co
 void dressApplication() {
   QApplication::setStyle(new ProgramStyle);
   QApplication::setWindowIcon(programIcon());
+  makeTogglesClicks();
 }
 
 }  // namespace platform::desktop
