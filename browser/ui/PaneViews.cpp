@@ -12,6 +12,7 @@
 
 #include "browser/ui/NameEditor.h"
 #include "platform/desktop/Handlers.h"
+#include "platform/desktop/Locale.h"
 #include "platform/desktop/Text.h"
 
 namespace browser {
@@ -20,6 +21,7 @@ namespace {
 constexpr int smallIcon = 16;
 constexpr int largeIcon = 32;
 constexpr int margin = 12;
+constexpr std::time_t wideTime = 1798671480;  // December 30, 2026, in the evening: as wide as they get
 
 bool isPaneKey(int key) { return key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Backspace; }
 
@@ -84,6 +86,10 @@ class HeardView : public View {
     const int row = this->indexAt(at).row();
     if (row >= 0 || (at - pressedAt_).manhattanLength() < QApplication::startDragDistance())
       emit pane_.mouseReleased(row, event->button(), event->globalPosition().toPoint());
+  }
+  void resizeEvent(QResizeEvent* event) override {
+    View::resizeEvent(event);
+    pane_.fitNames();
   }
   void paintEvent(QPaintEvent* event) override {
     View::paintEvent(event);
@@ -189,13 +195,29 @@ void PaneViews::setModel(DirPaneModel& model) {
   icons_->setSelectionModel(details_->selectionModel());
   connect(details_->selectionModel(), &QItemSelectionModel::selectionChanged, this,
           &PaneViews::selectionChanged);
-  const int letter = fontMetrics().averageCharWidth();
-  const int widths[] = {10, 14, 13, 22};
+  const auto wide = [this](const QString& text) {
+    return fontMetrics().horizontalAdvance(text + QStringLiteral("MM"));
+  };
+  const std::string someTime = platform::desktop::Locale().dateTimeText(wideTime);
   QHeaderView& header = *details_->header();
-  for (int i = 0; i < 4; ++i) header.resizeSection(i, widths[i] * letter);
-  header.setMinimumSectionSize(widths[0] * letter);
+  header.setMinimumSectionSize(wide(QStringLiteral("Size >")));
+  header.resizeSection(1, wide(QStringLiteral("Permissions >")));
+  header.resizeSection(2, wide(QStringLiteral("99999999 KB")));
+  header.resizeSection(3, wide(QString::fromStdString(someTime)));
   header.setStretchLastSection(false);
-  header.setSectionResizeMode(0, QHeaderView::Stretch);  // the name has what the others leave
+  header.setSectionResizeMode(0, QHeaderView::Fixed);
+  connect(&header, &QHeaderView::sectionResized, this, [this](int section) {
+    if (section != 0) fitNames();
+  });
+}
+
+/// Names have what the other columns leave, and enough to be told apart.
+void PaneViews::fitNames() {
+  constexpr int leastLetters = 16;
+  QHeaderView& header = *details_->header();
+  const int others = header.length() - header.sectionSize(0);
+  header.resizeSection(
+      0, std::max(leastLetters * fontMetrics().averageCharWidth(), details_->viewport()->width() - others));
 }
 
 void PaneViews::setBusy(const platform::Busy& busy) {

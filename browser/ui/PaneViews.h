@@ -47,6 +47,7 @@ class PaneViews : public QStackedWidget {
     QPersistentModelIndex top_;  // none at the very top
   };
 
+  void fitNames();             ///< after its width or that of a column has changed
   void setViewMode(int mode);  ///< 0 icons, 2 list, 3 details
   QAbstractItemView& view() const;
   int currentRow() const;  ///< -1: none
