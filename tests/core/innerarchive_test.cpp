@@ -153,7 +153,7 @@ TEST_F(InnerArchiveTest, APackageIsToldInTheLog) {
   for (const char* name : {"none.ipk", "bigger.ipk", "cut.ipk"}) list(name);
   tool("tar.exe", "case \"$*\" in *xO*) echo Package: half; exit 2;; esac; exec tar \"$@\"");
   list("a.ipk");
-  tool("tar.exe", "case \"$*\" in *-T*) touch " + host("unpacked") + ";; esac; exec tar \"$@\"");
+  tool("tar.exe", "case \"$*\" in *\" -T \"*) touch " + host("unpacked") + ";; esac; exec tar \"$@\"");
   list("big.ipk");
   EXPECT_FALSE(fs::exists(host("unpacked")));
   EXPECT_EQ(log_.all, "");
