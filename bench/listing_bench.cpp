@@ -169,6 +169,8 @@ int main(int argc, char** argv) {
     kept &= bench::report("Select All on 20,000 rows, ms of processor time", many.selectAll(), 100);
   }
   kept &= bench::report("100,000 files / bare ls runs", Bench(100000).ratio(3), 1.5);
-  kept &= bench::report("Shift+Down over 200 of 200,000 rows, ms", Bench(200000).selectOneMore(), 20);
+  Bench most(200000);
+  kept &= bench::report("200,000 files / bare ls runs", most.ratio(2), 1.2);
+  kept &= bench::report("Shift+Down over 200 of 200,000 rows, ms", most.selectOneMore(), 20);
   return kept ? 0 : 1;
 }

@@ -70,4 +70,5 @@ except Exception:
     raise
 finally:
     process.terminate()
+    process.wait()
     launcher.terminate()

@@ -3,10 +3,11 @@
 # Usage: tools/walk/walk.sh keyboard|assistive OUT-FOLDER [BUILD-FOLDER]
 #   keyboard   keys only, through xdotool
 #   assistive  the accessibility bus only, as a screen reader's or a switch's user acts
-# SCREEN=640x480 for another screen; WAYLAND=1 inside weston (package weston, qt6-wayland); QT_SCALE_FACTOR, LC_ALL and the rest of the environment reach the program.
+# SCREEN=640x480 for another screen, WAYLAND=1 for a window of weston (packages weston, qt6-wayland); QT_SCALE_FACTOR,
+# LC_ALL and the rest of the environment reach the program.
 # Needs, beside what the build needs: xvfb openbox xdotool imagemagick dbus at-spi2-core python3-pyatspi.
 set -euo pipefail
-[ $# -ge 2 ] || { sed -n '2,7s/^# //p' "$0" >&2; exit 2; }
+[ $# -ge 2 ] || { sed -n '2,8s/^# //p' "$0" >&2; exit 2; }
 here=$(cd "$(dirname "$0")" && pwd)
 build=$(realpath "${3:-$here/../../build}")
 mkdir -p "$2"
