@@ -1,3 +1,5 @@
+#include <netdb.h>
+
 #include <algorithm>
 #include <random>
 
@@ -282,7 +284,8 @@ TEST_F(SendTest, HostsAndPorts) {
     return connection.error().number;
   };
   EXPECT_EQ(errorOf("127.0.0.1", order_.port), ECONNREFUSED);
-  EXPECT_EQ(errorOf("localhost", order_.port), ECONNREFUSED);
+  const bool named = gethostbyname("localhost") != nullptr;  // a bare system may know no names
+  EXPECT_EQ(errorOf("localhost", order_.port), named ? ECONNREFUSED : EHOSTUNREACH);
   EXPECT_EQ(errorOf("no.host.invalid", "80"), EHOSTUNREACH);
   for (const char* host : {"127.0.0.256", "127.0.0", "127.0.0.1.1", "127..0.1", "..."})
     EXPECT_EQ(errorOf(host, order_.port), EINVAL) << host;
