@@ -54,11 +54,17 @@ PaneRefresh::PaneRefresh(runtime::Services services, platform::desktop::FolderLi
 
 void PaneRefresh::listingBegins() {
   listingBegan_ = RefreshPace::Clock::now();
-  watch_.follow(services_.system.drives.toHost(folders_.path()).value_or(std::string()));
-  pace_.forget();
+  forgetChanges();
   quiet_.reset();
   ready_.stop();
   due_.stop();
+}
+
+/// A look begins, which covers them. The folder is followed anew: one of the same name may have taken its
+/// place.
+void PaneRefresh::forgetChanges() {
+  watch_.follow(services_.system.drives.toHost(folders_.path()).value_or(std::string()));
+  pace_.forget();
 }
 
 void PaneRefresh::listingEnds() {
@@ -84,11 +90,9 @@ bool PaneRefresh::mayAct() const {
          QApplication::activePopupWidget() == nullptr && QApplication::mouseButtons() == Qt::NoButton;
 }
 
-/// The folder is followed anew: one of the same name may have taken its place.
 void PaneRefresh::look() {
   if (!mayAct()) return due_.start(tryAgain);
-  watch_.follow(services_.system.drives.toHost(folders_.path()).value_or(std::string()));
-  pace_.forget();
+  forgetChanges();
   quiet_.emplace(services_.system.drives, folders_.path(), choice_());
   ready_.start();
 }

@@ -31,6 +31,7 @@ class PaneRefresh : public QObject {
  private:
   void listingBegins();
   void listingEnds();
+  void forgetChanges();
   void folderChanged();
   void planLook();
   void look();

@@ -338,8 +338,7 @@ void PaneViews::clearSelected() {
 }
 
 void PaneViews::returnTo(int row, int scrolled) {
-  const QModelIndex index = view().model()->index(row, 0);
-  if (index.isValid()) view().selectionModel()->setCurrentIndex(index, QItemSelectionModel::NoUpdate);
+  if (row >= 0) makeCurrent(row);
   view().verticalScrollBar()->setValue(scrolled);
 }
 
