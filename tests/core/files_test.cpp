@@ -225,6 +225,28 @@ TEST_F(FilesTest, FileClassSortsFoldersFromFiles) {
   EXPECT_EQ(found["dangling"], std::pair(std::string(), std::int64_t{7}));
 }
 
+TEST_F(FilesTest, LargeFoldersAreToldWholeAndInTheSystemsOrder) {
+  fs::create_directory(host("many"));
+  std::map<std::string, std::int64_t> sizes;
+  for (int i = 0; i < 17'500; ++i) {
+    const std::string name = std::to_string(i);
+    std::ofstream(host("many/" + name)) << std::string(static_cast<std::size_t>(i % 7), 'x');
+    sizes[name] = i % 7;
+  }
+  std::vector<std::string> order;
+  for (const auto& entry : fs::directory_iterator(host("many"))) order.push_back(entry.path().filename());
+  FileClass listing(drives_);
+  EXPECT_TRUE(listing.Refresh("C:\\many\\*"));
+  EXPECT_TRUE(listing.Folders().empty());
+  std::vector<std::string> told;
+  for (const auto& info : listing.Files()) {
+    told.push_back(info.FileName);
+    ASSERT_EQ(info.FileSize, sizes[info.FileName]) << info.FileName;
+    ASSERT_TRUE(info.ModifyDate) << info.FileName;
+  }
+  EXPECT_EQ(told, order);
+}
+
 TEST_F(FilesTest, AttributesComeFromNameModeAndNote) {
   const auto attributes = [this](const std::string& name) {
     FileClass listing(drives_);
