@@ -1,5 +1,6 @@
 #include <QApplication>
 #include <QKeyEvent>
+#include <QLabel>
 #include <QRadioButton>
 
 #include "tools/a11y_rules.h"
@@ -22,9 +23,14 @@ QList<QWidget*> tabbed(QWidget& window) {
   return order;
 }
 
+/// A text that the mouse may select is no control.
+bool isSelectableText(const QWidget& widget) {
+  return qobject_cast<const QLabel*>(&widget) != nullptr && widget.focusPolicy() == Qt::ClickFocus;
+}
+
 bool canBeFocused(const QWidget& window, const QWidget& widget) {
-  return widget.isVisible() && widget.isEnabled() && widget.focusPolicy() != Qt::NoFocus &&
-         widget.window() == &window;
+  return !isSelectableText(widget) && widget.isVisible() && widget.isEnabled() &&
+         widget.focusPolicy() != Qt::NoFocus && widget.window() == &window;
 }
 
 /// Tab stands for all that arrow keys reach from there: the other options of a group, what a control consists

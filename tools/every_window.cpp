@@ -4,6 +4,7 @@
 #include <QDialog>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QShortcut>
 #include <QTabWidget>
 #include <QTimer>
 #include <QTreeView>
@@ -47,10 +48,13 @@ class Session {
     takeMain();
     takeMenu();
     takeProperties();
+    takeDeeds();
     takeDialogsOfTheMainWindow();
     takeArchive();
     takeOptions();
-    takeSmallOnes();
+    takeSmallOnes();  // with the quick form, whose end is the program's
+    takeBoxes();
+    takePickers();
     takeConsole();
     takeProgress();
     takeHelp();
@@ -77,16 +81,15 @@ class Session {
     dialog.close();
   }
 
-  /// Takes what `open` opens, once it is filled; `then` may go on from there before it is closed.
-  void takeModal(const std::function<void()>& open, const char* name,
-                 std::function<void(QWidget&)> then = {}) {
+  /// Takes what `open` opens, once it is what is wanted; `then` may go on from there before it is closed.
+  void takeOpened(const std::function<void()>& open, const char* name,
+                  const std::function<bool(const QWidget&)>& wanted,
+                  const std::function<void(QWidget&)>& then) {
     QTimer poll;
     poll.setInterval(20);
     QObject::connect(&poll, &QTimer::timeout, &window_, [&] {
       auto* const modal = QApplication::activeModalWidget();
-      if (modal == nullptr || modal->objectName() != QLatin1String(name) || host_.busy.held()) return;
-      const auto* const size = modal->findChild<QLabel*>(QStringLiteral("lblSize"));
-      if (size != nullptr && size->text() == QLatin1String("calculating...")) return;
+      if (modal == nullptr || !wanted(*modal)) return;
       poll.stop();
       take(*modal, name);
       if (then) then(*modal);
@@ -94,6 +97,23 @@ class Session {
     });
     poll.start();
     open();
+    if (poll.isActive()) qFatal("%s did not open", name);
+  }
+
+  /// A window of the program's own, once it is filled.
+  void takeModal(const std::function<void()>& open, const char* name,
+                 const std::function<void(QWidget&)>& then = {}) {
+    const auto filled = [this, name](const QWidget& modal) {
+      if (modal.objectName() != QLatin1String(name) || host_.busy.held()) return false;
+      const auto* const size = modal.findChild<QLabel*>(QStringLiteral("lblSize"));
+      return size == nullptr || size->text() != QLatin1String("calculating...");
+    };
+    takeOpened(open, name, filled, then);
+  }
+
+  /// A box that tells or asks; a job may wait for it.
+  void takeBox(const std::function<void()>& open, const char* name) {
+    takeOpened(open, name, [](const QWidget&) { return true; }, {});
   }
 
   void selectRows(const std::vector<std::string>& names) {
@@ -190,6 +210,39 @@ class Session {
     takeShown(download::frmWDXOptions(program_.services(), pickers_, std::string(folder) + ".tgz", &window_),
               "frmWDXOptions");
     takeShown(download::frmPortErr(1, &window_), "frmPortErr");
+  }
+
+  void takeDeeds() {
+    selectRows({"readme.txt"});
+    emit the<QShortcut>("keyRename").activated();
+    take(window_, "rename");
+    window_.refreshKeepList();  // takes the box away
+    QApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    selectRows({"readme.txt", "run.sh"});
+    takeBox([this] { emit the<QShortcut>("keyTrash").activated(); }, "box-question");
+  }
+
+  void takeBoxes() {
+    takeBox(
+        [this] {
+          user_.explainedMessage("Unable to connect to terminal",
+                                 "192.168.1.7, port 5142, refused the connection.\r"
+                                 "Is the terminal waiting for a download?",
+                                 runtime::Icon::Critical, "Error..");
+        },
+        "box-explained");
+    takeBox([this] { user_.showCommand("Command", "What is run:", "tar.exe -cf kt500-app.tar usr8"); },
+            "box-input");
+  }
+
+  void takePickers() {
+    platform::desktop::FileRequest request;
+    request.title = "Open";
+    request.startFolder = folder;
+    request.filter = "Tar Files|*.tar;*.tgz|All Files|*.*";
+    takeBox([&] { pickers_.openFile(request); }, "picker-open");
+    takeBox([&] { pickers_.saveFile(request); }, "picker-save");
+    takeBox([&] { pickers_.folder("Choose Folder", folder); }, "picker-folder");
   }
 
   /// After a run: progress, the loader's end, the pause.

@@ -76,6 +76,7 @@ int main(int argc, char** argv) {
   QDir().mkpath(arguments.at(1));
   bool ok = true;
   tools::openEveryWindow([&](QWidget& window, const char* name) {
+    if (window.inherits("QFileDialog")) return;  // Qt's own, which tells where the disk lies on this machine
     const QString file = arguments.at(1) + QLatin1Char('/') + QLatin1String(name) + QStringLiteral(".png");
     if (!save(window, file)) ok = false;
   });

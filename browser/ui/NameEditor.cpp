@@ -1,6 +1,7 @@
 #include "browser/ui/NameEditor.h"
 
 #include <QKeyEvent>
+#include <QLineEdit>
 
 namespace browser {
 
@@ -10,6 +11,7 @@ QWidget* NameEditor::createEditor(QWidget* parent, const QStyleOptionViewItem& o
   if (box == nullptr) return nullptr;
   box->setObjectName(QStringLiteral("txtName"));
   box->setAccessibleName(QStringLiteral("New name"));
+  if (auto* const line = qobject_cast<QLineEdit*>(box)) line->setFrame(true);  // Qt's style leaves it out
   return box;
 }
 
