@@ -54,6 +54,8 @@ std::string contentCommand(ArchiveKind kind, std::string_view archivePath, std::
          ToCygwinPath(archivePath) + " \"" + std::string(member) + '"';
 }
 
+bool readsAsPath(std::string_view member) { return member.starts_with("/cygdrive/"); }
+
 std::string memberList(const std::vector<std::string>& members) {
   std::string text;
   for (const std::string& member : members) text += '"' + member + "\" ";

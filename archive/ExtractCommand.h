@@ -34,6 +34,9 @@ std::string tarMemberCommand(runtime::ArchiveKind kind, std::string_view archive
 /// The bytes of the first member of that name, printed.
 std::string contentCommand(runtime::ArchiveKind kind, std::string_view archivePath, std::string_view member);
 
+/// A member's name that the runner, in a command, would take for a path on disk: "/cygdrive/C/x".
+bool readsAsPath(std::string_view member);
+
 /// Each member in double quotes and followed by one blank.
 std::string memberList(const std::vector<std::string>& members);
 

@@ -10,12 +10,6 @@ namespace {
 
 constexpr std::string_view blanks = " \t\v\f\r";  ///< that are taken off a line's end
 
-std::string quotedExcludes(const std::vector<std::string>& excludes) {
-  std::string text = "--anchored --no-wildcards ";
-  for (const std::string& exclude : excludes) text += "\"--exclude=" + exclude + "\" ";
-  return text;
-}
-
 std::string patternFor(std::string_view bytes) {
   constexpr std::string_view special = "\\*?[";
   std::string pattern;
@@ -32,10 +26,19 @@ std::string patternFor(std::string_view bytes) {
   return pattern;
 }
 
+/// With a backslash in front no absolute name reads as a path on disk.
+std::string quotedPattern(const std::string& name) {
+  const std::string pattern = platform::holdName(patternFor(platform::releaseName(name)));
+  return std::string("\"--exclude=") + (name.starts_with('/') ? "\\" : "") + pattern + "\" ";
+}
+
 }  // namespace
 
 std::string excludeOptions(const std::vector<std::string>& excludes) {
-  return excludes.empty() ? "" : quotedExcludes(excludes);
+  if (excludes.empty()) return "";
+  std::string text = "--anchored --no-wildcards ";
+  for (const std::string& exclude : excludes) text += "\"--exclude=" + exclude + "\" ";
+  return text;
 }
 
 ExcludeFiles excludeFiles(const std::vector<std::string>& excludes) {
@@ -53,17 +56,17 @@ ExcludeFiles excludeFiles(const std::vector<std::string>& excludes) {
 
 std::string excludeFileOptions(const std::string& names, const std::string& patterns) {
   return "--anchored --no-wildcards -X " + runtime::ToCygwinPath(names) + " --wildcards -X " +
-         runtime::ToCygwinPath(patterns) + ' ';
+         runtime::ToCygwinPath(patterns) + " --no-wildcards ";
 }
 
 std::string spareOptions(const std::vector<std::string>& folders, bool recursion) {
   if (folders.empty()) return "";
-  std::vector<std::string> names;
+  std::string text = "--no-recursion --anchored --wildcards ";
   for (std::string name : folders) {
     while (name.size() > 1 && name.ends_with('/')) name.pop_back();
-    names.push_back(std::move(name));
+    text += quotedPattern(name);
   }
-  return "--no-recursion " + quotedExcludes(names) + (recursion ? "--recursion " : "");
+  return text + "--no-wildcards " + (recursion ? "--recursion " : "");
 }
 
 }  // namespace archive

@@ -18,12 +18,13 @@ using Names = std::set<std::string, std::less<>>;
 /// One member as the guard sees it: inner forms, "/" between components.
 struct GuardedMember {
   std::string name;
-  char type = '-';  ///< as a verbose listing prints it: 'l' and 'h' are links, '-' where it is not known
+  /// As a verbose listing prints it: 'd' of a folder, 'l' and 'h' of links, '-' where it is not known.
+  char type = '-';
   std::string target = {};  ///< where a link leads; else empty
   /// What the line says as well, where a name or a target holds what stands between the two.
   std::vector<GuardedMember> otherReadings = {};
 
-  bool isFolder() const { return name.ends_with('/'); }
+  bool isFolder() const { return type == 'd' || name.ends_with('/'); }  ///< a header may lack the slash
 };
 
 /// Why a member is left out.

@@ -15,7 +15,8 @@
 namespace archive {
 namespace {
 
-bool beginsWithDash(const std::string& member) { return member.starts_with('-'); }
+/// On a command line it would be taken for an option or for a path on disk.
+bool isMisread(const std::string& member) { return member.starts_with('-') || readsAsPath(member); }
 
 /// ar (binutils 2.40) ends well then.
 bool lacksMember(std::string_view output) {
@@ -46,16 +47,14 @@ runtime::ToolResult ExtractRun::runTar() {
 /// nullopt: they could not be written, which the log tells.
 std::optional<std::string> ExtractRun::members() {
   const std::string names = memberList(plan_.members);
-  if (names.size() <= longestNameList &&
-      std::none_of(plan_.members.begin(), plan_.members.end(), beginsWithDash))
-    return names;
+  if (names.size() <= longestNameList && std::ranges::none_of(plan_.members, isMisread)) return names;
   if (!writeFile("names", namesFileText(plan_.members))) return std::nullopt;
   return namesFileOptions(place_->path() + "\\names");
 }
 
 bool ExtractRun::exclusions(std::string& options) {
   options = excludeOptions(plan_.excludes);
-  if (options.size() <= longestNameList) return true;
+  if (options.size() <= longestNameList && std::ranges::none_of(plan_.excludes, readsAsPath)) return true;
   const ExcludeFiles files = excludeFiles(plan_.excludes);
   if (!writeFile("excludes", files.names) || !writeFile("patterns", files.patterns)) return false;
   options = excludeFileOptions(place_->path() + "\\excludes", place_->path() + "\\patterns");

@@ -19,7 +19,7 @@ const std::string* coverOfAny(const Names& asked, const GuardedMember& member) {
 
 void keep(const GuardedMember& member, ExtractGuard& guard, Verdict& verdict) {
   verdict.kept.push_back(member.name);
-  if (member.isFolder() && guard.isOutFolder(member)) verdict.outFolders.push_back(member.name);
+  if (guard.isOutFolder(member)) verdict.outFolders.push_back(member.name);
   if (member.name.starts_with('/')) verdict.absolute.push_back(member.name);
   if (isRemark(platform::releaseName(member.name))) verdict.likeRemarks.insert(member.name);
 }

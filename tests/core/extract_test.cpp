@@ -157,14 +157,16 @@ TEST_F(ExtractTest, ManyRefusedMembersDoNotFillTheLog) {
 }
 
 TEST_F(ExtractTest, ALinkStaysAndIsFollowedOnlyInside) {
-  write("a.tar", tarOf({folder("stands/"), "stands/in", "in/new", symlink("abs", "/usr/lib"), "b"}));
   write("out/real/old");
   fs::create_directory_symlink("real", host("out/in"));
   fs::create_directory_symlink(host("outside"), host("out/stands"));
   script_.answers = {OverwriteAnswer::YesToAll};
-  EXPECT_NE(fromTree("a.tar").end, JobEnd::Done);
-  expectNothingOutside();
-  EXPECT_TRUE(fs::is_symlink(host("out/stands")) && fs::exists(host("out/b"))) << log_.all;
+  for (const char* const stands : {"stands/", "stands"}) {
+    write("a.tar", tarOf({folder(stands), "stands/in", "in/new", symlink("abs", "/usr/lib"), "b"}));
+    EXPECT_NE(fromTree("a.tar").end, JobEnd::Done);
+    expectNothingOutside();
+    EXPECT_TRUE(fs::is_symlink(host("out/stands")) && fs::exists(host("out/b"))) << log_.all;
+  }
   EXPECT_EQ(bytes("out/real/new"), "in/new");
   EXPECT_EQ(fs::read_symlink(host("out/abs")), "/usr/lib");
 }

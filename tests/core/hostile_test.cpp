@@ -50,7 +50,8 @@ TEST_F(HostileTest, TheCorpusStaysInItsFolder) {
 }
 
 TEST_F(HostileTest, TheOutputFolderKeepsItsModeAndOwner) {
-  for (const char* const name : {"./", "/", "././", "self/./"}) {
+  script_.answers = {tests::OverwriteAnswer::YesToAll};
+  for (const char* const name : {"./", "/", "././", "self/./", ".", "/.", "self/."}) {
     write("h.tar",
           tarOf({symlink("self", "."), with(with(folder(name), 100, "0000700"), 108, "0000777"), "x"}));
     for (const Form form : {Form::BesideLinks, Form::All, Form::Selected}) {
@@ -59,6 +60,22 @@ TEST_F(HostileTest, TheOutputFolderKeepsItsModeAndOwner) {
       EXPECT_EQ(tests::modeOf(host("out")), 0755U) << name;
       EXPECT_TRUE(tests::belongsTo(host("out"), geteuid(), getegid())) << name;
     }
+  }
+}
+
+TEST_F(HostileTest, NamesThatReadAsPathsOnDisk) {
+  write("h.tar",
+        tarOf({"/cygdrive/C/out/new", with(folder("/cygdrive/C/self/."), 100, "0000700"), "/cygdrive/C/a"}));
+  script_.answers = {tests::OverwriteAnswer::YesToAll};
+  for (const Form form : {Form::BesideLinks, Form::All}) {
+    emptyOut();
+    fs::create_directories(host("out/cygdrive/C"));
+    fs::create_symlink(host("outside"), host("out/cygdrive/C/out"));
+    fs::create_symlink("../..", host("out/cygdrive/C/self"));
+    EXPECT_EQ((form == Form::All ? fromTree("h.tar") : quick("h.tar")).end, JobEnd::Remarks) << log_.all;
+    EXPECT_EQ(contents(), "cygdrive/ cygdrive/C/ cygdrive/C/a cygdrive/C/out cygdrive/C/self ");
+    expectNothingOutside();
+    EXPECT_EQ(tests::modeOf(host("out")), 0755U);
   }
 }
 
@@ -86,11 +103,11 @@ TEST_F(HostileTest, LinksGiveWayToFoldersAndManyAreRefused) {
   for (int i = 0; i < 3000; ++i)
     members.push_back(hardLink(("h " + std::to_string(i) + "\n*").c_str(), "../outside/kept"));
   for (int i = 0; i < 3000; ++i) members.emplace_back(("out/" + std::to_string(i) + "[long name]").c_str());
-  members.insert(members.end(), {"h 7\n", "h 7\n+", "out2"});
+  members.insert(members.end(), {"h 7\n", "h 7\n+", "out2", "[x]"});
   write("h.tar", tarOf(members));
   for (const Form form : {Form::BesideLinks, Form::All}) {
     EXPECT_TRUE(extractAs(form, "h.tar").toolRan);
-    EXPECT_EQ(madeOf(form), "h 7\n h 7\n+ l/ l/x out out2 ") << log_.all;
+    EXPECT_EQ(madeOf(form), "[x] h 7\n h 7\n+ l/ l/x out out2 ") << log_.all;
     expectNothingOutside();
   }
 }
