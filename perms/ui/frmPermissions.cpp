@@ -33,6 +33,7 @@ frmPermissions::frmPermissions(const runtime::Services& services, PermissionItem
     const auto* const frame = qobject_cast<QGroupBox*>(box->parentWidget());
     box->setAccessibleName(frame->title() + ' ' + box->text());
   }
+  keepSize();
   fillExecutables();
   wireActions();
   // The form hears keys before its controls do.
@@ -66,6 +67,14 @@ void frmPermissions::wireActions() {
   actions_ = new platform::desktop::ActionTable(*this, services_.system.busy, std::move(rows));
   setWhileBusy(this, WhileBusy::Acts);  // Escape is Cancel, too; all else asks the gate
   connect(ui_->listExecutables, &QListWidget::itemClicked, this, &frmPermissions::listExecutables_Click);
+}
+
+/// Qt 6.4 under X11 puts a window that grows just after it came up into the corner of the screen, now and
+/// then.
+void frmPermissions::keepSize() {
+  QSizePolicy policy = ui_->checkSubDirs->sizePolicy();
+  policy.setRetainSizeWhenHidden(true);
+  ui_->checkSubDirs->setSizePolicy(policy);
 }
 
 void frmPermissions::fillExecutables() {

@@ -40,6 +40,7 @@ class frmPermissions : public QDialog {
 
  private:
   void wireActions();
+  void keepSize();
   void fillExecutables();
   void showModes(const ShownModes& shown);
   void setBox(std::size_t box, Box state);

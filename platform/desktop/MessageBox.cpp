@@ -3,12 +3,48 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QPointer>
+#include <QScreen>
+#include <QScrollArea>
+#include <QScrollBar>
 
 #include "platform/desktop/ActiveWindow.h"
 #include "platform/desktop/Text.h"
 
 namespace platform::desktop {
 namespace {
+
+constexpr qsizetype mostLines = 500;  // a tool may write one for each of many files
+constexpr int column = 400;           // pixels; about what the box gives a text that is wrapped
+
+QString firstLines(const QString& text) {
+  qsizetype end = -1;
+  for (qsizetype line = 0; line < mostLines; ++line) {
+    end = text.indexOf(QLatin1Char('\n'), end + 1);
+    if (end < 0) return text;
+  }
+  const QStringView rest = QStringView(text).sliced(end).trimmed();
+  if (rest.isEmpty()) return text;
+  return text.left(end) + QStringLiteral("\n(%1 more lines)").arg(rest.count(QLatin1Char('\n')) + 1);
+}
+
+/// A text that would push the buttons off the screen, or a name in it that would be cut, is scrolled.
+void letScroll(QMessageBox& box) {
+  auto* const label = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
+  const QSize room = box.screen()->availableSize() / 2;
+  const QRect place(0, 0, qMin(column, room.width()), 0);
+  const QSize needed = label->fontMetrics().boundingRect(place, Qt::TextWordWrap, label->text()).size();
+  if (needed.boundedTo(room) == needed) return;
+  auto* const area = new QScrollArea(&box);
+  area->setObjectName(QStringLiteral("scrollText"));
+  area->setAccessibleName(QStringLiteral("Message"));
+  area->setFrameShape(QFrame::NoFrame);
+  const int bar = area->verticalScrollBar()->sizeHint().width();
+  area->setMinimumSize(needed.boundedTo(room) + QSize(bar, bar));
+  delete box.layout()->replaceWidget(label, area);
+  label->setWordWrap(true);
+  area->setWidget(label);
+  area->setWidgetResizable(true);
+}
 
 QMessageBox::Icon iconOf(BoxIcon icon) {
   switch (icon) {
@@ -47,7 +83,7 @@ BoxAnswer messageBox(std::string_view text, std::string_view title, BoxIcon icon
                      std::string_view explanation, bool refusalPreset) {
   // Its window may be unloaded while the box waits and takes the box along, hence the guarded pointer.
   const QPointer<QMessageBox> box = new QMessageBox(activeWindow());
-  box->setText(toShown(text));
+  box->setText(firstLines(toShown(text)));
   box->setInformativeText(toShown(explanation));
   // The box's own switch is for its text alone.
   for (QLabel* const label : box->findChildren<QLabel*>()) label->setTextFormat(Qt::PlainText);
@@ -58,6 +94,7 @@ BoxAnswer messageBox(std::string_view text, std::string_view title, BoxIcon icon
       buttons == BoxButtons::YesNo ? QMessageBox::Yes : QMessageBox::Ok;
   box->setDefaultButton(refusalPreset ? refusalOf(buttons) : agreed);
   box->setEscapeButton(refusalOf(buttons));
+  letScroll(*box);
   box->exec();
   if (box.isNull()) return answerOf(refusalOf(buttons));
   const QMessageBox::StandardButton pressed = box->standardButton(box->clickedButton());

@@ -23,11 +23,9 @@ frmAbout::frmAbout(QWidget* parent) : QDialog(parent), ui_(std::make_unique<Ui::
 
 frmAbout::~frmAbout() = default;
 
+/// The control that had the focus in the main window has it again.
 void frmAbout::cmdOK_Click() {
-  if (QWidget* mainWindow = parentWidget()) {
-    mainWindow->activateWindow();
-    mainWindow->setFocus(Qt::OtherFocusReason);
-  }
+  if (QWidget* mainWindow = parentWidget()) mainWindow->activateWindow();
   accept();
 }
 

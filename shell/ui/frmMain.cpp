@@ -144,9 +144,11 @@ void frmMain::mnuAdmin_Click() {
 void frmMain::mnuContent_Click() { openHelp(program_, this); }
 
 void frmMain::mnuAbout_Click() {
-  auto* about = new frmAbout(this);
+  auto* about = findChild<frmAbout*>();
+  if (about == nullptr) about = new frmAbout(this);
   about->setAttribute(Qt::WA_DeleteOnClose);
   about->show();
+  about->activateWindow();
 }
 
 void frmMain::mnuSerial_Click() {

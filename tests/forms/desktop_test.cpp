@@ -58,6 +58,31 @@ TEST(DesktopUser, AnExplanationStandsBelowAsPlainText) {
   shell::DesktopUser(busy).explainedMessage("text", "<b>a</b>\rb", Icon::Critical, "title");
 }
 
+TEST(DesktopUser, ALongTextStaysOnTheScreenAndIsWholeThere) {
+  platform::Busy busy;
+  const auto told = [&busy](const std::string& text, bool scrolls) {
+    QString shown;
+    onNextModal<QMessageBox>([&](QMessageBox& box) {
+      const QRect screen = box.screen()->availableGeometry();
+      EXPECT_TRUE(screen.contains(box.frameGeometry())) << box.height();
+      const auto* const area = box.findChild<QScrollArea*>();
+      EXPECT_EQ(area != nullptr, scrolls);
+      const auto& label = the<QLabel>(box, "qt_msgbox_label");
+      EXPECT_GE(label.width(), label.minimumSizeHint().width());
+      EXPECT_GE(label.height(), label.heightForWidth(label.width()));
+      shown = box.text();
+      box.button(QMessageBox::Ok)->click();
+    });
+    shell::DesktopUser(busy).message(text, Buttons::Ok, Icon::Critical);
+    return shown;
+  };
+  const auto lines = [](int count) { return QString("chmod: a b\n").repeated(count); };
+  EXPECT_EQ(told(lines(3).toStdString(), false), lines(3));
+  EXPECT_EQ(told(lines(500).toStdString(), true), lines(500));
+  EXPECT_EQ(told(lines(70000).toStdString(), true), lines(500) + "(69500 more lines)");
+  told("C:\\" + std::string(250, 'x') + " does not exist, create it?", true);
+}
+
 TEST(DesktopUser, BoxOutlivesItsWindowBeingUnloaded) {
   auto* window = new QWidget;
   window->show();
@@ -177,16 +202,19 @@ void checkForm(QDialog& form, const char* caption) {
   EXPECT_EQ(QAccessible::queryAccessibleInterface(&form)->text(QAccessible::Name), QString(caption));
 }
 
-TEST(frmAbout, CaptionsAndOkHandsOverTheFocus) {
+TEST(frmAbout, CaptionsAndOkHandsTheFocusBack) {
   QWidget mainWindow;
-  mainWindow.setFocusPolicy(Qt::StrongFocus);
+  QLineEdit control(&mainWindow);
   mainWindow.show();
+  mainWindow.activateWindow();
+  control.setFocus();
   shell::frmAbout about(&mainWindow);
   checkForm(about, "About Pakrune");
+  about.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&about) && !control.hasFocus());
   press(about, "cmdOK");
-  QApplication::processEvents();
   EXPECT_FALSE(about.isVisible());
-  EXPECT_TRUE(mainWindow.hasFocus());
+  EXPECT_TRUE(QTest::qWaitFor([&] { return control.hasFocus(); }));
 }
 
 class NoticeTest : public testworld::World {};

@@ -203,6 +203,8 @@ TEST_F(MainTest, OptionsAndAboutOpen) {
   QTest::mouseClick(find("lblHalvoren"), Qt::LeftButton);
   const auto* const about = find<QDialog>("frmAbout");
   EXPECT_TRUE(about->isVisible() && !about->isModal());
+  action("mnuAbout")->trigger();
+  EXPECT_EQ(window_.findChildren<QDialog*>("frmAbout").size(), 1);
 }
 
 TEST_F(MainTest, AdminTestTellsWhatTheSystemSays) {

@@ -46,7 +46,13 @@ class PermissionsFormTest : public testworld::World {
 };
 
 TEST_F(PermissionsFormTest, OpensAsThePreferencesSay) {
+  QSize atFirst;
+  person_.onEvents = [&] {
+    if (atFirst.isEmpty()) atFirst = form_->size();
+    QApplication::processEvents();
+  };
   open({"a", "d"});
+  EXPECT_EQ(form_->size(), atFirst);
   tests::checkTexts(*form_);
   EXPECT_TRUE(find<QRadioButton>("optAuto")->isChecked());
   EXPECT_EQ(boxes(), "xx.x..x..");
