@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <array>
+#include <cerrno>
 
 #include "platform/HeldName.h"
 
@@ -54,11 +55,11 @@ std::string targetOf(const std::string& hostPath) {
 
 }  // namespace
 
-LsEntry lsEntryOf(const std::string& hostPath) {
+std::optional<LsEntry> lsEntryOf(const std::string& hostPath) {
   struct stat status {};
-  if (lstat(hostPath.c_str(), &status) != 0) return {};
-  return {modeText(status.st_mode), true, status.st_uid, status.st_gid,
-          S_ISLNK(status.st_mode) ? targetOf(hostPath) : std::string()};
+  if (lstat(hostPath.c_str(), &status) != 0) return errno == ENOENT ? std::nullopt : std::optional(LsEntry());
+  return LsEntry{modeText(status.st_mode), true, status.st_uid, status.st_gid,
+                 S_ISLNK(status.st_mode) ? targetOf(hostPath) : std::string()};
 }
 
 }  // namespace browser

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 namespace browser {
@@ -16,7 +17,8 @@ struct LsEntry {
   bool operator==(const LsEntry&) const = default;
 };
 
-/// What `ls` would say of an entry, asked of the system; without a mode where there is none.
-LsEntry lsEntryOf(const std::string& hostPath);
+/// What `ls` would say of an entry, asked of the system; without a mode where nobody may ask. nullopt: it is
+/// not there.
+std::optional<LsEntry> lsEntryOf(const std::string& hostPath);
 
 }  // namespace browser

@@ -33,11 +33,15 @@ class QuietListing::Work {
   std::vector<PaneRow> rows() const {
     runtime::FileClass entries(drives_);
     entries.Refresh(folder_ + "\\*");
-    std::vector<PaneRow> rows = paneRows(entries, choice_);
     const std::string host = drives_.toHost(folder_).value_or(std::string()) + '/';
-    for (PaneRow& row : rows) row.ls = lsEntryOf(host + platform::releaseName(row.name));
-    std::erase_if(rows, [](const PaneRow& row) { return row.ls.mode.empty(); });
-    for (std::size_t i = 0; i < rows.size(); ++i) rows[i].place = i;
+    std::vector<PaneRow> rows;
+    for (PaneRow& row : paneRows(entries, choice_)) {
+      std::optional<LsEntry> entry = lsEntryOf(host + platform::releaseName(row.name));
+      if (!entry) continue;
+      row.ls = std::move(*entry);
+      row.place = rows.size();
+      rows.push_back(std::move(row));
+    }
     return rows;
   }
 

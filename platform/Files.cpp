@@ -189,8 +189,9 @@ int Files::moveFile(std::string_view from, std::string_view to, Existing existin
                                                                       : errno;
   if (error != EXDEV) return error;
   RegularFile file(*source);
+  if (!file) return errno;
   Replacement copy(*target, S_IRUSR | S_IWUSR);
-  if (!file || !copy) return errno;
+  if (!copy) return errno;
   if (const int failed = copyInto(file, copy, true, stop); failed != 0) return failed;
   if (stop.requested()) return ECANCELED;
   const int placed = copy.commit(existing);

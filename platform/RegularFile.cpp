@@ -4,14 +4,19 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <utility>
 
 #include "platform/Replacement.h"
 
 namespace platform {
 
-RegularFile::RegularFile(const std::string& hostPath)
-    : file_(open(hostPath.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC)) {
-  if (fstat(file_.get(), &status_) != 0 || !S_ISREG(status_.st_mode)) file_ = Descriptor();
+RegularFile::RegularFile(const std::string& hostPath) {
+  Descriptor file(open(hostPath.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+  if (!file || fstat(file.get(), &status_) != 0) return;
+  if (S_ISREG(status_.st_mode))
+    file_ = std::move(file);
+  else
+    errno = EINVAL;
 }
 
 bool RegularFile::unchanged() const {

@@ -14,7 +14,7 @@ namespace platform {
 /// ever.
 class RegularFile {
  public:
-  explicit RegularFile(const std::string& hostPath);
+  explicit RegularFile(const std::string& hostPath);  ///< where it does not open, errno says why
   explicit operator bool() const { return static_cast<bool>(file_); }
 
   mode_t mode() const { return status_.st_mode; }  ///< as it was opened

@@ -3,6 +3,7 @@
 #include <QGuiApplication>
 #include <QPalette>
 #include <unordered_map>
+#include <unordered_set>
 
 #include "browser/RowDetails.h"
 #include "platform/desktop/ReadableColour.h"
@@ -80,11 +81,16 @@ void DirPaneModel::movePersistent(const std::vector<std::size_t>& placesBefore) 
   changePersistentIndexList(before, after);
 }
 
+/// A name that somebody makes anew while its folder is read may be told of twice.
 bool DirPaneModel::updateRows(std::vector<PaneRow>& rows) {
   std::unordered_map<std::string_view, std::size_t> found;
   found.reserve(rows.size());
   for (std::size_t i = 0; i < rows.size(); ++i) found.emplace(rows[i].name, i);
-  const auto gone = [&](std::size_t row) { return !found.contains(rows_[row].name); };
+  if (found.size() < rows.size()) return false;
+  std::unordered_set<std::string_view> kept;
+  const auto gone = [&](std::size_t row) {
+    return !found.contains(rows_[row].name) || !kept.insert(rows_[row].name).second;
+  };
   std::vector<std::pair<std::size_t, std::size_t>> ranges;
   for (std::size_t row = 0; row < rows_.size(); ++row) {
     if (!gone(row)) continue;

@@ -23,7 +23,8 @@ class DirPaneModel : public QAbstractTableModel {
   void setRows(std::vector<PaneRow> rows);  ///< in listing order; they show in the model's
   const std::vector<PaneRow>& rows() const { return rows_; }
   /// Makes the rows these, in listing order and with all that `ls` says, telling the views of the differences
-  /// only, and takes them. False where those are so scattered that setRows() is quicker: nothing has changed.
+  /// only, and takes them. False where those are so scattered that setRows() is quicker, or two have one
+  /// name: nothing has changed.
   bool updateRows(std::vector<PaneRow>& rows);
   /// Of the rows whose places begin with `first`; it shows with the next showModes().
   void setModes(std::size_t first, std::vector<LsEntry> entries);

@@ -51,6 +51,7 @@ void FileDrops::open(const std::vector<std::string>& paths) {
     if (runtime::getFilePath(path) == folder) names.push_back(runtime::GetFileName(path));
   const platform::Busy::Scope busy(services_.system.busy);
   frame_.openFolder(folder);
+  if (frame_.GetDir1Path() != folder) return;
   {
     const PaneSelection::Lock lock(selection_);
     pane_.clearSelected();

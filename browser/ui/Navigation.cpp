@@ -99,7 +99,7 @@ void Navigation::travel(std::vector<std::string>& from, std::vector<std::string>
   while (!rest.empty()) {
     const std::string target = std::move(rest.back());
     rest.pop_back();
-    if (!openLocked(target)) continue;
+    if (target == folders_.path() || !openLocked(target)) continue;
     from = std::move(rest);
     to = std::move(passed);
     return;
@@ -121,7 +121,7 @@ void Navigation::openFolder(const std::string& path) {
     const DriveLock lock(*this);
     if (!drives_.setDrive(wanted)) return;
     services_.user.letEventsRun();
-    if (!folders_.setPath(wanted)) return;
+    if (!folders_.setPath(wanted)) return folders_.refused(wanted);
   }
   if (folders_.path() == before) emit folderChanged();
 }

@@ -79,7 +79,7 @@ void PaneDeeds::edit(const std::string& name) {
 
 /// The row goes on as the current one, and selected where it was.
 void PaneDeeds::rename(const std::string& name, const std::string& typed) {
-  if (services_.system.busy.held()) return;
+  if (services_.system.busy.held() || typed == name) return;
   const platform::Busy::Scope busy(services_.system.busy);
   const std::vector<std::string> selected = selection_.names();
   const std::string renamed = deeds().rename(name, typed);
@@ -130,7 +130,7 @@ void PaneDeeds::copyHostPaths() {
   for (const std::string& name : selection_.names()) {
     const std::string host = services_.system.drives.toHost(frame_.GetDir1Path() + name).value_or("");
     const QString line = QString::fromStdString(host);
-    const bool text = line.toStdString() == host && host.find('\n') == host.npos;
+    const bool text = line.toStdString() == host && host.find_first_of("\r\n") == host.npos;
     (text ? copied : left).push_back(text ? name : name + " (its path is no text)");
     if (text) lines.append(line);
   }

@@ -1,6 +1,5 @@
 #include "browser/ui/PaneListing.h"
 
-#include <QScrollBar>
 #include <algorithm>
 #include <utility>
 
@@ -85,17 +84,30 @@ void PaneListing::keepingSelection(const std::function<void()>& list) {
   selection_.read();
   const std::vector<std::string> selected = selection_.names();
   const int row = pane_.currentRow();
-  const int scrolled = pane_.view().verticalScrollBar()->value();
-  const std::string current = row < 0 ? std::string() : model_.rows()[static_cast<std::size_t>(row)].name;
+  const std::vector<std::string> candidates = nearestFirst(row);
+  const PaneViews::Scrolled scrolled(pane_);
   list();
   {
     const PaneSelection::Lock lock(selection_);
     pane_.selectRows(model_.rowsOf(selected));
-    const std::vector<int> place = model_.rowsOf({current});
+    const std::vector<int> places = model_.rowsOf(candidates);
     const int last = static_cast<int>(model_.rows().size()) - 1;
-    pane_.returnTo(place.empty() ? std::min(row, last) : place.front(), scrolled);  // else its neighbour
+    const int current = places.empty() ? std::min(row, last) : places.front();
+    if (current >= 0) pane_.makeCurrent(current);
+    scrolled.restore();
   }
   selection_.read();
+}
+
+/// The names of a row, of those below it and of those above it: the first that stays goes on as the current
+/// one.
+std::vector<std::string> PaneListing::nearestFirst(int row) const {
+  std::vector<std::string> names;
+  const std::vector<PaneRow>& rows = model_.rows();
+  for (int below = row; below >= 0 && below < model_.rowCount(); ++below)
+    names.push_back(rows[static_cast<std::size_t>(below)].name);
+  for (int above = row - 1; above >= 0; --above) names.push_back(rows[static_cast<std::size_t>(above)].name);
+  return names;
 }
 
 void PaneListing::rowsFound(std::vector<PaneRow> rows) {

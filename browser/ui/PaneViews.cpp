@@ -134,6 +134,9 @@ class CellDelegate : public NameEditor {
   QListView* view_;
 };
 
+/// Its window's focus, also while the user is in another window.
+bool standsOn(const QWidget& widget) { return widget.window()->focusWidget() == &widget; }
+
 void prepare(QAbstractItemView& view, const char* name) {
   view.setObjectName(QLatin1String(name));
   view.setAccessibleName(QStringLiteral("Files and folders"));
@@ -227,14 +230,14 @@ void PaneViews::setBusy(const platform::Busy& busy) {
 
 void PaneViews::setListing(bool listing) {
   if (listing) {
-    const bool focused = view().hasFocus();
+    const bool focused = standsOn(view());
     setFocusProxy(nullptr);
     if (focused) setFocus();
   }
   details_->setEnabled(!listing);
   icons_->setEnabled(!listing);
   if (listing) return;
-  const bool waited = hasFocus();
+  const bool waited = standsOn(*this);
   setFocusProxy(currentWidget());
   if (waited) view().setFocus();
 }
@@ -260,7 +263,7 @@ void PaneViews::setViewMode(int mode) {
     icons_->setGridSize(large ? QSize(18 * letter, largeIcon + 2 * line + 12)
                               : QSize(30 * letter, std::max(smallIcon, line) + 6));
   }
-  const bool focused = view().hasFocus();
+  const bool focused = standsOn(view());
   setCurrentWidget(mode == 3 ? static_cast<QWidget*>(details_) : icons_);
   if (!listing()) setFocusProxy(currentWidget());
   if (focused) view().setFocus();
@@ -283,6 +286,17 @@ PaneViews::Place::Place(PaneViews& pane) : pane_(pane) {
 
 PaneViews::Place::~Place() {
   if (top_.isValid()) pane_.view().scrollTo(top_, QAbstractItemView::PositionAtTop);
+}
+
+PaneViews::Scrolled::Scrolled(const PaneViews& pane)
+    : pane_(pane),
+      view_(pane.view()),
+      place_(view_.horizontalScrollBar()->value(), view_.verticalScrollBar()->value()) {}
+
+void PaneViews::Scrolled::restore() const {
+  if (&view_ != &pane_.view()) return;
+  view_.horizontalScrollBar()->setValue(place_.x());
+  view_.verticalScrollBar()->setValue(place_.y());
 }
 
 int PaneViews::currentRow() const { return view().currentIndex().row(); }
@@ -335,11 +349,6 @@ void PaneViews::clearCurrentRow() { view().selectionModel()->clearCurrentIndex()
 void PaneViews::clearSelected() {
   clearCurrentRow();
   view().selectionModel()->clearSelection();
-}
-
-void PaneViews::returnTo(int row, int scrolled) {
-  if (row >= 0) makeCurrent(row);
-  view().verticalScrollBar()->setValue(scrolled);
 }
 
 }  // namespace browser

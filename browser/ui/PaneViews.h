@@ -47,6 +47,18 @@ class PaneViews : public QStackedWidget {
     QPersistentModelIndex top_;  // none at the very top
   };
 
+  /// Where a view was scrolled to, while its rows are replaced.
+  class Scrolled {
+   public:
+    explicit Scrolled(const PaneViews& pane);
+    void restore() const;  ///< nothing where another view shows now
+
+   private:
+    const PaneViews& pane_;
+    const QAbstractItemView& view_;
+    QPoint place_;
+  };
+
   void fitNames();             ///< after its width or that of a column has changed
   void setViewMode(int mode);  ///< 0 icons, 2 list, 3 details
   QAbstractItemView& view() const;
@@ -59,8 +71,6 @@ class PaneViews : public QStackedWidget {
   void goToSelected();  ///< the first of them becomes the current row and is scrolled into view
   void clearCurrentRow();
   void clearSelected();  ///< no row is selected or the current one
-  /// Makes a row the current one (-1: none) without selecting it, and scrolls to a former place.
-  void returnTo(int row, int scrolled);
 
  protected:
   void keyReleaseEvent(QKeyEvent* event) override;

@@ -196,6 +196,7 @@ void frameMain::readModes() {
 
 void frameMain::openDirPane() {
   const Busy::Scope busy(services_.system.busy);
+  ui_->DirPaneViews->view().scrollToTop();
   fillDirPane();
   selection_->reset();
 }
@@ -374,17 +375,23 @@ void frameMain::cmdRefreshFiles_Click() {
 
 void frameMain::Filter_Click() {
   if (loading_) return;
-  if (ui_->Filter->currentIndex() == ui_->Filter->count() - 1) {
-    frmPattern dialog(customPattern_, window());
-    if (dialog.exec() == QDialog::Accepted) customPattern_ = dialog.pattern();
-  }
+  if (ui_->Filter->currentIndex() == ui_->Filter->count() - 1) askForPattern();
   refreshKeepList();
   focusDirPane();
 }
 
+bool frameMain::askForPattern() {
+  frmPattern dialog(customPattern_, window());
+  if (dialog.exec() != QDialog::Accepted) return false;
+  customPattern_ = dialog.pattern();
+  return true;
+}
+
 void frameMain::choosePattern() {
+  if (!askForPattern()) return;
   ui_->Filter->setCurrentIndex(ui_->Filter->count() - 1);
-  Filter_Click();
+  refreshKeepList();
+  focusDirPane();
 }
 
 void frameMain::typeLocation() {

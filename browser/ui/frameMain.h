@@ -107,6 +107,7 @@ class frameMain : public QFrame {
   void cmdDirPaneUp_Click();
   void cmdRefreshFiles_Click();
   void Filter_Click();
+  bool askForPattern();  // false: cancelled
   void choosePattern();
   void typeLocation();
   void File1_Click();

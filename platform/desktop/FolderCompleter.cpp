@@ -43,21 +43,23 @@ FolderCompleter::FolderCompleter(QLineEdit& box, const DriveTable& drives,
 void FolderCompleter::read(const QString& typed) {
   const QString front = frontOf(typed);
   const bool hidden = typed.mid(front.size()).startsWith(QLatin1Char('.'));
-  if (front == front_ && hidden == hidden_ && texts_.rowCount() > 0) return;
+  const std::string base = folder_();
+  if (base == base_ && front == front_ && hidden == hidden_ && texts_.rowCount() > 0) return;
+  base_ = base;
   front_ = front;
   hidden_ = hidden;
-  texts_.setStringList(folders(front, hidden));
+  texts_.setStringList(folders());
 }
 
-QStringList FolderCompleter::folders(const QString& front, bool hidden) const {
-  const std::string base = folder_();
-  const TypedPath path = front.isEmpty() ? TypedPath{base, ""} : typedPath(drives_, fromControl(front), base);
+QStringList FolderCompleter::folders() const {
+  const TypedPath path =
+      front_.isEmpty() ? TypedPath{base_, ""} : typedPath(drives_, fromControl(front_), base_);
   QStringList texts;
   if (!path) return texts;
   for (const Files::Entry& entry : Files(drives_).entries(path.path).value_or(std::vector<Files::Entry>())) {
-    if (!entry.isFolder || entry.name.starts_with('.') != hidden) continue;
-    const QString name = nameAsTyped(entry.name, isHostPath(front));
-    if (!name.isEmpty()) texts.append(front + name);
+    if (!entry.isFolder || entry.name.starts_with('.') != hidden_) continue;
+    const QString name = nameAsTyped(entry.name, isHostPath(front_));
+    if (!name.isEmpty()) texts.append(front_ + name);
   }
   return texts;
 }

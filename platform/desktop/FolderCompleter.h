@@ -21,12 +21,13 @@ class FolderCompleter : public QCompleter {
 
  private:
   void read(const QString& typed);
-  QStringList folders(const QString& front, bool hidden) const;
+  QStringList folders() const;
 
   const DriveTable& drives_;
   std::function<std::string()> folder_;
   QStringListModel texts_;
-  QString front_;  // of the texts that are offered: up to the last separator
+  std::string base_;  // where they began when they were read
+  QString front_;     // of the texts that are offered: up to the last separator
   bool hidden_ = false;
 };
 

@@ -1,6 +1,7 @@
 #include "browser/FolderListing.h"
 #include "browser/ModePass.h"
 #include "browser/PaneSort.h"
+#include "browser/QuietListing.h"
 #include "browser/RefreshPace.h"
 #include "browser/SelectedRows.h"
 #include "runtime/ImageKeys.h"
@@ -303,6 +304,17 @@ TEST_F(Listing, AFolderThatCannotBeReadSaysWhy) {
     return told("C:\\empty").empty() &&
            told("C:\\closed") == "Permission denied Unable to read folder: C:\\closed (Permission denied)\n";
   }));
+  write("closed/x");
+  chmod(host("closed").c_str(), 0744);
+  EXPECT_TRUE(tests::asOrdinaryUser([&] {
+    browser::QuietListing quiet(drives_, "C:\\closed", {});
+    std::optional<browser::QuietListing::Found> found;
+    for (int tries = 0; tries < 500 && !found; ++tries) {
+      usleep(10000);
+      found = quiet.take();
+    }
+    return found && found->rows.size() == 1 && found->rows.front().ls == browser::LsEntry();
+  })) << "what nobody may ask of has a row too";
 }
 
 TEST_F(Listing, SelectionsAndBothWaysOfCounting) {

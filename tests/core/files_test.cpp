@@ -132,6 +132,8 @@ TEST_F(FilesTest, AMoveToAnotherFileSystemKeepsModeAndOwnerAndSpares) {
   EXPECT_EQ(files.moveFile("C:\\a.txt", "M:\\taken", Existing::Spared), EEXIST);
   EXPECT_EQ(tests::bytesOf(far + "/taken"), "theirs");
   EXPECT_EQ(std::distance(fs::directory_iterator(far), fs::directory_iterator()), 1);
+  ASSERT_EQ(mkfifo(host("pipe").c_str(), 0600), 0);
+  EXPECT_EQ(files.moveFile("C:\\pipe", "M:\\" + std::string(300, 'x'), Existing::Replaced), EINVAL);
   EXPECT_EQ(files.moveFile("C:\\a.txt", "M:\\taken", Existing::Replaced), 0);
   EXPECT_FALSE(files.entryExists("C:\\a.txt"));
   EXPECT_EQ(tests::bytesOf(far + "/taken"), "text");

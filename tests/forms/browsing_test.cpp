@@ -1,6 +1,7 @@
 #include <sys/stat.h>
 
 #include "browser/ui/ApplyLayout.h"
+#include "browser/ui/DirPaneModel.h"
 #include "browser/ui/frameMain.h"
 #include "browser/ui/frmPattern.h"
 #include "platform/HeldName.h"
@@ -208,10 +209,21 @@ TEST_F(Browser, TheWayBackAndThePlaceAreKept) {
   key(Qt::Key_Right, Qt::AltModifier);
   EXPECT_EQ(frame_->dir1Path(), "C:\\zeta") << "a new way has no forward";
   frame_->openFolder("C:\\");
+  fs::remove_all(host("zeta"));
+  key(Qt::Key_Left, Qt::AltModifier);
+  EXPECT_EQ(frame_->dir1Path() + "\\", cygwin_.GetEXEPath()) << "the folder that is shown is passed over";
+  frame_->openFolder("C:\\");
+  for (const char* name : {"D", "E"}) write(name);
+  frame_->refreshKeepList();
   click("b.txt");
-  fs::remove(host("b.txt"));
+  for (const char* name : {"a.tgz", "b.txt"}) fs::remove(host(name));
   frame_->refreshKeepList();
   EXPECT_EQ(current(), "C.c") << "the neighbour";
+  click("E");
+  for (const char* name : {"D", "E"}) fs::remove(host(name));
+  for (const char* name : {"0", "1", "2"}) write(name);
+  frame_->refreshKeepList();
+  EXPECT_EQ(current(), "C.c") << "the one above the last";
 }
 
 TEST_F(Browser, ColumnsSortBothWays) {
@@ -264,10 +276,10 @@ TEST_F(Browser, FilterAndPattern) {
       accept ? QTest::keyClick(&name, Qt::Key_Return) : tests::press(*dialog, "cmdCancel");
     });
     time > 1 ? chooseFilter(9) : key(Qt::Key_F, Qt::ControlModifier);
-    EXPECT_EQ(shown().size(), accept ? 3U : 5U);
+    EXPECT_EQ(shown().back(), accept ? "C.c" : "a.tgz");
+    EXPECT_EQ(child<QComboBox>("Filter")->currentIndex(), accept ? 9 : 6);
     EXPECT_EQ(QApplication::activeModalWidget(), nullptr);
   }
-  EXPECT_EQ(shown().back(), "C.c");
   EXPECT_EQ(window_.focusWidget(), tree());
   frame_->setLoading(true);
   chooseFilter(0);
@@ -539,6 +551,10 @@ TEST_F(Browser, AFolderThatCannotBeOpenedIsTold) {
   EXPECT_EQ(log_.all, " Unable to open folder: C:\\zeta (No such file or directory)\n");
   doubleClick("sub");
   EXPECT_NE(log_.all.find("open folder: C:\\sub (No such"), std::string::npos);
+  write("new/x");
+  whenEventsRun_ = [this] { fs::remove_all(host("new")); };
+  frame_->openFolder("C:\\new");
+  EXPECT_NE(log_.all.find("open folder: C:\\new (No such"), std::string::npos);
   EXPECT_EQ(frame_->dir1Path(), "C:\\");
 }
 
@@ -552,6 +568,38 @@ TEST_F(Browser, ScatteredChangesKeepSelectionAndPlace) {
   EXPECT_TRUE(QTest::qWaitFor([&] { return rows() == 205; }, 4000)) << rows();
   EXPECT_EQ(summary(), "1 items (1 files, 0 folders)");
   EXPECT_NE(tree()->verticalScrollBar()->value(), 0);
+  tree()->header()->resizeSection(1, 2000);
+  QApplication::processEvents();
+  tree()->horizontalScrollBar()->setValue(100);
+  ASSERT_EQ(tree()->horizontalScrollBar()->value(), 100);
+  QWidget other;
+  other.show();
+  other.activateWindow();
+  ASSERT_TRUE(QTest::qWaitForWindowActive(&other));
+  frame_->refreshKeepList();
+  EXPECT_EQ(tree()->horizontalScrollBar()->value(), 100);
+  EXPECT_EQ(window_.focusWidget(), tree()) << "also while the user is elsewhere";
+  for (const std::string& name : numbered("sub/f", 400)) write(name);
+  frame_->openFolder("C:\\sub");
+  EXPECT_EQ(tree()->verticalScrollBar()->value(), 0) << "another folder is shown from its top";
+}
+
+TEST_F(Browser, ANameToldOfTwiceIsRemovedOnce) {
+  browser::DirPaneModel model;
+  const auto rows = [](const Names& names) {
+    std::vector<browser::PaneRow> made;
+    for (const std::string& name : names) {
+      made.emplace_back().name = name;
+      made.back().place = made.size() - 1;
+    }
+    return made;
+  };
+  model.setRows(rows({"a", "b", "a"}));
+  std::vector<browser::PaneRow> twice = rows({"b", "b"});
+  EXPECT_FALSE(model.updateRows(twice));
+  std::vector<browser::PaneRow> once = rows({"a", "b"});
+  EXPECT_TRUE(model.updateRows(once));
+  EXPECT_EQ(model.rowCount(), 2);
 }
 
 TEST_F(Browser, HostileNamesStayThemselves) {

@@ -137,7 +137,8 @@ TEST_F(Disk, DriveListTellsOfEachChangeOnce) {
 TEST_F(Disk, FoldersAreOfferedAsTheyAreTyped) {
   QDir(folder.path()).mkpath("c/a/.h");
   QLineEdit box;
-  FolderCompleter completer(box, drives, [] { return "C:\\a"; });
+  std::string base = "C:\\a";
+  FolderCompleter completer(box, drives, [&base] { return base; });
   const auto offered = [&](const QString& typed) {
     box.clear();
     QTest::keyClicks(&box, typed);
@@ -156,6 +157,9 @@ TEST_F(Disk, FoldersAreOfferedAsTheyAreTyped) {
       {"c:/a/", {"c:/a/B2", "c:/a/b", "c:/a/c", "c:/a/x\uF05Cy"}},
       {"Q:\\", {}}};
   for (const auto& [typed, folders] : cases) EXPECT_EQ(offered(typed), folders) << typed.toStdString();
+  EXPECT_EQ(offered("b"), (QStringList{"B2", "b"}));
+  base = "C:\\";
+  EXPECT_EQ(offered("z"), QStringList{"Zoo"});
 }
 
 TEST_F(Disk, DriveListKeepsAVolumeThatHasGone) {

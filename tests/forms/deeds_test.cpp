@@ -75,8 +75,10 @@ TEST_F(Deeds, RenamesWhatCanBeRenamed) {
       {"link", "link", "a\xEF\x80\x80z", Qt::Key_Return, "link", "that ends it"},
       {"sub", "sub", "sub.d", Qt::Key_Return, "sub.d", nullptr},
   };
+  QSignalSpy listed(find<QTreeView>("DirPane")->model(), &QAbstractItemModel::modelReset);
   for (const auto& one : cases) {
     select({platform::holdName(one.name)});
+    listed.clear();
     person_.told.clear();
     key(Qt::Key_F2);
     ASSERT_NE(box(), nullptr) << one.name;
@@ -86,6 +88,7 @@ TEST_F(Deeds, RenamesWhatCanBeRenamed) {
         << one.typed;
     EXPECT_EQ(selected(), Names{"C:\\pkg\\" + platform::holdName(one.after)}) << one.typed;
     EXPECT_EQ(find<QTreeView>("DirPane")->currentIndex().data().toString().toStdString(), one.after);
+    EXPECT_EQ(listed.isEmpty(), one.end == Qt::Key_Escape || one.typed == one.name) << one.typed;
     EXPECT_EQ(person_.told.size(), one.refusal == nullptr ? 0U : 1U) << one.typed;
     if (one.refusal != nullptr) {
       EXPECT_TRUE(testworld::has(person_.told.front(), one.refusal));
@@ -160,8 +163,9 @@ TEST_F(Deeds, LosesNothingWithoutATrashAndAtAStop) {
 TEST_F(Deeds, CopiesFilesAndPaths) {
   const std::string odd = platform::holdName("\xFF");
   write("pkg/\xFF");
+  write("pkg/r\r");
   window_.refreshKeepList();
-  select({"a.txt", "b c.txt", odd});
+  select({"a.txt", "b c.txt", odd, platform::holdName("r\r")});
   key(Qt::Key_C, Qt::ControlModifier);
   const QMimeData* held = QApplication::clipboard()->mimeData();
   EXPECT_TRUE(testworld::has(held->text().toStdString(), "C:\\pkg\\a.txt\nC:\\pkg\\b c.txt"));
@@ -224,6 +228,11 @@ TEST_F(Deeds, DropsOpenTheFolderOfTheFirst) {
   window_.browsing().setEnabled(true);
   EXPECT_TRUE(drop());
   EXPECT_EQ(selected(), Names{"C:\\other\\" + platform::holdName("\xFF b")});
+  window_.browsing().openFolder("C:\\pkg");
+  offer.setUrls({QUrl::fromLocalFile(QString::fromStdString(host("other/a.txt")))});
+  person_.onEvents = [this] { fs::remove_all(host("other")); };
+  EXPECT_TRUE(drop());
+  EXPECT_EQ(selected(), Names{}) << "nothing in the folder that stayed";
 }
 
 }  // namespace
