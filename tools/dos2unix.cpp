@@ -2,12 +2,14 @@
 // said so. --safe and -U ask for what is done anyway; -q says nothing about a success.
 //
 // Each file is converted into a new one beside it; when all are written the system is told once to keep them,
-// and only then they take the old ones' places. A file with several names is written anew in its place, out
-// of such a copy, which is removed last. So neither a crash nor a full disk costs more than the conversion.
+// and only then they take the old ones' places. A file with several names, or with attributes (such as
+// its owner) that no copy can be given, is written anew in its place, out of such a copy, which is removed
+// last. So neither a crash nor a full disk costs more than the conversion.
 
 #include <fcntl.h>
+#include <poll.h>
 #include <sys/stat.h>
-#include <sys/xattr.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -23,6 +25,7 @@
 #include <utility>
 #include <vector>
 
+#include "dos2unix_attributes.h"
 #include "dos2unix_text.h"
 #include "platform/Descriptor.h"
 
@@ -45,6 +48,7 @@ struct Waiting {
   std::string path;  ///< what it stands for, links followed
   std::string copy;
   struct stat old;
+  bool likeOld;  ///< the copy has all the attributes of the old file
 };
 
 std::string systemError() { return std::strerror(errno); }
@@ -67,30 +71,23 @@ bool writeAll(int file, const char* bytes, std::size_t size) {
   return true;
 }
 
-/// Names, values and access lists; false where one cannot be kept.
-bool copyExtendedAttributes(int from, int to) {
-  const ssize_t size = flistxattr(from, nullptr, 0);
-  if (size <= 0) return size == 0 || errno == ENOTSUP;
-  std::string names(static_cast<std::size_t>(size), '\0');
-  if (flistxattr(from, names.data(), names.size()) != size) return false;
-  for (std::size_t at = 0; at < names.size(); at += std::strlen(names.c_str() + at) + 1) {
-    const char* const name = names.c_str() + at;
-    const ssize_t length = fgetxattr(from, name, nullptr, 0);
-    std::string value(length < 0 ? 0 : static_cast<std::size_t>(length), '\0');
-    if (length < 0 || fgetxattr(from, name, value.data(), value.size()) != length ||
-        fsetxattr(to, name, value.data(), value.size(), 0) != 0)
+/// In a process of its own: who waits for a slow disk hears no end signal, and is killed before he could
+/// remove the copies.
+bool synced(int file) {
+  constexpr int pace = 2;  // milliseconds
+  const pid_t child = fork();
+  if (child == 0) _exit(syncfs(file) == 0 ? 0 : errno);
+  if (child < 0) return false;
+  int status = 0;
+  while (waitpid(child, &status, WNOHANG) == 0) {
+    if (ended != 0) {
+      kill(child, SIGKILL);
       return false;
+    }
+    poll(nullptr, 0, pace);
   }
-  return true;
-}
-
-/// Owner before mode: a change of owner takes the set-user-id bit.
-bool copyAttributes(int from, int to, const struct stat& old) {
-  struct stat made {};
-  if (fstat(to, &made) != 0) return false;
-  const bool foreign = made.st_uid != old.st_uid || made.st_gid != old.st_gid;
-  return (!foreign || fchown(to, old.st_uid, old.st_gid) == 0) && copyExtendedAttributes(from, to) &&
-         fchmod(to, old.st_mode & 07777) == 0;
+  errno = WIFEXITED(status) ? WEXITSTATUS(status) : EINTR;
+  return status == 0;
 }
 
 class Converter {
@@ -107,7 +104,9 @@ class Converter {
   std::optional<Kind> copyConverted(int file, Waiting& waiting);
   bool keep();
   void place(const Waiting& waiting);
-  bool rewrite(const Waiting& waiting);
+  bool placeAnew(const Waiting& waiting);
+  bool rewrite(const Waiting& waiting, Descriptor file);
+  void drop(const Waiting& waiting, const std::string& why);
   void failed(const std::string& name, const std::string& why);
 
   bool quiet_;
@@ -120,6 +119,11 @@ class Converter {
 void Converter::failed(const std::string& name, const std::string& why) {
   good_ = false;
   std::printf("dos2unix: %s: %s\n", dos2unix::shown(name).c_str(), why.c_str());
+}
+
+void Converter::drop(const Waiting& waiting, const std::string& why) {
+  unlink(waiting.copy.c_str());
+  failed(waiting.name, why);
 }
 
 /// `from` may begin with a CR that the block before ended in: whether it goes shows only now.
@@ -162,15 +166,15 @@ std::optional<Kind> Converter::copyConverted(int file, Waiting& waiting) {
   errno = EINTR;
   if (ended != 0) return std::nullopt;
   if (!copy) return Kind::Unix;
-  const bool whole = (!carriedCr || writeAll(copy.get(), "\r", 1)) &&
-                     copyAttributes(file, copy.get(), waiting.old) && copy.closeNow();
-  return whole ? std::optional(Kind::Dos) : std::nullopt;
+  if (carriedCr && !writeAll(copy.get(), "\r", 1)) return std::nullopt;
+  waiting.likeOld = dos2unix::copyAttributes(file, copy.get(), waiting.old);
+  return copy.closeNow() ? std::optional(Kind::Dos) : std::nullopt;
 }
 
 void Converter::take(const std::string& name) {
   const std::unique_ptr<char, decltype(&std::free)> real(realpath(name.c_str(), nullptr), std::free);
   if (!real) return failed(name, systemError());
-  Waiting waiting{name, real.get(), "", {}};
+  Waiting waiting{name, real.get(), "", {}, true};
   const Descriptor file(open(real.get(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
   if (!file || fstat(file.get(), &waiting.old) != 0) return failed(name, systemError());
   if (!S_ISREG(waiting.old.st_mode))
@@ -197,16 +201,15 @@ bool Converter::keep() {
   for (const Waiting& waiting : waiting_) {
     if (!done.insert(waiting.old.st_dev).second) continue;
     const Descriptor copy(open(waiting.copy.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
-    if (!copy || syncfs(copy.get()) != 0) return false;
+    if (!copy || !synced(copy.get())) return false;
   }
   return true;
 }
 
 /// The other names stay names of the same file. Should this fail half-way, the copy is whole, and stays.
-bool Converter::rewrite(const Waiting& waiting) {
+bool Converter::rewrite(const Waiting& waiting, Descriptor file) {
   const Descriptor copy(open(waiting.copy.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
-  Descriptor file(open(waiting.path.c_str(), O_WRONLY | O_CLOEXEC));
-  if (!copy || !file) return false;
+  if (!copy) return false;
   off_t size = 0;
   while (true) {
     const auto count = readBlock(copy.get(), block_.get());
@@ -214,9 +217,20 @@ bool Converter::rewrite(const Waiting& waiting) {
     if (*count == 0) break;
     size += static_cast<off_t>(*count);
   }
-  // Writing takes the set-user-id bit.
-  return ftruncate(file.get(), size) == 0 && fchmod(file.get(), waiting.old.st_mode & 07777) == 0 &&
+  return ftruncate(file.get(), size) == 0 && dos2unix::keepMode(file.get(), waiting.old.st_mode) &&
          fsync(file.get()) == 0 && file.closeNow() && unlink(waiting.copy.c_str()) == 0;
+}
+
+/// False: the user has been told.
+bool Converter::placeAnew(const Waiting& waiting) {
+  Descriptor file(open(waiting.path.c_str(), O_WRONLY | O_CLOEXEC));
+  if (!file)
+    drop(waiting, systemError());
+  else if (rewrite(waiting, std::move(file)))
+    return true;
+  else
+    failed(waiting.name, systemError() + "; the whole converted file is " + dos2unix::shown(waiting.copy));
+  return false;
 }
 
 void Converter::place(const Waiting& waiting) {
@@ -225,18 +239,11 @@ void Converter::place(const Waiting& waiting) {
   const bool same = lstat(waiting.path.c_str(), &now) == 0 && now.st_ino == old.st_ino &&
                     now.st_dev == old.st_dev && now.st_size == old.st_size &&
                     now.st_mtim.tv_sec == old.st_mtim.tv_sec && now.st_mtim.tv_nsec == old.st_mtim.tv_nsec;
-  if (!same) {
-    unlink(waiting.copy.c_str());
-    return failed(waiting.name, changedMeanwhile);
-  }
-  if (now.st_nlink > 1) {
-    if (!rewrite(waiting))
-      return failed(waiting.name,
-                    systemError() + "; the whole converted file is " + dos2unix::shown(waiting.copy));
+  if (!same) return drop(waiting, changedMeanwhile);
+  if (now.st_nlink > 1 || !waiting.likeOld) {
+    if (!placeAnew(waiting)) return;
   } else if (rename(waiting.copy.c_str(), waiting.path.c_str()) != 0) {
-    const std::string why = systemError();
-    unlink(waiting.copy.c_str());
-    return failed(waiting.name, why);
+    return drop(waiting, systemError());
   }
   if (!quiet_) std::printf("dos2unix: converted %s to unix format\n", dos2unix::shown(waiting.name).c_str());
 }
@@ -245,12 +252,10 @@ void Converter::finish() {
   const bool kept = ended == 0 && keep();
   const std::string why = systemError();
   for (const Waiting& waiting : waiting_) {
-    if (kept && ended == 0) {
+    if (kept && ended == 0)
       place(waiting);
-    } else {
-      unlink(waiting.copy.c_str());
-      failed(waiting.name, ended == 0 ? why : endedMeanwhile);
-    }
+    else
+      drop(waiting, ended == 0 ? why : endedMeanwhile);
   }
 }
 

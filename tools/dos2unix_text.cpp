@@ -1,8 +1,8 @@
 #include "dos2unix_text.h"
 
-#include <algorithm>
 #include <cstring>
 
+#include "platform/HeldName.h"
 #include "platform/TextBytes.h"
 
 namespace dos2unix {
@@ -51,14 +51,10 @@ std::size_t convert(char* block, std::size_t size, bool& carriedCr) {
 }
 
 std::string shown(std::string_view name) {
-  std::string text;
-  for (std::size_t i = 0; i < name.size(); ++i) {
-    const bool word = std::any_of(std::begin(lookedFor), std::end(lookedFor), [&](std::string_view looked) {
-      return name.substr(i).starts_with(looked);
-    });
-    const auto byte = static_cast<unsigned char>(name[i]);
-    text += word || byte < 0x20 || byte >= 0x7F || byte == '\\' ? escaped(name[i]) : std::string(1, name[i]);
-  }
+  std::string text = platform::shownName(platform::holdName(name));
+  for (const std::string_view word : lookedFor)
+    for (std::size_t at = text.find(word); at != text.npos; at = text.find(word, at))
+      text.replace(at, 1, escaped(text[at]));
   return text;
 }
 

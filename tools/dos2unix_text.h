@@ -29,8 +29,8 @@ class Scan {
 /// caller's to write. Any other CR stays.
 std::size_t convert(char* block, std::size_t size, bool& carriedCr);
 
-/// A name for a line of output: control characters and bytes that are no ASCII text as \xHH, and so is a
-/// character of every text that the caller looks for in the output.
+/// A name for a line of output: control characters and bytes that are no UTF-8 as \xHH, and so is a character
+/// of every text that the caller looks for in the output.
 std::string shown(std::string_view name);
 
 }  // namespace dos2unix

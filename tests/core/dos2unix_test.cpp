@@ -89,17 +89,50 @@ TEST_F(Dos2UnixTest, OtherNamesStayNamesOfTheFile) {
   EXPECT_TRUE(clean());
 }
 
+TEST_F(Dos2UnixTest, SomebodyElsesFileIsConvertedInItsPlaceByWhoMayWriteIt) {
+  if (geteuid() != 0 || !tests::ordinaryUserGetsAbout()) GTEST_SKIP() << "needs two users";
+  for (const std::string& folder : {root_, host("")}) ASSERT_TRUE(tests::giveTo(folder, 65534, 65534));
+  for (const std::string name : {"shared", "closed"}) {
+    write(name, "a\r\n");
+    ASSERT_TRUE(tests::giveTo(host(name), 500, 1));
+    chmod(host(name).c_str(), name == "shared" ? 0666 : 0644);
+  }
+  EXPECT_TRUE(tests::asOrdinaryUser([this] {
+    return run("shared closed") ==
+           "dos2unix: converted shared to unix format\ndos2unix: closed: Permission denied\n";
+  }));
+  EXPECT_EQ(bytes("shared"), "a\n");
+  EXPECT_EQ(bytes("closed"), "a\r\n");
+  EXPECT_TRUE(tests::belongsTo(host("shared"), 500, 1));
+  EXPECT_EQ(tests::modeOf(host("shared")), 0666U);
+  EXPECT_TRUE(clean());
+}
+
+/// Nobody can wait for a slow disk: the run is killed if it has not ended half a second after it was asked
+/// to.
+TEST_F(Dos2UnixTest, ARunThatIsEndedWhileTheDiskIsSlowLeavesNoCopies) {
+  for (const char* const name : {"a", "b"}) write(name, "x\r\n");
+  const std::string said =
+      output("bash -c 'coproc env LD_PRELOAD=" + built("tests/libslow_sync.so") +
+             " ASAN_OPTIONS=verify_asan_link_order=0 " + built("bin/dos2unix.exe") +
+             " a b; read -r line <&${COPROC[0]}; kill $COPROC_PID;"
+             " timeout 5 tail --pid=$COPROC_PID -f /dev/null; kill -KILL $COPROC_PID 2>&1; echo $line'");
+  EXPECT_TRUE(testworld::has(said, "at work\n"));
+  EXPECT_TRUE(clean());
+  EXPECT_EQ(bytes("a") + bytes("b"), "x\r\nx\r\n");
+}
+
 TEST_F(Dos2UnixTest, WhatCannotBeConvertedIsNamedAndNeverCalledDone) {
   write("good", "a\r\n");
   fs::create_directory(host("folder"));
   ASSERT_EQ(mkfifo(host("pipe").c_str(), 0600), 0);
-  const std::string said = run("gone folder pipe good 'x: done.\nskipping binary file'");
+  const std::string said = run("gone folder pipe good 'caf\xC3\xA9 \xFF: done.\nskipping binary file'");
   EXPECT_EQ(status_, 1);
   EXPECT_EQ(bytes("good"), "a\n");
   EXPECT_TRUE(
       said.starts_with("dos2unix: gone: No such file or directory\ndos2unix: folder: it is a folder\n"
                        "dos2unix: pipe: it is no regular file\n"
-                       "dos2unix: x: \\x64one.\\x0A\\x73kipping binary file: No such"))
+                       "dos2unix: caf\xC3\xA9 \\xFF: \\x64one.\\x0A\\x73kipping binary file: No such"))
       << said;
   EXPECT_EQ(said.find("done."), std::string::npos);
 }
