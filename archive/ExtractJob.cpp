@@ -1,6 +1,7 @@
 #include "archive/ExtractJob.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <system_error>
 
 #include "archive/ArMembers.h"
@@ -105,6 +106,7 @@ bool ExtractJob::folderIsChosen() {
 /// The folder stands afterwards and can be written, or the user has been asked or told.
 bool ExtractJob::settleFolder() {
   const platform::Files& files = services_.system.files;
+  int unmade = 0;
   if (!folderStood_) {
     if (services_.user.message(request_.outFolder + " does not exist, create it?", Buttons::OkCancel,
                                Icon::None, "Create folder?",
@@ -112,9 +114,10 @@ bool ExtractJob::settleFolder() {
       return false;
     if (stopped()) return false;
     std::string folder = request_.outFolder;
-    runtime::DirExists(files, folder);
+    unmade = runtime::DirExists(files, folder);
   }
-  const int problem = files.writeProblem(plan_.outFolder);
+  int problem = files.writeProblem(plan_.outFolder);
+  if (problem == ENOENT && unmade != 0) problem = unmade;  // the reason, not what came of it
   if (problem == 0) return true;
   const char* const what = files.folderExists(plan_.outFolder) ? "write into" : "create";
   services_.user.message("Error: Unable to " + std::string(what) + " folder " + plan_.outFolder + ": " +
@@ -205,7 +208,7 @@ bool ExtractJob::mayExtract(const std::string& member, const std::string& inTar)
   question.size = files.fileSize(question.path).value_or(0);
   question.modified = files.modifiedTime(question.path);
   question.member = inTar;
-  answer_ = asker_.ask(question);
+  answer_ = services_.user.agrees() ? OverwriteAnswer::YesToAll : asker_.ask(question);
   standing_.forget();
   answeredNo_ = answeredNo_ || answer_ == OverwriteAnswer::No;
   return answer_ == OverwriteAnswer::Yes || answer_ == OverwriteAnswer::YesToAll;
@@ -271,7 +274,10 @@ JobEnd ExtractJob::listNames() {
       if (members == nullptr) return JobEnd::Failed;
       if (!known) known.emplace();
       if (known->empty())
-        for (const GuardedMember& member : *members) known->insert(member.name);
+        for (const GuardedMember& member : *members) {
+          known->insert(member.name);
+          for (const GuardedMember& reading : member.otherReadings) known->insert(reading.name);
+        }
       remark = known->count(name) == 0;
     }
     if (!remark && !line.empty()) names_.push_back(name);

@@ -9,6 +9,7 @@
 #include "archive/ExtractRemains.h"
 #include "archive/ListingLine.h"
 #include "archive/NamesFile.h"
+#include "archive/PackProblem.h"
 #include "archive/ScratchFolder.h"
 #include "platform/CompressorWords.h"
 
@@ -64,7 +65,11 @@ bool ExtractRun::exclusions(std::string& options) {
 bool ExtractRun::writeFile(const std::string& name, const std::string& bytes) {
   if (!place_) place_.emplace(services_.system.files, services_.log, services_.api.GetTempDir());
   if (*place_ && services_.system.files.writeText(place_->path() + '\\' + name, bytes)) return true;
-  services_.log.append(" Unable to write file: " + services_.api.GetTempDir() + name);
+  const platform::Files& files = services_.system.files;
+  std::string problem =
+      *place_ ? cannotWrite(files, place_->path()) : noTemporaryFolder(files, place_->systemError());
+  std::ranges::replace(problem, '\r', ' ');
+  services_.log.append(' ' + problem);
   return false;
 }
 

@@ -18,7 +18,8 @@ struct OverwriteQuestion {
   std::string member;  ///< what the archive has in its place: "123 bytes, 2006-05-04 13:22", or "?"
 };
 
-/// Whoever decides what may be replaced: the dialog, or the batch form's rule.
+/// Whoever decides what may be replaced where the user has not agreed beforehand: the dialog, or the batch
+/// form's rule.
 class OverwriteAsker {
  public:
   virtual ~OverwriteAsker() = default;

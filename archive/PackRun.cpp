@@ -127,9 +127,10 @@ bool PackRun::openPlace() {
 /// What is appended to is a copy.
 bool PackRun::copyEarlier() {
   const platform::Files& files = services_.system.files;
-  if (files.copyFile(target(), file_, services_.system.busy.stop())) return true;
-  const int problem = files.writeProblem(place_->path());
-  problem_ = problem == 0 ? cannotCopy(target()) : cannotWrite(place_->path(), problem);
+  const int error = files.copyFile(target(), file_, services_.system.busy.stop());
+  if (error == 0) return true;
+  const bool noRoom = error == ENOSPC || error == EDQUOT || error == EFBIG;
+  problem_ = noRoom ? cannotWrite(place_->path(), error) : cannotCopy(target());
   return false;
 }
 

@@ -132,7 +132,7 @@ PermissionJob::Went PermissionJob::runStep(const PlanStep& step, std::size_t ite
   if (step.told == Told::Shown && went != Went::Stopped) {
     services_.user.message("result = " + (went == Went::NotStarted ? runtime::startFailure : text),
                            runtime::Buttons::Ok, runtime::Icon::None);
-    return Went::On;
+    return lookIntoOpened(trees_[item]);
   }
   said += text;
   if (step.reach == Reach::Folders && went == Went::On) went = lookIntoOpened(trees_[item]);
@@ -185,15 +185,22 @@ PermissionJob::Went PermissionJob::runExecutables(const PlanStep& step, std::siz
 /// What lies in folders that could not be read before has its old modes still: the folders alone were
 /// changed.
 PermissionJob::Went PermissionJob::lookIntoOpened(ItemTree& tree) const {
-  std::vector<std::string> opened;
-  for (const TreeEntry& entry : tree)
-    if (entry.closed) opened.push_back(entry.path);
-  if (opened.empty()) return Went::On;
-  auto trees = treesOf(services_, opened, true);
+  std::vector<std::string> closed;
+  std::vector<std::size_t> places;
+  for (std::size_t i = 0; i < tree.size(); ++i)
+    if (tree[i].closed) {
+      closed.push_back(tree[i].path);
+      places.push_back(i);
+    }
+  if (closed.empty()) return Went::On;
+  auto trees = treesOf(services_, closed, true);
   if (!trees) return services_.system.busy.stopRequested() ? Went::Stopped : Went::On;
-  for (ItemTree& below : *trees)
-    for (TreeEntry& entry : below)
-      if (!entry.isItem) tree.push_back(std::move(entry));
+  for (std::size_t i = 0; i < trees->size(); ++i)
+    for (TreeEntry& entry : (*trees)[i])
+      if (entry.isItem)
+        tree[places[i]].closed = entry.closed;
+      else
+        tree.push_back(std::move(entry));
   return Went::On;
 }
 

@@ -171,12 +171,15 @@ bool Files::rename(std::string_view from, std::string_view to) const {
   return source && target && ::rename(source->c_str(), target->c_str()) == 0;
 }
 
-bool Files::copyFile(std::string_view from, std::string_view to, const Stop& stop) const {
+int Files::copyFile(std::string_view from, std::string_view to, const Stop& stop) const {
   const std::optional<std::string> target = drives_.toHost(to);
+  if (!target) return ENOENT;
   RegularFile file = openFile(from);
-  if (!target || !file) return false;
+  if (!file) return errno;
   Replacement copy(*target, S_IRUSR | S_IWUSR);
-  return copy && copyInto(file, copy, false, stop) == 0 && copy.commit();
+  if (!copy) return errno;
+  const int failed = copyInto(file, copy, false, stop);
+  return failed == 0 ? copy.commit(Existing::Replaced) : failed;
 }
 
 int Files::moveFile(std::string_view from, std::string_view to, Existing existing, const Stop& stop) const {

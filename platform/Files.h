@@ -40,8 +40,8 @@ class Files {
       std::string_view folder) const;  ///< why no file can be made in it: the system's error, or 0
   bool deleteFile(std::string_view path) const;
   bool rename(std::string_view from, std::string_view to) const;  ///< replaces; same file system only
-  /// Bytes and mode; false leaves no half copy, and so does a stop.
-  bool copyFile(std::string_view from, std::string_view to, const Stop& stop = {}) const;
+  /// Bytes and mode. 0, or the system's error, which leaves no half copy; ECANCELED: stopped.
+  int copyFile(std::string_view from, std::string_view to, const Stop& stop = {}) const;
   /// Moves a file, also to another file system, with its mode and owner. 0, or the system's error; EEXIST:
   /// something that is spared stands there; ECANCELED: stopped, nothing was moved.
   int moveFile(std::string_view from, std::string_view to, Existing existing, const Stop& stop = {}) const;

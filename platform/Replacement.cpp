@@ -54,7 +54,10 @@ Replacement::Replacement(const std::string& target, mode_t mode) : target_(targe
   struct stat status {};
   if (lstat(target.c_str(), &status) == 0) replaced_ = status;
   // A folder cannot be replaced, and a device must not be.
-  if (replaced_ && !S_ISREG(replaced_->st_mode) && !S_ISLNK(replaced_->st_mode)) return;
+  if (replaced_ && !S_ISREG(replaced_->st_mode) && !S_ISLNK(replaced_->st_mode)) {
+    errno = EINVAL;
+    return;
+  }
   const std::string folder = target.substr(0, target.find_last_of('/') + 1);
   for (int i = 0; !file_; ++i) {
     name_ = folder + ".pakrune-" + std::to_string(getpid()) + "-" + std::to_string(i);

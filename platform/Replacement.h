@@ -32,8 +32,8 @@ int moveUnlessTaken(const std::string& from, const std::string& to, const MoveCa
 /// A new file beside its final place, so that a failure leaves what was there, and no half file.
 class Replacement {
  public:
-  /// Host path of the final place, and the mode before the umask. Without a file where `target` is neither
-  /// a regular file nor a link nor free. A link is replaced itself.
+  /// Host path of the final place, and the mode before the umask. Without a file, errno says why; EINVAL:
+  /// `target` is neither a regular file nor a link nor free. A link is replaced itself.
   Replacement(const std::string& target, mode_t mode);
   Replacement(const Replacement&) = delete;
   Replacement& operator=(const Replacement&) = delete;

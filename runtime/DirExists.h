@@ -6,8 +6,8 @@
 
 namespace runtime {
 
-/// Makes a folder exist, missing parents first; takes one trailing backslash off the caller's text. A folder
-/// that cannot be made is the caller's to notice.
-void DirExists(const platform::Files& files, std::string& path);
+/// Makes a folder exist, missing parents first; takes one trailing backslash off the caller's text. 0, or the
+/// errno of what could not be made.
+int DirExists(const platform::Files& files, std::string& path);
 
 }  // namespace runtime

@@ -115,8 +115,8 @@ void CommandConsole::startProgram(const DriveTable& drives, const std::string& w
     if (started) program_.emplace(std::move(*started));
   }
   if (!program_)
-    return pause(command_.program + " cannot be started: " + std::generic_category().message(systemError) +
-                 ".");
+    return pause(shownName(command_.program) +
+                 " cannot be started: " + std::generic_category().message(systemError) + ".");
   phase_ = Phase::Running;
   output_ = std::make_unique<QSocketNotifier>(program_->outputDescriptor(), QSocketNotifier::Read);
   end_ = std::make_unique<QSocketNotifier>(program_->endDescriptor(), QSocketNotifier::Read);

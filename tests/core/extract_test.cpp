@@ -45,6 +45,15 @@ TEST_F(ExtractTest, AllAndSelectedMembersWithTheirModes) {
     EXPECT_EQ((tree ? fromTree("b.tar") : quick("b.tar")).end, JobEnd::Done) << log_.all;
     EXPECT_EQ(contents(), "--help -x -x2 gzip: y n/ n/in tar: x ");
   }
+  emptyOut();
+  write("b.tar", tarOf({"x", hardLink("tar: y link to z", "x")}));
+  EXPECT_EQ(quick("b.tar").end, JobEnd::Done) << log_.all;
+  EXPECT_EQ(contents(), "tar: y link to z x ");
+  setenv("TMPDIR", "/nowhere", 1);  // where tar is to find a name like an option
+  write("b.tar", tarOf({"-x"}));
+  EXPECT_EQ(fromTree("b.tar").end, JobEnd::Failed);
+  EXPECT_TRUE(
+      logged(" The temporary folder cannot be used. Unable to write into 'Z:\\nowhere\\': No such file"));
 }
 
 TEST_F(ExtractTest, RefusalsHaveTheirTextsAndFocus) {

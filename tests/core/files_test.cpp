@@ -68,13 +68,13 @@ TEST_F(FilesTest, CopyKeepsBytesAndModeAndReplacesALinkNotItsTarget) {
   ASSERT_EQ(chmod(host("a.txt").c_str(), 04751), 0);
   fs::create_symlink("victim", host("link"));
   ASSERT_TRUE(files_.writeText("C:\\victim", "keep"));
-  ASSERT_TRUE(files_.copyFile("C:\\a.txt", "C:\\link"));
+  ASSERT_EQ(files_.copyFile("C:\\a.txt", "C:\\link"), 0);
   EXPECT_EQ(read("link"), "text");
   EXPECT_EQ(files_.readBytes("C:\\victim", 3), "kee");
   EXPECT_EQ(modeOf(host("link")), 04751U);
-  EXPECT_FALSE(files_.copyFile("C:\\fifo", "C:\\new"));
+  EXPECT_EQ(files_.copyFile("C:\\fifo", "C:\\new"), EINVAL);
   for (const char* taken : {"C:\\sub", "C:\\fifo"})
-    EXPECT_FALSE(files_.copyFile("C:\\a.txt", taken)) << taken;
+    EXPECT_EQ(files_.copyFile("C:\\a.txt", taken), EINVAL) << taken;
   EXPECT_EQ(read("fifo"), std::nullopt);
 }
 
@@ -147,7 +147,7 @@ TEST_F(FilesTest, NoOwnersRightsPassToAnother) {
   chmod(host("a.txt").c_str(), 06755);
   for (const std::string& open : {root_, host("")}) chmod(open.c_str(), 0777);
   EXPECT_TRUE(tests::asOrdinaryUser([this] {
-    return files_.writeText("C:\\mine", "x") && files_.copyFile("C:\\a.txt", "C:\\copy") &&
+    return files_.writeText("C:\\mine", "x") && files_.copyFile("C:\\a.txt", "C:\\copy") == 0 &&
            platform::copyModeAndOwner(drives_, "C:\\a.txt", "C:\\mine");
   }));
   for (const char* name : {"mine", "copy"}) EXPECT_EQ(modeOf(host(name)), 0755U) << name;
@@ -159,7 +159,7 @@ TEST_F(FilesTest, AFailedWriteLeavesWhatWasThereAndAGoodOneItsMode) {
   const auto before = count();
   {
     const tests::FullDisk full(100000);
-    EXPECT_FALSE(files_.copyFile("C:\\big", "C:\\a.txt"));
+    EXPECT_EQ(files_.copyFile("C:\\big", "C:\\a.txt"), EFBIG);
     EXPECT_FALSE(files_.writeText("C:\\a.txt", std::string(200000, 'y')));
   }
   EXPECT_EQ(read("a.txt"), "text");

@@ -258,6 +258,11 @@ TEST_F(PackRunTest, AppendsToATarAndTurnsACompressedOneIntoANewFile) {
   chmod(host("out.tar").c_str(), 0600);
   EXPECT_EQ(packed(items({"b"})), "a\nb\n");
   EXPECT_EQ(tests::modeOf(host("out.tar")), 0600U);
+  {
+    const tests::FullDisk full(1000);
+    EXPECT_EQ(pack(items({"b"})), JobEnd::Failed);
+    EXPECT_TRUE(has(person_.told.back(), "tmp':\rFile too large"));
+  }
   settings_.outputPath = "C:\\out.tgz";
   EXPECT_EQ(pack(items({"b"})), JobEnd::Done);
   EXPECT_TRUE(result_.madeNew);

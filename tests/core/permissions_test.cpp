@@ -245,6 +245,14 @@ TEST_F(PermissionsTest, AnOrdinaryUserSeesBeforehandWhatCannotBeDone) {
     EXPECT_EQ(modesOf({"d/closed", "d/dark"}), "0 0 ");
     chmod(host("pkg/d/closed").c_str(), 0700);
     EXPECT_EQ(modesOf({"d/closed/g.sh", "d/closed/in", "d/closed/in/f.sh", "d/a.sh"}), "600 700 600 600 ");
+    chmod(host("pkg/d/closed").c_str(), 0);
+    chmod(host("pkg/d").c_str(), 0);  // the first step opens the item itself
+    undo(set(items({"d"}), manual640));
+    EXPECT_EQ(modesOf({"d"}), "0 ");
+    chmod(host("pkg/d").c_str(), 0700);
+    EXPECT_EQ(modesOf({"d/sgid", "d/sticky", "d/closed", "d/a.sh"}), "2750 1777 0 600 ");
+    chmod(host("pkg/d/closed").c_str(), 0700);
+    EXPECT_EQ(modesOf({"d/closed/g.sh", "d/closed/in", "d/closed/in/f.sh"}), "600 700 600 ");
     return !testing::Test::HasFailure();
   }));
 }

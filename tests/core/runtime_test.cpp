@@ -224,10 +224,13 @@ TEST_F(RuntimeTest, MissingToolsAreReportedOnce) {
 
 TEST_F(RuntimeTest, DirExistsMakesEveryLevel) {
   std::string path = "C:\\a b\\c\\d\\";
-  runtime::DirExists(files_, path);
+  EXPECT_EQ(runtime::DirExists(files_, path), 0);
   EXPECT_EQ(path, "C:\\a b\\c\\d");
   EXPECT_TRUE(fs::is_directory(host("a b/c/d")));
-  for (std::string odd : {"", "\\", "Q:\\x\\y", "\\\\server\\share"}) runtime::DirExists(files_, odd);
+  for (std::string odd : {"", "\\", "Q:\\x\\y", "\\\\server\\share"})
+    EXPECT_EQ(runtime::DirExists(files_, odd), ENOENT);
+  std::string longest = "C:\\" + std::string(300, 'n') + "\\x";
+  EXPECT_EQ(runtime::DirExists(files_, longest), ENAMETOOLONG);  // of the level that could not be made
 }
 
 TEST_F(RuntimeTest, PermissionTestTellsWhatFailed) {

@@ -144,6 +144,8 @@ TEST_F(CommandConsoleTest, WhatDoesNotStartIsToldInTheWindow) {
        {Case{command(), path + "Permission denied."},
         Case{"/c \"\"sh\" -c \"touch ran\"\" & pause", "sh cannot be started: No such file or directory."},
         Case{command(platform::holdName(std::string(1, '\0'))), path + "Invalid argument."},
+        Case{"/c \"\"C:\\" + platform::holdName("a?\n") + "\"\" & pause",
+             "C:\\a?\\x0A cannot be started: No such file or directory."},
         Case{"/c \"\"Z:\\bin\\touch\" \"ran\"\" & pause & pause",
              "This command is not understood: it is not one program in quotes and then \"pause\"."}}) {
     open(commandText);
@@ -152,7 +154,7 @@ TEST_F(CommandConsoleTest, WhatDoesNotStartIsToldInTheWindow) {
     compose("x");  // there is nobody to get it
     press(Qt::Key_Return);
   }
-  EXPECT_EQ(closed_, 4);
+  EXPECT_EQ(closed_, 5);
   EXPECT_FALSE(fs::exists(host("ran")));
 }
 

@@ -343,6 +343,9 @@ TEST_F(MainTest, AFailingExtractionTellsWhy) {
   EXPECT_EQ(program_object_.exitStatus, 1);
   EXPECT_FALSE(load({"-extract", "pkg", "up.tar", "C:\\pkg\\a.txt"}));
   EXPECT_EQ(person_.told.back(), "Pakrune|Error: Unable to create folder C:\\pkg\\a.txt\\: Not a directory");
+  const std::string deep = "C:\\" + std::string(300, 'n') + "\\x";
+  EXPECT_FALSE(load({"-extract", "pkg", "up.tar", deep}));
+  EXPECT_TRUE(person_.told.back().ends_with("\\x\\: File name too long")) << person_.told.back();
 }
 
 TEST_F(MainTest, QuickPackEndsTheProgram) {

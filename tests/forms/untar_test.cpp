@@ -179,6 +179,7 @@ TEST_F(UntarTest, OpensAnArchiveInsideAndGoesBack) {
   EXPECT_EQ(where(),
             "C:\\out.tar|C:\\out\\mid\\data.tar\\|Contents of data.tar.gz in mid.tar in C:\\out.tar:");
   EXPECT_EQ(at({1}).data().toString().toStdString() + std::to_string(scratchFolders()), "top2");
+  EXPECT_EQ(get<QLabel>("Label7").buddy(), nullptr) << "a '&' in the name would be a key of the tree";
   get<QLineEdit>("txtOutLocation").setText("C:\\mine");
   click("cmdBack");
   EXPECT_EQ(where(), "C:\\out.tar|C:\\mine|Contents of mid.tar in C:\\out.tar:");
