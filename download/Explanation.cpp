@@ -1,6 +1,7 @@
 #include "download/Explanation.h"
 
 #include <cerrno>
+#include <system_error>
 
 #include "platform/HeldName.h"
 #include "platform/InternetAddress.h"
@@ -31,7 +32,9 @@ std::string notAnAddress(const Attempt& attempt) {
 std::string unreachable(const Attempt& attempt) {
   // A name that was not found has the same error.
   if (!platform::ipv4Of(attempt.address))
-    return "\"" + attempt.address + "\" is no IP address, and no name that is known here.";
+    return "\"" + attempt.address +
+           "\" is no IP address, and no name that is known here.\n"
+           "Each box takes a number from 0 to 255.";
   return "No way leads there from this computer.\n"
          "Look whether the network cable is plugged in, whether the unit is on, and whether both are in the "
          "same network.";
@@ -42,6 +45,10 @@ std::string whyNotConnected(const Attempt& attempt, const ConnectionError& error
     case ECONNREFUSED:
       return "Something is there, but it takes no downloads at this port: it refused.\n"
              "Look whether the unit waits for a download, and whether this is its address.";
+    case EPIPE:
+    case ECONNRESET:
+      return "Something is there, but it hung up at once.\n"
+             "Look whether the unit is ready for a download, and whether this is its address.";
     case EHOSTUNREACH:
     case ENETUNREACH:
       return unreachable(attempt);
@@ -102,6 +109,13 @@ std::string explainLoss(const Attempt& attempt, const ConnectionError& error) {
     return unit + " hung up" + far + "Look whether it was switched off, or has no room left." + sendAgain;
   return "The connection to " + placeOf(attempt) + " broke" + far +
          "Look at the network cable and at the unit." + sendAgain;
+}
+
+std::string explainUnopened(const Attempt& attempt, const std::string& path, int systemError) {
+  const std::string why =
+      systemError == EINVAL ? "it is no regular file" : std::generic_category().message(systemError);
+  return "Connected to " + placeOf(attempt) + ", but " + path + " cannot be read: " + why + "." +
+         nothingSent + "\nLook whether it is still there, and whether you may read it.";
 }
 
 std::string explainFile(const Attempt& attempt, const std::string& path) {

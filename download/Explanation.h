@@ -32,6 +32,10 @@ std::string explainRefusal(const Attempt& attempt, Reply reply);
 /// Of a connection that was there; `error`: number 0 when the unit took nothing for too long.
 std::string explainLoss(const Attempt& attempt, const platform::ConnectionError& error);
 
+/// Of a file that could not be opened for reading; `path` in Windows form, `systemError` an errno, EINVAL of
+/// what is no file of bytes.
+std::string explainUnopened(const Attempt& attempt, const std::string& path, int systemError);
+
 /// Of a file that could not be read to its end as it was; `path` in Windows form.
 std::string explainFile(const Attempt& attempt, const std::string& path);
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 
 #include "runtime/FileClass.h"
 
@@ -92,7 +93,8 @@ bool SendJob::request() {
 /// From here on the file is the one that was opened, whatever happens to its name.
 bool SendJob::openFile() {
   file_.emplace(services_.system.files.openFile(order_.path));
-  return *file_ || fileFailed(fileUnreadable);
+  const int systemError = errno;
+  return *file_ || fileFailed(fileUnreadable, explainUnopened(attempt(), order_.path, systemError));
 }
 
 /// An unknown reply or a close counts as none: the connection goes, and the time-out tells.
@@ -152,11 +154,11 @@ bool SendJob::streamFile() {
   while (sent_ < size) {
     const std::size_t most = std::min<std::uint64_t>(chunk.size(), size - sent_);
     const std::optional<std::size_t> count = file_->read(chunk.data(), most);
-    if (!count || *count == 0) return fileFailed(count ? fileChanged : fileUnreadable);
+    if (!count || *count == 0) return brokenOff(count ? fileChanged : fileUnreadable);
     // A unit that has all that was announced keeps it: the last of it goes out of a file that is still the
     // same.
     const bool last = sent_ + *count == size;
-    if (last && !file_->unchanged()) return fileFailed(fileChanged);
+    if (last && !file_->unchanged()) return brokenOff(fileChanged);
     handed_ += *count;
     if (!sendChunk({chunk.data(), *count})) return false;
     sent_ += *count;
@@ -164,7 +166,7 @@ bool SendJob::streamFile() {
     pause(chunkPause);
     if (aborted()) return false;
   }
-  return file_->unchanged() || fileFailed(fileChanged);
+  return file_->unchanged() || brokenOff(fileChanged);
 }
 
 /// True only when the bytes were handed to the system.
@@ -210,9 +212,11 @@ bool SendJob::failed(const std::string& text, const std::string& title, const st
   return false;
 }
 
-bool SendJob::fileFailed(const char* why) {
+bool SendJob::brokenOff(const char* why) { return fileFailed(why, explainFile(attempt(), order_.path)); }
+
+bool SendJob::fileFailed(const char* why, const std::string& explanation) {
   disconnect();
-  failed(why, cannotSendFile, explainFile(attempt(), order_.path));
+  failed(why, cannotSendFile, explanation);
   services_.log.append(" FAILED to send " + runtime::GetFileName(order_.path) + " to " + address_);
   return false;
 }

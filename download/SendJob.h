@@ -60,7 +60,8 @@ class SendJob {
   bool aborted();
   void disconnect();
   bool failed(const std::string& text, const std::string& title, const std::string& explanation);
-  bool fileFailed(const char* why);
+  bool brokenOff(const char* why);
+  bool fileFailed(const char* why, const std::string& explanation);
   bool socketFailed();
   bool waitWhile(const std::function<bool()>& waiting);
   std::int64_t unsent();

@@ -1,6 +1,6 @@
 #include "shell/BatchPack.h"
 
-#include <iostream>
+#include <set>
 
 #include "archive/PackList.h"
 #include "archive/TarSelection.h"
@@ -18,10 +18,11 @@ struct NamedEntries {
 NamedEntries findNamed(const platform::Files& files, const std::string& folder,
                        const std::vector<std::string>& record) {
   NamedEntries found;
+  std::set<std::string> seen;
   for (std::size_t i = 2; i < record.size(); ++i) {
     const std::string path = runtime::withTrailingBackslash(folder) + record[i];
     if (isPlainName(record[i]) && files.entryExists(path)) {
-      found.paths.push_back(path);
+      if (seen.insert(path).second) found.paths.push_back(path);
     } else {
       found.allFound = false;
       say("no entry '" + platform::shownName(record[i]) + "' in " + platform::shownName(folder));
@@ -39,8 +40,8 @@ std::vector<std::string> allNames(const platform::Files& files, const std::strin
 
 int report(Program& program, const archive::PackResult& packed, bool allFound) {
   if (packed.end != runtime::JobEnd::Done) return 1;
-  std::cout << program.system.drives.toHost(packed.path).value_or(packed.path) << '\n' << std::flush;
-  return allFound && std::cout.good() ? 0 : 1;
+  const int printed = print(program.system.drives.toHost(packed.path).value_or(packed.path) + '\n');
+  return allFound ? printed : 1;
 }
 
 }  // namespace
@@ -65,9 +66,10 @@ archive::PackResult quickPack(Program& program, const archive::PackSelection& se
 int batchPack(Program& program, const std::vector<std::string>& record, bool yes) {
   const auto& files = program.system.files;
   const platform::Busy::Scope busy(program.system.busy);
-  if (record.size() < 2 || !files.folderExists(record[1])) {
-    say(record.size() < 2 ? "-qpack needs a folder and names"
-                          : "there is no folder " + platform::shownName(record[1]));
+  const bool hasFolder = record.size() > 1 && !record[1].empty();
+  if (!hasFolder || !files.folderExists(record[1])) {
+    say(hasFolder ? "there is no folder " + platform::shownName(record[1])
+                  : "-qpack needs a folder and names");
     return 1;
   }
   archive::PackSelection selection;

@@ -77,7 +77,7 @@ int runBatch(shell::Host& host, const CommandLine& commandLine, const shell::Hos
   program.log.setOnEntry([](const std::string& entry) { std::cerr << platform::shownName(entry) << '\n'; });
   const platform::Busy::Scope job(host.busy);
   return commandLine.form == Form::QuickPack ? shell::batchPack(program, commandLine.fields, yes)
-                                             : shell::batchExtract(program, commandLine.fields, yes);
+                                             : shell::batchExtract(program, commandLine.fields);
 }
 
 /// Qt gets the program's name only, so that a file called "-style" is none of its options.
@@ -129,10 +129,8 @@ int main(int argc, char** argv) {
   platform::catchEndSignals();
   shell::Host host;
   const shell::HostArguments arguments = argumentsOf(host, argc, argv);
-  if (arguments.help || arguments.version) {
-    std::cout << (arguments.help ? usage : "pakrune " PAKRUNE_VERSION "\n");
-    return 0;
-  }
+  if (arguments.help || arguments.version)
+    return shell::print(arguments.help ? usage : "pakrune " PAKRUNE_VERSION "\n");
   const int status = run(host, arguments, argv[0]);
   const int signal = platform::endSignal();
   return signal == 0 ? status : signalled + signal;

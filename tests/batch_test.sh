@@ -40,6 +40,9 @@ grep -q "already exists" "$world/err" || fail "no question"
 run 0 --yes -qpack pkg a.txt "b c" -x .hidden usr8/ # as a shell completes it
 [ "$(cksum <pkg/pkg.tgz)" = "$before" ] || fail "packing twice gave other bytes"
 
+run 0 --yes -qpack pkg a.txt a.txt # is one entry
+[ "$(cat "$world/out")" = "$HOME/pkg/a.tgz" ] || fail "named twice: $(cat "$world/out")"
+rm pkg/a.tgz
 run 1 -qpack pkg mistyped
 [ "$(cksum <pkg/pkg.tgz)" = "$before" ] || fail "a mistyped name changed the archive"
 run 1 --yes -qpack pkg a.txt usr8 mistyped # what matches is still packed
@@ -60,6 +63,8 @@ run 1 -extract pkg pkg.tgz out/new
 run 0 --yes -extract pkg pkg.tgz out/new
 cmp pkg/a.txt out/new/a.txt || fail "the file was not replaced"
 head -c 100 pkg/pkg.tgz >pkg/cut.tgz
+QT_QPA_PLATFORM=offscreen timeout 60 "$pakrune" --yes -extract pkg pkg.tgz out/new >"$world/out" 2>"$world/err" ||
+  fail "with windows --yes does not answer: status $?"
 run 1 --yes -extract pkg cut.tgz out/cut
 grep -q "end of file" "$world/err" || fail "nothing said of the missing end"
 run 1 -extract pkg none.tgz out/none
@@ -185,6 +190,9 @@ says 1 "no option --bach" --bach -qpack pkg a.txt
 says 1 "--batch stands before" --batch -d pkg
 says 1 "no drive 'Q:'" -extract pkg pkg.tgz 'Q:\out'
 says 1 "network path" -qpack '\\server\share' a.txt
+says 1 "-qpack needs a folder and names" -qpack "" a.txt
+says 1 "-extract needs a folder" -extract pkg pkg.tgz ""
+says 1 "nothing behind it: 'dir'" -extract pkg pkg.tgz out dir # a name that was not quoted
 
 # Started in a folder that has been deleted; with its standard streams closed; under a display that is none.
 mkdir gone && cd gone && rmdir ../gone
@@ -207,4 +215,11 @@ run 0 --help
 grep -q -- -qpack "$world/out" || fail "--help says nothing of -qpack"
 run 0 --version
 grep -q '^pakrune 1' "$world/out" || fail "--version"
+for arguments in --version "--yes -qpack pkg a.txt" "--yes -extract pkg a.tgz out"; do
+  status=0
+  # shellcheck disable=SC2086
+  "$pakrune" $arguments >/dev/full 2>"$world/err" || status=$?
+  [ "$status" = 1 ] || fail "full standard output: status $status: $arguments"
+  grep -q "standard output: No space left" "$world/err" || fail "full standard output: $arguments"
+done
 echo "batch_test: passed"

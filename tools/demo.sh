@@ -7,7 +7,10 @@ build=$1 archive=$2
 work=$(mktemp -d)
 sim=
 cleanup() {
-  [ -z "$sim" ] || kill "$sim" 2>/dev/null || true
+  if [ -n "$sim" ]; then
+    kill "$sim" 2>/dev/null || true
+    wait "$sim" 2>/dev/null || true # it puts its own files away
+  fi
   rm -rf "$work"
 }
 trap cleanup EXIT
@@ -17,7 +20,7 @@ fail() {
   exit 1
 }
 
-"$build/kt500sim" --port 0 --root "$work/terminal" --install --once >"$work/events" 2>&1 &
+"$build/kt500sim" --port 0 --root "$work/terminal" --install --once --limit 300000 >"$work/events" 2>&1 &
 sim=$!
 port=
 for _ in $(seq 100); do
@@ -28,7 +31,7 @@ done
 [ -n "$port" ] || fail "the terminal does not listen"
 
 echo "== sending $archive to a terminal at 127.0.0.1:$port"
-XDG_CONFIG_HOME=$work/config timeout 300 "$build/demo_send" "$archive" "$port" 2>"$work/errors" || { cat "$work/errors" >&2; fail "the archive was not sent"; }
+XDG_CONFIG_HOME=$work/config timeout --foreground 300 "$build/demo_send" "$archive" "$port" 2>"$work/errors" || { cat "$work/errors" >&2; fail "the archive was not sent"; }
 wait "$sim" || fail "the terminal ended with an error"
 sim=
 cat "$work/events"

@@ -1,5 +1,7 @@
 #include "tools/kt500sim_installer.h"
 
+#include <unistd.h>
+
 #include <algorithm>
 #include <filesystem>
 #include <iterator>
@@ -26,6 +28,11 @@ bool isRemark(std::string_view line) {
                                      [line](std::string_view speaker) { return line.starts_with(speaker); });
 }
 
+/// For another program, as long as the descriptor is open here.
+std::string pathOf(int descriptor) {
+  return "/proc/" + std::to_string(getpid()) + "/fd/" + std::to_string(descriptor);
+}
+
 /// A folder for the time being; gone with all in it when this goes.
 class ScratchFolder {
  public:
@@ -43,7 +50,7 @@ class ScratchFolder {
 class Installation {
  public:
   Installation(const Store& store, const Package& package, const Events& event)
-      : store_(store), package_(package), event_(event), archive_(store.folder() + "/" + package.name) {}
+      : store_(store), package_(package), event_(event), archive_(pathOf(package.archive)) {}
   std::string run();
   void tellMembers();
 

@@ -13,6 +13,7 @@ bool isInstallable(const std::string& name);
 
 struct Package {
   std::string name;   ///< of the stored archive
+  int archive = -1;   ///< itself, lent: another client may have replaced the stored one
   std::string owner;  ///< an account
   std::uint64_t free = 0;
   Moment until;  ///< its unpacking is ended then

@@ -128,11 +128,12 @@ bool Session::receiveData(std::uint64_t size, IncomingFile& file) {
 }
 
 void Session::store(const Request& request, IncomingFile& file) {
+  const platform::Descriptor archive = file.reader();
   if (!file.keepAs(request.name, request.mode)) return lose("cannot store " + shown(request.name));
   event_("stored " + shown(request.name) + " owner " + accounts_.userNumber(request.owner).value_or("?") +
          "/" + accounts_.groupNumber(request.group).value_or("?"));
   if (options_.install && isInstallable(request.name))
-    install(store_, {request.name, request.owner, bytesFree(), last_}, event_);
+    install(store_, {request.name, archive.get(), request.owner, bytesFree(), last_}, event_);
 }
 
 Moment Session::soonest(milliseconds wait) const { return std::min(last_, steady_clock::now() + wait); }

@@ -76,6 +76,10 @@ bool IncomingFile::write(std::string_view bytes) {
   return true;
 }
 
+platform::Descriptor IncomingFile::reader() const {
+  return platform::Descriptor(openat(store_.root_.get(), name_.c_str(), O_RDONLY | O_NOFOLLOW | O_CLOEXEC));
+}
+
 bool IncomingFile::keepAs(const std::string& name, mode_t mode) {
   const int root = store_.root_.get();
   if (fchmod(file_.get(), mode) != 0 || renameat(root, name_.c_str(), root, name.c_str()) != 0) return false;

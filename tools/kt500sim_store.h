@@ -42,6 +42,7 @@ class IncomingFile {
   explicit operator bool() const { return static_cast<bool>(file_); }
 
   bool write(std::string_view bytes);
+  platform::Descriptor reader() const;  ///< of these bytes, whoever gets the name later; before it is kept
   bool keepAs(const std::string& name, mode_t mode);  ///< replaces a file or link of that name
 
  private:

@@ -6,6 +6,7 @@
 
 #include "platform/ResolvedPath.h"
 #include "platform/TcpConnection.h"
+#include "platform/TypedPath.h"
 #include "platform/desktop/Events.h"
 #include "platform/desktop/Handlers.h"
 #include "platform/desktop/Text.h"
@@ -48,7 +49,10 @@ void keepPlaceWhenHidden(std::initializer_list<QWidget*> widgets) {
 }  // namespace
 
 frmNetloader::frmNetloader(runtime::Services services, const std::string& sendFilePath, QWidget* parent)
-    : QDialog(parent), ui_(std::make_unique<Ui::frmNetloader>()), services_(services) {
+    : QDialog(parent),
+      ui_(std::make_unique<Ui::frmNetloader>()),
+      services_(services),
+      folder_(runtime::getFilePath(sendFilePath)) {
   using namespace platform::desktop;
   ui_->setupUi(this);
   boxes_ = std::make_unique<AddressBoxes>(
@@ -177,7 +181,23 @@ SendOrder frmNetloader::chosenOrder() const {
           chosenMode(), fromControl(ui_->listNetO->topEntry())};
 }
 
+/// What was typed becomes the program's path, which the box then shows; or the user is told why not. An empty
+/// box is left to the checks of the job.
+bool frmNetloader::readFile() {
+  const std::string text = fromControl(ui_->txtfile->text());
+  if (text.empty()) return true;
+  const platform::TypedPath typed = platform::typedPath(services_.system.drives, text, folder_);
+  if (typed) {
+    ui_->txtfile->setText(toControl(typed.path));
+    return true;
+  }
+  services_.user.message(typed.problem, runtime::Buttons::Ok, runtime::Icon::Critical, "Unable to Send");
+  ui_->txtfile->setFocus(Qt::OtherFocusReason);
+  return false;
+}
+
 void frmNetloader::cmdSend_Click() {
+  if (!readFile()) return;
   const SendResult result = send();
   if (result.answered) {
     const SendOrder order = chosenOrder();

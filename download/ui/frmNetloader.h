@@ -41,6 +41,7 @@ class frmNetloader : public QDialog, private SendDisplay {
   void changeAddresses(void (KnownAddresses::*change)(const KnownAddress&), const KnownAddress& entry);
   runtime::PermissionMode chosenMode() const;
   SendOrder chosenOrder() const;
+  bool readFile();
   SendResult send();
   void setInputEnabled(bool enabled);
   void setPortShown(bool shown);
@@ -57,6 +58,7 @@ class frmNetloader : public QDialog, private SendDisplay {
   std::unique_ptr<Ui::frmNetloader> ui_;
   runtime::Services services_;
   std::unique_ptr<AddressBoxes> boxes_;
+  std::string folder_;  // of the file that the dialog was made for
   bool portShown_ = false;
 };
 

@@ -70,6 +70,15 @@ void sendArchive(const SimProcess& sim, const std::string& commands) {
   EXPECT_EQ(hear(client), "");
 }
 
+/// A new folder whose tar is this script.
+std::string toolsWith(const std::string& tar) {
+  std::string tools = fs::temp_directory_path() / "kt500sim-tools-XXXXXX";
+  tools = mkdtemp(tools.data());
+  std::ofstream(tools + "/tar") << "#!/bin/sh\n" << tar;
+  fs::permissions(tools + "/tar", fs::perms(0755));
+  return tools;
+}
+
 }  // namespace
 
 TEST(Kt500sim, StoresExactlyTheAnnouncedBytesWithTheirMode) {
@@ -169,7 +178,9 @@ TEST(Kt500sim, WhatIsNotInstalledLeavesNothingAndSaysWhy) {
        "tar -rPf a.tar --format=pax --transform 's,x,/tmp/kt500sim-escape,' x && gzip -c a.tar > ../out.tgz",
        ""},
       {"head -c 10000001 /dev/zero > x && tar -zcf ../out.tgz x", "no space for: x"},
-      {"echo no archive > ../out.tgz", "gzip: stdin: not in gzip format"},
+      {"echo no archive > ../out.tgz", "This does not look like a tar archive"},
+      {"echo x > x && tar -zcf a.tgz x && head -c 40 a.tgz > ../out.tgz",
+       "gzip: stdin: unexpected end of file"},
       {"echo 1 > a && ln a b && echo 2 > first && tar -cf a.tar first a b && tar --delete -f a.tar a && "
        "gzip -c a.tar > ../out.tgz",
        "tar ended with 2: tar: b: Cannot hard link to 'a': No such file or directory"},
@@ -212,12 +223,37 @@ TEST(Kt500sim, OneClientHoldsUpNoOther) {
   EXPECT_TRUE(names(sim.root()).empty());
 }
 
+TEST(Kt500sim, EachClientsArchiveIsInstalledThoughBothHaveOneName) {
+  const std::string tools = toolsWith(
+      "while [ -e ${0%tar}hold ]; do sleep 0.02; done\n"
+      "PATH=${PATH#*:} exec tar \"$@\"\n");
+  std::ofstream(tools + "/hold") << "";
+  const std::string path = getenv("PATH");
+  setenv("PATH", (tools + ":" + path).c_str(), 1);
+  SimProcess sim("--count 2 --install");
+  setenv("PATH", path.c_str(), 1);
+  std::vector<platform::Descriptor> clients;
+  for (const std::string owner : {"usr1", "usr2"}) {
+    ASSERT_EQ(std::system(("cd " + tools + " && touch of-" + owner + " && tar cf a of-" + owner).c_str()), 0);
+    const std::string archive = bytesOf(tools + "/a");
+    clients.push_back(connectTo(sim));
+    tell(clients.back(), asks("a.tar", std::to_string(archive.size()), "400", owner));
+    EXPECT_EQ(hear(clients.back(), 2), "OK");
+    tell(clients.back(), archive);
+    for (int i = 0; i < 1000 && bytesOf(sim.root() + "/a.tar") != archive; ++i) usleep(10'000);
+  }
+  fs::remove(tools + "/hold");
+  const std::string events = sim.rest();
+  for (const char* owner : {"usr1", "usr2"})
+    EXPECT_EQ(names(sim.root() + "/home/" + owner), (std::vector<std::string>{std::string("of-") + owner}))
+        << events;
+  fs::remove_all(tools);
+}
+
 TEST(Kt500sim, AnEndLeavesNeitherFilesNorChildren) {
-  std::string tools = fs::temp_directory_path() / "kt500sim-tools-XXXXXX";
-  tools = mkdtemp(tools.data());
-  std::ofstream(tools + "/tar") << "#!/bin/sh\n[ $2 = -P ] && exit\necho x >$6/x\nsleep 100 &\ncd " << tools
-                                << "\necho $! >new\nmv new sleeper\nwait\n";
-  fs::permissions(tools + "/tar", fs::perms(0755));
+  const std::string tools = toolsWith(
+      "[ $2 = -P ] && exit\necho x >$6/x\nsleep 100 &\n"
+      "cd ${0%/tar}\necho $! >new\nmv new sleeper\nwait\n");
   const std::string path = getenv("PATH");
   for (const auto& [limit, why] :
        {std::pair("600000", "the simulator was ended"), {"700", "tar took too long"}}) {

@@ -171,6 +171,8 @@ TEST_F(SendTest, WhateverHappensIsToldOnceAndExplained) {
   const std::string badArguments = file + "Bad arguments in the command packet\n";
   const std::string changed =
       file + "The file was changed while it was being sent\n FAILED to send app.tgz to 10.0.0.1\n";
+  const auto vanishes = [this] { std::filesystem::remove(host("app.tgz")); };
+  const std::string unreadable = file + "The file could not be read\n FAILED to send app.tgz to 10.0.0.1\n";
   const std::string unreached =
       "Connection Error|Unable to connect to remote server\n Unable to connect to 10.0.0.1\n";
   for (const Case& c : std::initializer_list<Case>{
@@ -178,9 +180,11 @@ TEST_F(SendTest, WhateverHappensIsToldOnceAndExplained) {
            {"-", "5142|", becomes(Closed, ECONNREFUSED), unreached, "it refused"},
            {"-", "5142|", becomes(Closed, EHOSTUNREACH), unreached, "No way leads there"},
            {"-", "5142|", becomes(Closed, EACCES), unreached, "The system says: words"},
+           {"-", "5142|", becomes(Closing, EPIPE), unreached, "hung up at once"},
            {"-", "5142|", stop, aborted, "", 0s, Stopped},
            {"OK", "Connected|", stop, aborted, "", 0s, Stopped},
            {"OK", "Connected|", becomes(Closed), reset, "hung up after 0 of "},
+           {"OK", "Connected|", vanishes, unreadable, "app.tgz cannot be read: No such file"},
            {"", "ask|", stop, aborted, "", 0s, Stopped},
            {"", "ask|", becomes(Closed), noReply, "hung up without an answer", 5s},
            {"", "ask|", becomes(Closing), noReply, "hung up without an answer", 5s},

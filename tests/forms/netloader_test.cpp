@@ -1,4 +1,5 @@
 #include "download/ui/frmNetloader.h"
+#include "platform/HeldName.h"
 #include "platform/desktop/Gate.h"
 #include "platform/desktop/ScrollList.h"
 #include "tests/SimProcess.h"
@@ -99,6 +100,26 @@ TEST_F(NetloaderTest, WhileATransferRunsOnlyCancelActs) {
   EXPECT_EQ(status(), "Disconnected");
   EXPECT_EQ(stored_.lastAddresses(), "127.0.0.1:" + std::to_string(sim.port()) + "\n");
   EXPECT_TRUE(the("listAddresses").isVisible());
+}
+
+TEST_F(NetloaderTest, AFileIsTypedInEveryFormOfAPath) {
+  write("o/a:b.tgz", "12345");
+  SimProcess sim("--free 0");
+  for (const std::string& typed :
+       std::vector<std::string>{"o/a:b.tgz", "c:/o/a:b.tgz", host("o/a:b.tgz"), "\"o\\a:b.tgz\""}) {
+    open("C:\\app.tgz", sim.port());
+    the<QLineEdit>("txtfile").setText(QString::fromStdString(typed));
+    press("cmdSend");
+    EXPECT_EQ(the<QLineEdit>("txtfile").text().toStdString(), "C:\\o\\" + platform::holdName("a:b.tgz"))
+        << typed;
+  }
+  sim.end(SIGTERM);
+  EXPECT_TRUE(testworld::has(sim.rest(), "request a:b.tgz size 5"));
+  person_.told.clear();
+  the<QLineEdit>("txtfile").setText("Q:\\x");
+  press("cmdSend");
+  EXPECT_EQ(told(), "Unable to Send|There is no drive 'Q:'\n");
+  EXPECT_TRUE(the("txtfile").hasFocus());
 }
 
 TEST_F(NetloaderTest, CancelEscapeAndTheCloseBoxEndATransfer) {
