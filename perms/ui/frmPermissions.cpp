@@ -112,7 +112,8 @@ void frmPermissions::initSetup() {
   const platform::Busy::Scope busy(services_.system.busy);
   ui_->lblItems->setText(toShown(items_.label));
   for (std::size_t box = ownerRead + 1; box < modeBoxes; ++box) setBox(box, Box::Clear);
-  (automaticByDefault(services_.settings) ? ui_->optAuto : ui_->optManual)->setChecked(true);
+  QRadioButton* const mode = automaticByDefault(services_.settings) ? ui_->optAuto : ui_->optManual;
+  mode->setChecked(true);
   setRunning(true);
   ui_->frameWait->raise();
   ui_->frameWait->show();
@@ -123,6 +124,7 @@ void frmPermissions::initSetup() {
   showModes(shown);
   ui_->frameWait->hide();
   setRunning(false);
+  mode->setFocus();  // not the first one of the group, which Space would choose
   if (services_.system.busy.stopRequested()) QDialog::reject();
 }
 

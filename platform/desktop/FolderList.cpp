@@ -131,7 +131,7 @@ void FolderList::keyPressEvent(QKeyEvent* event) {
       openWhenFree(highlighted());
       break;
     case Qt::Key_Backspace:
-      openWhenFree(model_->pathOf(model_->openRow() - 1));
+      if (model_->openRow() > 0) openWhenFree(model_->pathOf(model_->openRow() - 1));
       break;
     default:
       movesHighlight(*event) && !busy() ? QListView::keyPressEvent(event) : event->ignore();

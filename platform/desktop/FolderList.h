@@ -30,8 +30,7 @@ class FolderList : public QListView {
   /// Opens a folder and highlights it. False when it is not there or cannot be read: the old path stays.
   bool setPath(const std::string& path);
   std::string highlighted() const;  ///< the path of the highlighted row; the open folder's when there is none
-  bool isCurrentFolder(int row) const { return row == model_->openRow(); }
-  void refresh();  ///< reads the subfolders again; path and highlight stay
+  void refresh();                   ///< reads the subfolders again; path and highlight stay
   bool hiddenShown() const { return model_->hiddenShown(); }
 
  public slots:

@@ -3,7 +3,6 @@
 #include <QAbstractItemView>
 #include <QApplication>
 #include <QPainter>
-#include <QStyleOption>
 #include <utility>
 
 #include "platform/desktop/CheckInterface.h"
@@ -13,24 +12,34 @@
 namespace platform::desktop {
 namespace {
 
-constexpr int focusLine = 2;        // pixels
+constexpr int focusLine = 2;        // pixels; around a list
+constexpr int captionLine = 1;      // around a caption; Fusion's own is hardly seen in a dark palette
 constexpr double paleness = 0.35;   // of the selection colour in a list without the focus
 constexpr double edgeShare = 0.45;  // of the text's colour
 constexpr double visibleEdge = 1.5;
 constexpr int fusionDarkens = 140;  // what this style makes its edges of the window's colour with
 
-/// Draws with another palette. An option cannot be copied here: only its caller knows its type.
-class LentPalette {
+/// Draws with another palette, and the focus wherever it is: Qt shows that of a window's buttons only once
+/// Tab or Alt was pressed there. An option cannot be copied here: only its caller knows its type.
+class LentOption {
  public:
-  LentPalette(const QStyleOption* option, const QPalette& palette)
-      : option_(const_cast<QStyleOption*>(option)), before_(std::exchange(option_->palette, palette)) {}
-  ~LentPalette() { option_->palette = before_; }
-  LentPalette(const LentPalette&) = delete;
-  LentPalette& operator=(const LentPalette&) = delete;
+  LentOption(const QStyleOption* option, const QPalette& palette)
+      : option_(const_cast<QStyleOption*>(option)),
+        palette_(std::exchange(option_->palette, palette)),
+        state_(option_->state) {
+    if (state_.testFlag(QStyle::State_HasFocus)) option_->state |= QStyle::State_KeyboardFocusChange;
+  }
+  ~LentOption() {
+    option_->palette = palette_;
+    option_->state = state_;
+  }
+  LentOption(const LentOption&) = delete;
+  LentOption& operator=(const LentOption&) = delete;
 
  private:
   QStyleOption* option_;
-  QPalette before_;
+  QPalette palette_;
+  QStyle::State state_;
 };
 
 /// One that drops down belongs to what it drops from.
@@ -63,11 +72,12 @@ void showEdges(QPalette& palette) {
   palette.setColor(QPalette::Window, edge.lighter(fusionDarkens));
 }
 
-void drawFocusLine(QPainter& painter, const QStyleOption& frame) {
-  constexpr int inside = focusLine / 2;
+void drawFocusLine(QPainter& painter, const QStyleOption& frame, int width) {
+  const int before = width / 2;
+  const int behind = width - before;
   painter.save();
-  painter.setPen(QPen(frame.palette.highlight(), focusLine, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
-  painter.drawRect(frame.rect.adjusted(inside, inside, -inside, -inside));
+  painter.setPen(QPen(frame.palette.highlight(), width, Qt::SolidLine, Qt::SquareCap, Qt::MiterJoin));
+  painter.drawRect(frame.rect.adjusted(before, before, -behind, -behind));
   painter.restore();
 }
 
@@ -100,8 +110,9 @@ void ProgramStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* o
   if (element == PE_PanelLineEdit && option->state.testFlag(State_ReadOnly))
     palette.setColor(QPalette::Base, palette.color(QPalette::Window));
   if (hasEdge(element) && losesEdges(palette)) showEdges(palette);
-  const LentPalette lent(option, palette);
+  const LentOption lent(option, palette);
   QProxyStyle::drawPrimitive(element, option, painter, widget);
+  if (element == PE_FrameFocusRect && !isList(widget)) drawFocusLine(*painter, *option, captionLine);
 }
 
 void ProgramStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,
@@ -112,16 +123,25 @@ void ProgramStyle::drawControl(ControlElement element, const QStyleOption* optio
     if (isUnfocusedList(widget)) makePale(palette);
     keepColour(row->index, palette);
   }
-  const LentPalette lent(option, palette);
+  const LentOption lent(option, palette);
+  const auto* const entry = qstyleoption_cast<const QStyleOptionMenuItem*>(option);
+  if (element == CE_MenuItem && entry != nullptr && entry->menuItemType == QStyleOptionMenuItem::Separator)
+    return drawLine(*entry, painter, widget);
   QProxyStyle::drawControl(element, option, painter, widget);
-  if (element == CE_ShapedFrame && isFocusedList(widget)) drawFocusLine(*painter, *option);
+  if (element == CE_ShapedFrame && isFocusedList(widget)) drawFocusLine(*painter, *option, focusLine);
+}
+
+/// The text of a separator would be drawn as a heading.
+void ProgramStyle::drawLine(QStyleOptionMenuItem entry, QPainter* painter, const QWidget* widget) const {
+  entry.text.clear();
+  QProxyStyle::drawControl(CE_MenuItem, &entry, painter, widget);
 }
 
 void ProgramStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
                                       QPainter* painter, const QWidget* widget) const {
   QPalette palette = option->palette;
   if (control == CC_ComboBox && losesEdges(palette)) showEdges(palette);
-  const LentPalette lent(option, palette);
+  const LentOption lent(option, palette);
   QProxyStyle::drawComplexControl(control, option, painter, widget);
 }
 

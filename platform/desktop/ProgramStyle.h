@@ -1,12 +1,13 @@
 #pragma once
 
 #include <QProxyStyle>
+#include <QStyleOption>
 
 namespace platform::desktop {
 
-/// The desktop's style, and what it leaves to guess: which list has the focus (a line around it; the
-/// selection of all others is pale), that a text box is only for reading, where boxes and buttons end in a
-/// dark palette. A row's own colour stays readable while it is selected.
+/// The desktop's style, and what it leaves to guess: which control has the focus, also before the first Tab
+/// (a list: a line around it; the selection of all others is pale), that a text box is only for reading,
+/// where boxes and buttons end in a dark palette. A row's own colour stays readable while it is selected.
 class ProgramStyle : public QProxyStyle {
   Q_OBJECT
 
@@ -20,6 +21,7 @@ class ProgramStyle : public QProxyStyle {
   int pixelMetric(PixelMetric metric, const QStyleOption* option, const QWidget* widget) const override;
 
  private:
+  void drawLine(QStyleOptionMenuItem entry, QPainter* painter, const QWidget* widget) const;
   bool losesEdges(const QPalette& palette) const;
 };
 

@@ -75,6 +75,7 @@ TEST_F(PermissionsFormTest, OpensAsThePreferencesSay) {
   stored_.setPermissionOptions("0");
   open({"a"});
   EXPECT_TRUE(find<QRadioButton>("optManual")->isChecked());
+  EXPECT_EQ(form_->focusWidget(), find<QRadioButton>("optManual"));
   EXPECT_EQ(boxes(), "xxxx.xx.x");
   EXPECT_FALSE(box("checkSubDirs")->isVisible());
 }
