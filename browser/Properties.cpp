@@ -28,7 +28,7 @@ PropertiesRecord ofOne(const runtime::Services& services, const std::string& fol
           modeStringOf(services, folder, name)};
 }
 
-/// What vanished meanwhile is neither.
+/// What vanished meanwhile is neither; a link that leads nowhere is a file.
 PropertiesRecord ofMany(const runtime::Services& services, const std::vector<std::string>& paths,
                         const std::string& folder) {
   const platform::Files& files = services.system.files;
@@ -38,7 +38,7 @@ PropertiesRecord ofMany(const runtime::Services& services, const std::vector<std
     if (!goesOn()) break;
     if (files.folderExists(path))
       ++counts.folders;
-    else if (files.fileExists(path))
+    else if (files.entryExists(path))
       ++counts.files;
   }
   return {"Properties", infoOf(counts), folder, {}, ""};

@@ -81,9 +81,12 @@ void Navigation::showInitialFolder() {
   current_ = folders_.path();
 }
 
+/// What nobody has seen, since the window did not show yet, is no way back.
 void Navigation::leftFolder() {
   if (current_ == folders_.path()) return;
-  back_.push_back(std::exchange(current_, folders_.path()));
+  std::string left = std::exchange(current_, folders_.path());
+  if (!folders_.window()->isVisible()) return;
+  back_.push_back(std::move(left));
   ahead_.clear();
 }
 
@@ -129,8 +132,9 @@ void Navigation::openFolder(const std::string& path) {
 bool Navigation::openSubfolder(const std::string& path) { return folders_.setPath(path); }
 
 void Navigation::openParent() {
-  const std::string path = folders_.path();
-  if (path.size() > rootLength) folders_.setPath(runtime::getFilePath(path));
+  if (folders_.path().size() <= rootLength) return;
+  const std::string parent = platform::desktop::folderPath(runtime::getFilePath(folders_.path()));
+  if (!folders_.setPath(parent)) emit folders_.refused(parent);
 }
 
 bool Navigation::openNearest() {

@@ -85,22 +85,25 @@ void PaneListing::keepingSelection(const std::function<void()>& list) {
   const std::vector<std::string> selected = selection_.names();
   const int row = pane_.currentRow();
   const std::vector<std::string> candidates = nearestFirst(row);
+  const std::vector<std::string> atTop = nearestFirst(pane_.topRow());
   const PaneViews::Scrolled scrolled(pane_);
+  const auto firstOf = [this](const std::vector<std::string>& names, int otherwise) {
+    const std::vector<int> rows = model_.rowsOf(names);
+    return rows.empty() ? otherwise : rows.front();
+  };
   list();
   {
     const PaneSelection::Lock lock(selection_);
     pane_.selectRows(model_.rowsOf(selected));
-    const std::vector<int> places = model_.rowsOf(candidates);
-    const int last = static_cast<int>(model_.rows().size()) - 1;
-    const int current = places.empty() ? std::min(row, last) : places.front();
+    const int current = firstOf(candidates, std::min(row, model_.rowCount() - 1));
     if (current >= 0) pane_.makeCurrent(current);
-    scrolled.restore();
+    scrolled.restore(firstOf(atTop, -1));
   }
   selection_.read();
 }
 
-/// The names of a row, of those below it and of those above it: the first that stays goes on as the current
-/// one.
+/// The names of a row, of those below it and of those above it: the first that stays takes its part. None for
+/// -1.
 std::vector<std::string> PaneListing::nearestFirst(int row) const {
   std::vector<std::string> names;
   const std::vector<PaneRow>& rows = model_.rows();

@@ -130,16 +130,22 @@ std::string PaneRefresh::neighbourToBe(const std::vector<PaneRow>& rows) const {
   return {};
 }
 
+bool PaneRefresh::updateRows(std::vector<PaneRow>& rows) {
+  const std::string current = neighbourToBe(rows);
+  const PaneViews::Place place(pane_);
+  if (!model_.updateRows(rows)) return false;
+  const std::vector<int> row = model_.rowsOf({current});
+  if (!row.empty()) pane_.makeCurrent(row.front());
+  return true;
+}
+
 void PaneRefresh::showRows(std::vector<PaneRow> rows) {
   const std::vector<std::string> selected = selection_.names();
   const std::set<std::string> folders = foldersOf(model_.rows());
-  const std::string current = neighbourToBe(rows);
   {
     const PaneSelection::Lock lock(selection_);
-    const PaneViews::Place place(pane_);
-    if (!model_.updateRows(rows)) listing_.showRows(std::move(rows));
-    const std::vector<int> row = model_.rowsOf({current});
-    if (!row.empty()) pane_.makeCurrent(row.front());
+    pane_.setNotice({});
+    if (!updateRows(rows)) listing_.showRows(std::move(rows));
   }
   if (selection_.names() != selected) selection_.read();
   if (foldersOf(model_.rows()) != folders) folders_.refresh();

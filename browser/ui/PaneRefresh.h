@@ -37,6 +37,7 @@ class PaneRefresh : public QObject {
   void look();
   void takeFound();
   void show(QuietListing::Found found);
+  bool updateRows(std::vector<PaneRow>& rows);  // see DirPaneModel
   void showRows(std::vector<PaneRow> rows);
   std::string neighbourToBe(const std::vector<PaneRow>& rows) const;
   bool mayAct() const;

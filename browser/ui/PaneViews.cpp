@@ -25,6 +25,8 @@ constexpr std::time_t wideTime = 1798671480;  // December 30, 2026, in the eveni
 
 bool isPaneKey(int key) { return key == Qt::Key_Return || key == Qt::Key_Enter || key == Qt::Key_Backspace; }
 
+bool isSideButton(Qt::MouseButton button) { return button == Qt::BackButton || button == Qt::ForwardButton; }
+
 bool isPlainArrow(const QKeyEvent& event) {
   if ((event.modifiers() & ~Qt::KeypadModifier) != 0) return false;
   switch (event.key()) {
@@ -61,8 +63,7 @@ class HeardView : public View {
   }
   /// A name is dragged; from all other places rows are selected.
   void mousePressEvent(QMouseEvent* event) override {
-    if (event->button() == Qt::BackButton || event->button() == Qt::ForwardButton)
-      return emit pane_.sideButtonPressed(event->button());
+    if (isSideButton(event->button())) return emit pane_.sideButtonPressed(event->button());
     pressedAt_ = event->position().toPoint();
     const QModelIndex pressed = this->indexAt(pressedAt_);
     this->setDragEnabled(event->button() == Qt::LeftButton && pressed.isValid() && pressed.column() == 0);
@@ -81,6 +82,7 @@ class HeardView : public View {
   }
   /// A rubber band that ends in empty space keeps what it selected.
   void mouseReleaseEvent(QMouseEvent* event) override {
+    if (isSideButton(event->button())) return;
     View::mouseReleaseEvent(event);
     const QPoint at = event->position().toPoint();
     const int row = this->indexAt(at).row();
@@ -270,7 +272,8 @@ void PaneViews::setViewMode(int mode) {
 }
 
 void PaneViews::setNotice(const std::string& text) {
-  notice_ = platform::desktop::toShown(text);
+  if (const QString notice = platform::desktop::toShown(text); std::exchange(notice_, notice) == notice)
+    return;
   for (QAbstractItemView* shown :
        {static_cast<QAbstractItemView*>(details_), static_cast<QAbstractItemView*>(icons_)}) {
     shown->setAccessibleDescription(notice_);
@@ -280,23 +283,29 @@ void PaneViews::setNotice(const std::string& text) {
 
 bool PaneViews::editing() const { return view().viewport()->findChild<QLineEdit*>() != nullptr; }
 
-PaneViews::Place::Place(PaneViews& pane) : pane_(pane) {
-  if (pane.view().verticalScrollBar()->value() > 0) top_ = pane.view().indexAt(QPoint(1, 1));
+int PaneViews::topRow() const {
+  const bool sideways = currentWidget() == icons_ && view().horizontalScrollBar()->value() > 0;
+  return sideways || view().verticalScrollBar()->value() > 0 ? view().indexAt(QPoint(1, 1)).row() : -1;
 }
 
-PaneViews::Place::~Place() {
-  if (top_.isValid()) pane_.view().scrollTo(top_, QAbstractItemView::PositionAtTop);
-}
+PaneViews::Place::Place(PaneViews& pane)
+    : scrolled_(pane), top_(pane.view().model()->index(pane.topRow(), 0)) {}
+
+PaneViews::Place::~Place() { scrolled_.restore(top_.row()); }
 
 PaneViews::Scrolled::Scrolled(const PaneViews& pane)
     : pane_(pane),
       view_(pane.view()),
       place_(view_.horizontalScrollBar()->value(), view_.verticalScrollBar()->value()) {}
 
-void PaneViews::Scrolled::restore() const {
+/// To come to a row is to go sideways, too, which the details need not.
+void PaneViews::Scrolled::restore(int top) const {
   if (&view_ != &pane_.view()) return;
-  view_.horizontalScrollBar()->setValue(place_.x());
   view_.verticalScrollBar()->setValue(place_.y());
+  view_.horizontalScrollBar()->setValue(place_.x());
+  if (top < 0) return;
+  view_.scrollTo(view_.model()->index(top, 0), QAbstractItemView::PositionAtTop);
+  if (&view_ == pane_.details_) view_.horizontalScrollBar()->setValue(place_.x());
 }
 
 int PaneViews::currentRow() const { return view().currentIndex().row(); }

@@ -34,6 +34,21 @@ class PaneViews : public QStackedWidget {
 
   bool editing() const;  ///< a box stands over a row, for its name
 
+  int topRow() const;  ///< the first one in sight; -1: nothing is scrolled
+
+  /// Where a view was scrolled to, while its rows are replaced.
+  class Scrolled {
+   public:
+    explicit Scrolled(const PaneViews& pane);
+    /// With this row as the first in sight, unless it is -1. Nothing where another view shows now.
+    void restore(int top) const;
+
+   private:
+    const PaneViews& pane_;
+    QAbstractItemView& view_;
+    QPoint place_;
+  };
+
   /// What is shown at the top is there again at the end, though rows came and went above it.
   class Place {
    public:
@@ -43,20 +58,8 @@ class PaneViews : public QStackedWidget {
     Place& operator=(const Place&) = delete;
 
    private:
-    PaneViews& pane_;
-    QPersistentModelIndex top_;  // none at the very top
-  };
-
-  /// Where a view was scrolled to, while its rows are replaced.
-  class Scrolled {
-   public:
-    explicit Scrolled(const PaneViews& pane);
-    void restore() const;  ///< nothing where another view shows now
-
-   private:
-    const PaneViews& pane_;
-    const QAbstractItemView& view_;
-    QPoint place_;
+    Scrolled scrolled_;
+    QPersistentModelIndex top_;
   };
 
   void fitNames();             ///< after its width or that of a column has changed

@@ -1,9 +1,11 @@
+#include <fcntl.h>
 #include <sys/stat.h>
 
 #include "browser/ui/ApplyLayout.h"
 #include "browser/ui/DirPaneModel.h"
 #include "browser/ui/frameMain.h"
 #include "browser/ui/frmPattern.h"
+#include "platform/Descriptor.h"
 #include "platform/HeldName.h"
 #include "platform/desktop/DriveList.h"
 #include "platform/desktop/FileList.h"
@@ -11,6 +13,7 @@
 #include "platform/desktop/Gate.h"
 #include "platform/desktop/ImageList.h"
 #include "runtime/ImageKeys.h"
+#include "tests/OrdinaryUser.h"
 #include "tests/forms/Forms.h"
 
 namespace {
@@ -202,9 +205,12 @@ TEST_F(Browser, TheWayBackAndThePlaceAreKept) {
   EXPECT_EQ(frame_->dir1Path(), "C:\\sub");
   key(Qt::Key_Left, Qt::AltModifier);
   EXPECT_EQ(frame_->dir1Path(), "C:\\") << "what has gone is passed over";
-  QTest::mouseClick(tree()->viewport(), Qt::ForwardButton, {}, {5, 5});
-  EXPECT_EQ(frame_->dir1Path(), "C:\\sub");
-  QTest::mouseClick(tree()->viewport(), Qt::BackButton, {}, {5, 5});
+  const QPoint emptySpace(20, tree()->viewport()->height() - 5);
+  leftClick(tree()->viewport(), emptySpace);
+  QTest::mouseClick(tree()->viewport(), Qt::ForwardButton, {}, emptySpace);
+  EXPECT_EQ(frame_->dir1Path() + "|" + summary(), "C:\\sub|C:\\sub\\*");
+  QTest::mouseClick(tree()->viewport(), Qt::BackButton, {}, emptySpace);
+  EXPECT_EQ(current(), "sub") << "it is no click";
   frame_->openFolder("C:\\zeta");
   key(Qt::Key_Right, Qt::AltModifier);
   EXPECT_EQ(frame_->dir1Path(), "C:\\zeta") << "a new way has no forward";
@@ -484,6 +490,11 @@ TEST_F(Browser, WhileLoadingAFolderIsListedOnceAndInTwoSteps) {
   EXPECT_EQ(selection_.selectedPaths, Names{"C:\\sub\\one"});
   EXPECT_EQ(shown(1), (Names{"drwxr-xr-x", "-rw-r--r--"}));
   EXPECT_EQ(listings, 1);
+  window_.hide();
+  frame_->openFolder("C:\\zeta");
+  window_.show();
+  key(Qt::Key_Left, Qt::AltModifier);
+  EXPECT_EQ(frame_->dir1Path(), "C:\\") << "what was left unseen is no way back";
 }
 
 TEST_F(Browser, WhatIsStoppedOrVanishesHarmsNothing) {
@@ -539,9 +550,32 @@ TEST_F(Browser, FollowsWhatOthersWrite) {
   EXPECT_EQ(summary(), "0 items (0 files, 0 folders)");
   busy_.unwatch(held);
   EXPECT_EQ(held.times, 0) << "nobody waits for it";
-  frame_->openFolder("C:\\zeta");
-  fs::remove_all(host("zeta"));
-  EXPECT_TRUE(sees({"a.tgz", "bb.txt", "C.c"}));
+  fs::create_directories(host("zeta/below"));
+  frame_->openFolder("C:\\zeta\\below");
+  fs::rename(host("zeta"), host("eta"));
+  EXPECT_TRUE(sees({"eta", "a.tgz", "bb.txt", "C.c"}));
+  frame_->openFolder("C:\\eta\\below");
+  const platform::Descriptor stands(open(host("eta/below").c_str(), O_RDONLY | O_CLOEXEC));
+  fs::remove(host("eta/below"));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return frame_->dir1Path() == "C:\\eta"; }, 4000))
+      << "also while another program stands in it";
+}
+
+TEST_F(Browser, AFolderThatIsClosedAndOpenedAgainIsFollowed) {
+  if (!tests::ordinaryUserGetsAbout()) GTEST_SKIP() << tests::rootIsClosed;
+  const uid_t me = geteuid();
+  const auto waits = [me](const std::function<bool()>& isSo) {
+    if (me == 0 && seteuid(65534) != 0) return false;  // whom modes can stop
+    const bool came = QTest::qWaitFor(isSo, 4000);
+    return seteuid(me) == 0 && came;
+  };
+  auto* const pane = child<browser::PaneViews>("DirPaneViews");
+  chmod(root_.c_str(), 0755);
+  frame_->openFolder("C:\\sub");
+  chmod(host("sub").c_str(), 0);
+  EXPECT_TRUE(waits([&] { return pane->notice() == "This folder cannot be read: Permission denied"; }));
+  chmod(host("sub").c_str(), 0755);
+  EXPECT_TRUE(waits([&] { return shown() == Names{"inner", "one"} && pane->notice().isEmpty(); }));
 }
 
 TEST_F(Browser, AFolderThatCannotBeOpenedIsTold) {
@@ -551,6 +585,15 @@ TEST_F(Browser, AFolderThatCannotBeOpenedIsTold) {
   EXPECT_EQ(log_.all, " Unable to open folder: C:\\zeta (No such file or directory)\n");
   doubleClick("sub");
   EXPECT_NE(log_.all.find("open folder: C:\\sub (No such"), std::string::npos);
+  log_.all.clear();
+  QTest::keyClick(folders(), Qt::Key_Backspace);
+  EXPECT_EQ(log_.all, "") << "there is nothing above a drive";
+  fs::create_directories(host("up/inner"));
+  frame_->openFolder("C:\\up\\inner");
+  fs::remove_all(host("up"));
+  press("cmdDirPaneUp");
+  EXPECT_EQ(log_.all, " Unable to open folder: C:\\up (No such file or directory)\n");
+  frame_->openFolder("C:\\");
   write("new/x");
   whenEventsRun_ = [this] { fs::remove_all(host("new")); };
   frame_->openFolder("C:\\new");
@@ -563,11 +606,12 @@ TEST_F(Browser, ScatteredChangesKeepSelectionAndPlace) {
   frame_->refreshKeepList();
   click("b.txt");
   tree()->verticalScrollBar()->setValue(150);
+  const QVariant atTop = tree()->indexAt({1, 1}).data();
   for (int i = 1; i <= 400; i += 2) fs::remove(host(shown()[static_cast<std::size_t>(i + 4)]));
   const auto rows = [this] { return tree()->model()->rowCount(); };
   EXPECT_TRUE(QTest::qWaitFor([&] { return rows() == 205; }, 4000)) << rows();
   EXPECT_EQ(summary(), "1 items (1 files, 0 folders)");
-  EXPECT_NE(tree()->verticalScrollBar()->value(), 0);
+  EXPECT_EQ(tree()->indexAt({1, 1}).data(), atTop);
   tree()->header()->resizeSection(1, 2000);
   QApplication::processEvents();
   tree()->horizontalScrollBar()->setValue(100);
@@ -579,6 +623,29 @@ TEST_F(Browser, ScatteredChangesKeepSelectionAndPlace) {
   frame_->refreshKeepList();
   EXPECT_EQ(tree()->horizontalScrollBar()->value(), 100);
   EXPECT_EQ(window_.focusWidget(), tree()) << "also while the user is elsewhere";
+  const auto keepsItsTop = [&](const QAbstractItemView& view, std::size_t first) {
+    const QPersistentModelIndex top = view.indexAt({1, 1});
+    const QRect place = view.visualRect(top);
+    const int before = rows();
+    const Names names = shown();
+    for (std::size_t row = first; row < first + 30; ++row) fs::remove(host(names[row]));
+    const bool came = QTest::qWaitFor([&] { return rows() == before - 30; }, 4000);
+    return came && view.visualRect(top).left() == place.left() &&
+           (&view != tree() || view.visualRect(top).top() == place.top());
+  };
+  tree()->setCurrentIndex(tree()->model()->index(110, 0));
+  tree()->verticalScrollBar()->setValue(0);
+  EXPECT_TRUE(keepsItsTop(*tree(), 100)) << "also when the current row vanishes out of sight";
+  tree()->verticalScrollBar()->setValue(100);
+  EXPECT_TRUE(keepsItsTop(*tree(), 2));
+  frame_->setViewMode(2);
+  frame_->refreshKeepList();
+  auto* const list = child<QListView>("DirPaneIcons");
+  list->horizontalScrollBar()->setValue(list->horizontalScrollBar()->maximum() / 2);
+  ASSERT_GT(list->horizontalScrollBar()->value(), 0);
+  EXPECT_TRUE(keepsItsTop(*list, 2));
+  frame_->setViewMode(3);
+  frame_->refreshKeepList();
   for (const std::string& name : numbered("sub/f", 400)) write(name);
   frame_->openFolder("C:\\sub");
   EXPECT_EQ(tree()->verticalScrollBar()->value(), 0) << "another folder is shown from its top";
