@@ -47,6 +47,10 @@ bool isList(const QWidget* widget) {
   return qobject_cast<const QAbstractItemView*>(widget) != nullptr &&
          widget->window()->windowType() != Qt::Popup;
 }
+/// A row of a tree is drawn without the tree.
+bool isRow(const QWidget* widget) {
+  return widget == nullptr || qobject_cast<const QAbstractItemView*>(widget) != nullptr;
+}
 bool isFocusedList(const QWidget* widget) { return isList(widget) && widget->hasFocus(); }
 bool isUnfocusedList(const QWidget* widget) { return isList(widget) && !widget->hasFocus(); }
 
@@ -112,7 +116,7 @@ void ProgramStyle::drawPrimitive(PrimitiveElement element, const QStyleOption* o
   if (hasEdge(element) && losesEdges(palette)) showEdges(palette);
   const LentOption lent(option, palette);
   QProxyStyle::drawPrimitive(element, option, painter, widget);
-  if (element == PE_FrameFocusRect && !isList(widget)) drawFocusLine(*painter, *option, captionLine);
+  if (element == PE_FrameFocusRect && !isRow(widget)) drawFocusLine(*painter, *option, captionLine);
 }
 
 void ProgramStyle::drawControl(ControlElement element, const QStyleOption* option, QPainter* painter,

@@ -63,6 +63,26 @@ TEST(ProgramStyle, TheFocusShowsAndASelectedRowKeepsAReadableColour) {
   EXPECT_LT(contrast(selection[0], base) + 1, contrast(selection[1], base));
 }
 
+TEST(ProgramStyle, TheCurrentRowOfSeveralSelectedIsKnown) {
+  QTreeWidget tree;
+  tree.setStyle(new ProgramStyle);
+  tree.style()->setParent(&tree);
+  tree.setAllColumnsShowFocus(true);
+  tree.addTopLevelItem(new QTreeWidgetItem({"row"}));
+  tree.topLevelItem(0)->setSelected(true);
+  tree.show();
+  QApplication::setActiveWindow(&tree);
+  tree.setFocus();
+  tree.selectionModel()->clearCurrentIndex();
+  const auto edge = [&tree] {
+    const QRect row = tree.visualItemRect(tree.topLevelItem(0)).translated(tree.viewport()->pos());
+    return tree.grab().toImage().pixelColor(row.center().x(), row.bottom());
+  };
+  const QColor another = edge();
+  tree.selectionModel()->setCurrentIndex(tree.model()->index(0, 0), QItemSelectionModel::NoUpdate);
+  EXPECT_NE(edge(), another);
+}
+
 TEST(ProgramStyle, ASeparatorIsALineWhateverItsText) {
   ProgramStyle style;
   const auto drawn = [&style](const char* text) {
