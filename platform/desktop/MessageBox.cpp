@@ -27,7 +27,8 @@ QString firstLines(const QString& text) {
   return text.left(end) + QStringLiteral("\n(%1 more lines)").arg(rest.count(QLatin1Char('\n')) + 1);
 }
 
-/// A text that would push the buttons off the screen, or a name in it that would be cut, is scrolled.
+/// A text that would push the buttons off the screen, or a name in it that would be cut, is scrolled. By a
+/// label of its own: the box would decide whether its own one is wrapped.
 void letScroll(QMessageBox& box) {
   auto* const label = box.findChild<QLabel*>(QStringLiteral("qt_msgbox_label"));
   const QSize room = box.screen()->availableSize() / 2;
@@ -41,8 +42,13 @@ void letScroll(QMessageBox& box) {
   const int bar = area->verticalScrollBar()->sizeHint().width();
   area->setMinimumSize(needed.boundedTo(room) + QSize(bar, bar));
   delete box.layout()->replaceWidget(label, area);
-  label->setWordWrap(true);
-  area->setWidget(label);
+  label->hide();
+  auto* const text = new QLabel(label->text());
+  text->setTextFormat(Qt::PlainText);
+  text->setTextInteractionFlags(label->textInteractionFlags());
+  text->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+  text->setWordWrap(true);
+  area->setWidget(text);
   area->setWidgetResizable(true);
 }
 

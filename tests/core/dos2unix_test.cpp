@@ -113,14 +113,17 @@ TEST_F(Dos2UnixTest, SomebodyElsesFileIsConvertedInItsPlaceByWhoMayWriteIt) {
 
 /// Nobody can wait for a slow disk: the run is killed if it has not ended half a second after it was asked
 /// to.
-TEST_F(Dos2UnixTest, ARunThatIsEndedWhileTheDiskIsSlowLeavesNoCopies) {
+TEST_F(Dos2UnixTest, ASlowOrBrokenDiskCostsNothingAndLeavesNoCopies) {
   for (const char* const name : {"a", "b"}) write(name, "x\r\n");
-  const std::string said =
-      output("bash -c 'coproc env LD_PRELOAD=" + built("tests/libslow_sync.so") +
-             " ASAN_OPTIONS=verify_asan_link_order=0 " + built("bin/dos2unix.exe") +
-             " a b; read -r line <&${COPROC[0]}; kill $COPROC_PID;"
-             " timeout 5 tail --pid=$COPROC_PID -f /dev/null; kill -KILL $COPROC_PID 2>&1; echo $line'");
+  const std::string converter = "env LD_PRELOAD=" + built("tests/libslow_sync.so") +
+                                " ASAN_OPTIONS=verify_asan_link_order=0 " + program_;
+  const std::string said = output("bash -c 'coproc " + converter +
+                                  " a b; read -r line <&${COPROC[0]}; kill $COPROC_PID;"
+                                  " timeout 5 tail --pid=$COPROC_PID -f /dev/null;"
+                                  " kill -KILL $COPROC_PID 2>&1; echo $line'");
   EXPECT_TRUE(testworld::has(said, "at work\n"));
+  EXPECT_EQ(output("BROKEN_DISK=1 " + converter + " a b || echo failed"),
+            "dos2unix: a: Input/output error\ndos2unix: b: Input/output error\nfailed\n");
   EXPECT_TRUE(clean());
   EXPECT_EQ(bytes("a") + bytes("b"), "x\r\nx\r\n");
 }
