@@ -24,4 +24,6 @@ unset WAYLAND_DISPLAY DBUS_SESSION_BUS_ADDRESS AT_SPI_BUS_ADDRESS
 export LC_ALL=C.UTF-8 TZ=UTC QT_FONT_DPI=96 QT_QPA_PLATFORM=xcb QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1 DISPLAY=:$display
 export HOME=$world XDG_CONFIG_HOME=$world/config XDG_DATA_HOME=$world/data XDG_RUNTIME_DIR=$world/run
 export PAKRUNE_DRIVES="C=$world/disk;Z=/" PAKRUNE_COM1=/dev/ttyS0
-timeout 60 dbus-run-session -- "$world/program/a11y_walk" 2>&1 | { grep -v '^dbus-daemon\|^SpiRegistry' || true; }
+timeout 60 dbus-run-session -- "$world/program/a11y_walk" 2>&1 | { grep -v '^dbus-daemon\|^SpiRegistry' || true; } | tee "$world/said"
+every=34
+grep -q "^$every windows, " "$world/said" || { echo "a11y_test: not $every windows were walked"; exit 1; }
