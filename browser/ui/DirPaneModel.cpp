@@ -152,6 +152,14 @@ std::vector<int> DirPaneModel::rowsOf(const std::vector<std::string>& names) con
   return found;
 }
 
+std::vector<std::string> DirPaneModel::nearestFirst(int row) const {
+  std::vector<std::string> names;
+  for (int below = row; below >= 0 && below < rowCount(); ++below)
+    names.push_back(rows_[static_cast<std::size_t>(below)].name);
+  for (int above = row - 1; above >= 0; --above) names.push_back(rows_[static_cast<std::size_t>(above)].name);
+  return names;
+}
+
 int DirPaneModel::rowCount(const QModelIndex& parent) const {
   return parent.isValid() ? 0 : static_cast<int>(rows_.size());
 }

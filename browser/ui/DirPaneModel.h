@@ -34,6 +34,9 @@ class DirPaneModel : public QAbstractTableModel {
   /// The rows of these exact names (of each the first), in the names' order; names without a row are left
   /// out. Linear.
   std::vector<int> rowsOf(const std::vector<std::string>& names) const;
+  /// The names of a row, of those below it and of those above it: the first that stays takes its part. None
+  /// for -1.
+  std::vector<std::string> nearestFirst(int row) const;
 
   int rowCount(const QModelIndex& parent = {}) const override;
   int columnCount(const QModelIndex& parent = {}) const override;

@@ -84,8 +84,8 @@ void PaneListing::keepingSelection(const std::function<void()>& list) {
   selection_.read();
   const std::vector<std::string> selected = selection_.names();
   const int row = pane_.currentRow();
-  const std::vector<std::string> candidates = nearestFirst(row);
-  const std::vector<std::string> atTop = nearestFirst(pane_.topRow());
+  const std::vector<std::string> candidates = model_.nearestFirst(row);
+  const std::vector<std::string> atTop = model_.nearestFirst(pane_.topRow());
   const PaneViews::Scrolled scrolled(pane_);
   const auto firstOf = [this](const std::vector<std::string>& names, int otherwise) {
     const std::vector<int> rows = model_.rowsOf(names);
@@ -100,17 +100,6 @@ void PaneListing::keepingSelection(const std::function<void()>& list) {
     scrolled.restore(firstOf(atTop, -1));
   }
   selection_.read();
-}
-
-/// The names of a row, of those below it and of those above it: the first that stays takes its part. None for
-/// -1.
-std::vector<std::string> PaneListing::nearestFirst(int row) const {
-  std::vector<std::string> names;
-  const std::vector<PaneRow>& rows = model_.rows();
-  for (int below = row; below >= 0 && below < model_.rowCount(); ++below)
-    names.push_back(rows[static_cast<std::size_t>(below)].name);
-  for (int above = row - 1; above >= 0; --above) names.push_back(rows[static_cast<std::size_t>(above)].name);
-  return names;
 }
 
 void PaneListing::rowsFound(std::vector<PaneRow> rows) {

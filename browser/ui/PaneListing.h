@@ -44,7 +44,6 @@ class PaneListing : public QObject, private ListingListener {
 
  private:
   void keepingSelection(const std::function<void()>& list);
-  std::vector<std::string> nearestFirst(int row) const;
   void rowsFound(std::vector<PaneRow> rows) override;
   void unreadable(const std::string& why) override;
   void modesFound(std::size_t first, std::vector<LsEntry> entries) override;

@@ -5,7 +5,6 @@
 #include <QSocketNotifier>
 #include <algorithm>
 #include <set>
-#include <unordered_set>
 #include <utility>
 
 namespace browser {
@@ -118,24 +117,12 @@ void PaneRefresh::show(QuietListing::Found found) {
   if (services_.system.files.readProblem(root) == 0) emit folderGone();
 }
 
-/// The name of the row that is to be the current one where these are all that there will be: the current one,
-/// or the next below it that stays.
-std::string PaneRefresh::neighbourToBe(const std::vector<PaneRow>& rows) const {
-  std::unordered_set<std::string_view> names;
-  for (const PaneRow& row : rows) names.insert(row.name);
-  const std::vector<PaneRow>& shown = model_.rows();
-  for (int row = pane_.currentRow(); row >= 0 && row < model_.rowCount(); ++row)
-    if (names.contains(shown[static_cast<std::size_t>(row)].name))
-      return shown[static_cast<std::size_t>(row)].name;
-  return {};
-}
-
 bool PaneRefresh::updateRows(std::vector<PaneRow>& rows) {
-  const std::string current = neighbourToBe(rows);
+  const std::vector<std::string> candidates = model_.nearestFirst(pane_.currentRow());
   const PaneViews::Place place(pane_);
   if (!model_.updateRows(rows)) return false;
-  const std::vector<int> row = model_.rowsOf({current});
-  if (!row.empty()) pane_.makeCurrent(row.front());
+  const std::vector<int> current = model_.rowsOf(candidates);
+  if (!current.empty()) pane_.makeCurrent(current.front());
   return true;
 }
 

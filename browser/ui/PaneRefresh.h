@@ -4,7 +4,6 @@
 #include <QTimer>
 #include <functional>
 #include <optional>
-#include <string>
 
 #include "browser/QuietListing.h"
 #include "browser/RefreshPace.h"
@@ -39,7 +38,6 @@ class PaneRefresh : public QObject {
   void show(QuietListing::Found found);
   bool updateRows(std::vector<PaneRow>& rows);  // see DirPaneModel
   void showRows(std::vector<PaneRow> rows);
-  std::string neighbourToBe(const std::vector<PaneRow>& rows) const;
   bool mayAct() const;
 
   runtime::Services services_;
