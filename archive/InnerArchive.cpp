@@ -30,7 +30,7 @@ class MemberRun {
     place_ = std::make_unique<ScratchFolder>(files(), services_.log, services_.api.GetTempDir());
     if (!*place_) return failed(noTemporaryFolder(files(), place_->systemError()));
     folder_ = place_->path() + "\\contents";
-    if (!files().createFolder(folder_) || !files().writeText(namesFile(), namesFileText({member_.name})))
+    if (files().createFolder(folder_) != 0 || !files().writeText(namesFile(), namesFileText({member_.name})))
       return failed(cannotWrite(files(), place_->path()));
     // No link that the archive brings along is there when this one member is extracted.
     if (!ExtractGuard(services_.system.drives, folder_).judge({member_.name}).empty())

@@ -54,7 +54,7 @@ bool Staging::refuse(const std::string& problem) {
 }
 
 bool Staging::makeFolder(const std::string& path) {
-  if (services_.system.files.createFolder(path)) return true;
+  if (services_.system.files.createFolder(path) == 0) return true;
   return refuse(cannotWrite(services_.system.files, scratch_.path()));
 }
 

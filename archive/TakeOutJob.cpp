@@ -65,7 +65,7 @@ TakenOut TakeOutJob::run() {
   const platform::Files& files = services_.system.files;
   auto place = std::make_unique<ScratchFolder>(files, services_.log, services_.api.GetTempDir());
   const std::string folder = place->path() + "\\contents";
-  if (!*place || !files.createFolder(folder)) {
+  if (!*place || files.createFolder(folder) != 0) {
     services_.user.message(
         *place ? cannotWrite(files, place->path()) : noTemporaryFolder(files, place->systemError()),
         runtime::Buttons::Ok, runtime::Icon::Critical, "Unable To Extract");

@@ -134,9 +134,9 @@ std::string Files::fullName(std::string_view path) const {
   return holdName(name);
 }
 
-bool Files::createFolder(std::string_view path) const {
-  const std::optional<std::string> host = drives_.toHost(path);
-  return host && (mkdir(host->c_str(), 0777) == 0 || folderExists(path));
+int Files::createFolder(std::string_view path) const {
+  const int problem = createFolderExclusively(path, 0777);
+  return problem != 0 && folderExists(path) ? 0 : problem;
 }
 
 int Files::createFolderExclusively(std::string_view path, mode_t mode) const {

@@ -33,7 +33,8 @@ class Files {
 
   int readProblem(std::string_view folder) const;  ///< why it cannot be listed: the system's error, or 0
 
-  bool createFolder(std::string_view path) const;  ///< one level; true when it is there afterwards
+  /// One level. 0 when it is there afterwards, whoever made it; else the system's error.
+  int createFolder(std::string_view path) const;
   /// The mode is that before the umask. 0, or the system's error; EEXIST: something stands there.
   int createFolderExclusively(std::string_view path, mode_t mode = S_IRWXU) const;
   int writeProblem(

@@ -169,9 +169,9 @@ TEST_F(FilesTest, AFailedWriteLeavesWhatWasThereAndAGoodOneItsMode) {
 }
 
 TEST_F(FilesTest, FoldersAreMadeOneLevel) {
-  EXPECT_TRUE(files_.createFolder("C:\\sub"));
-  EXPECT_FALSE(files_.createFolder("C:\\a.txt"));
-  EXPECT_FALSE(files_.createFolder("C:\\x\\y"));
+  EXPECT_EQ(files_.createFolder("C:\\sub"), 0);
+  EXPECT_EQ(files_.createFolder("C:\\a.txt"), EEXIST);
+  EXPECT_EQ(files_.createFolder("C:\\x\\y"), ENOENT);
   EXPECT_EQ(files_.createFolderExclusively("C:\\sub"), EEXIST);
   EXPECT_EQ(files_.createFolderExclusively("C:\\own"), 0);
   EXPECT_EQ(modeOf(host("own")), 0700U);
