@@ -3,7 +3,6 @@
 #include <QGuiApplication>
 #include <QPalette>
 #include <unordered_map>
-#include <unordered_set>
 
 #include "browser/RowDetails.h"
 #include "platform/desktop/ReadableColour.h"
@@ -87,9 +86,12 @@ bool DirPaneModel::updateRows(std::vector<PaneRow>& rows) {
   found.reserve(rows.size());
   for (std::size_t i = 0; i < rows.size(); ++i) found.emplace(rows[i].name, i);
   if (found.size() < rows.size()) return false;
-  std::unordered_set<std::string_view> kept;
+  std::vector<bool> kept(rows.size());
   const auto gone = [&](std::size_t row) {
-    return !found.contains(rows_[row].name) || !kept.insert(rows_[row].name).second;
+    const auto place = found.find(rows_[row].name);
+    if (place == found.end() || kept[place->second]) return true;
+    kept[place->second] = true;
+    return false;
   };
   std::vector<std::pair<std::size_t, std::size_t>> ranges;
   for (std::size_t row = 0; row < rows_.size(); ++row) {

@@ -124,7 +124,10 @@ void Navigation::openFolder(const std::string& path) {
     const DriveLock lock(*this);
     if (!drives_.setDrive(wanted)) return;
     services_.user.letEventsRun();
-    if (!folders_.setPath(wanted)) return folders_.refused(wanted);
+    if (!folders_.setPath(wanted)) {
+      emit folders_.refused(wanted);
+      return;
+    }
   }
   if (folders_.path() == before) emit folderChanged();
 }
